@@ -1,0 +1,83 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "host/platform/LogSinks.h"
+
+#include <QDateTime>
+
+#include <cstdio>
+
+namespace Velmar::Logging {
+
+namespace {
+
+/// One entry is one line, whatever line feeds its message holds.
+QByteArray oneLine(QString text)
+{
+    text.replace(QLatin1Char('\n'), QLatin1String("\\n"));
+    return text.toUtf8();
+}
+
+} // namespace
+
+QString levelName(LogLevel level)
+{
+    switch (level) {
+    case LogLevel::Error:
+        return QStringLiteral("error");
+    case LogLevel::Warning:
+        return QStringLiteral("warning");
+    case LogLevel::Info:
+        return QStringLiteral("info");
+    case LogLevel::Debug:
+        return QStringLiteral("debug");
+    }
+    return QString::number(int(level));
+}
+
+FileLogSink::FileLogSink(const QString &path)
+    : m_file(path)
+{
+    m_file.open(QIODevice::WriteOnly | QIODevice::Append | QIODevice::Text);
+}
+
+bool FileLogSink::isOpen() const
+{
+    return m_file.isOpen();
+}
+
+void FileLogSink::write(const LogEntry &entry)
+{
+    if (!m_file.isOpen())
+        return;
+    const QString line = QStringLiteral("%1 %2 %3: %4")
+                             .arg(QDateTime::currentDateTimeUtc().toString(Qt::ISODateWithMs),
+                                  levelName(entry.level), entry.category, entry.message);
+    m_file.write(oneLine(line) + '\n');
+    m_file.flush();
+}
+
+void StderrLogSink::write(const LogEntry &entry)
+{
+    const QString line = QStringLiteral("%1: %2: %3")
+                             .arg(levelName(entry.level), entry.category, entry.message);
+    std::fprintf(stderr, "%s\n", oneLine(line).constData());
+}
+
+void RecordingLogSink::write(const LogEntry &entry)
+{
+    const std::lock_guard lock(m_mutex);
+    m_entries.append(entry);
+}
+
+QVector<LogEntry> RecordingLogSink::entries() const
+{
+    const std::lock_guard lock(m_mutex);
+    return m_entries;
+}
+
+QVector<LogEntry> RecordingLogSink::take()
+{
+    const std::lock_guard lock(m_mutex);
+    return std::exchange(m_entries, {});
+}
+
+} // namespace Velmar::Logging

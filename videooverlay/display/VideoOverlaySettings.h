@@ -1,0 +1,74 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include "videooverlay/xqvideooverlay_export.h"
+
+#include <QFont>
+#include <QObject>
+#include <QRectF>
+#include <QString>
+
+namespace Velmar::VideoOverlay {
+
+class CVideoOverlayCapabilities;
+
+/// The grid of character cells, centred in the video picture, on which the elements stand: column
+/// and row count, picture size and font, and the cell size and margins that follow from them.
+/// Lengths are pixels of the picture. A refused value changes nothing.
+class XQVIDEOOVERLAY_EXPORT VideoOverlaySettings : public QObject
+{
+    Q_OBJECT
+public:
+    /// Takes the picture size from @p capabilities, which is not owned and must outlive this object.
+    /// A substituted overlay font is logged.
+    explicit VideoOverlaySettings(CVideoOverlayCapabilities &capabilities,
+                                  QObject *parent = nullptr);
+    ~VideoOverlaySettings() override;
+
+    QFont font() const;
+    double leftMargin() const; ///< left edge of the grid; negative when it is wider than the picture
+    double topMargin() const; ///< top edge of the grid; negative when it is taller than the picture
+    double colWidth() const; ///< width of one cell; 0 before there is a picture
+    double rowHeight() const; ///< height of one cell; 0 before there is a picture
+    int width() const; ///< of the picture
+    int height() const; ///< of the picture
+    QRectF marginRect() const; ///< the area that the grid covers
+
+    /// Stores both counts as soon as @e one of them is within the display's limits, which lets a
+    /// valid row count carry any column count with it and the other way round. Kept so.
+    /// False, and nothing changes, when neither is.
+    bool setGrid(int rows, int columns);
+    /// The same rule for the picture size.
+    bool setResolution(int width, int height);
+    /// Refuses a font that does not ask for fixed pitch. True for the current font, without a signal.
+    bool setFont(const QFont &font);
+    /// Takes the picture size from the capabilities; computes and announces nothing.
+    void applyVideoSettings();
+
+Q_SIGNALS:
+    /// Cell size and margins were computed, changed or not; also while there is no picture, when
+    /// they stay as they were.
+    void settingsChanged();
+    /// A limit of the display was enforced. Not logged as well.
+    void settingsError(QString errMsg);
+
+public Q_SLOTS:
+    /// Computes cell size and margins and emits settingsChanged, always.
+    void calculateSettings();
+    /// Takes the new picture size and lowers the counts that the display no longer allows.
+    void onCapabilitiesChanged();
+
+private:
+    CVideoOverlayCapabilities &m_capabilities;
+    int m_columns = 54;
+    int m_rows = 27;
+    int m_width = 0;
+    int m_height = 0;
+    QFont m_font;
+    double m_colWidth = 0.0;
+    double m_rowHeight = 0.0;
+    double m_leftMargin = 0.0;
+    double m_topMargin = 0.0;
+};
+
+} // namespace Velmar::VideoOverlay

@@ -1,0 +1,455 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "videooverlay/elements/CVideoOverlayElement.h"
+
+#include "videooverlay/Log_p.h"
+#include "videooverlay/display/VideoOverlaySettings.h"
+
+#include <QMutexLocker>
+
+#include <algorithm>
+#include <limits>
+
+namespace Velmar::VideoOverlay {
+
+namespace {
+
+/// A timer interval [ms] from any factor: neither negative nor beyond what a timer can take.
+int timerInterval(int value)
+{
+    const qint64 interval = qint64(value) * 1000;
+    return int(std::clamp<qint64>(interval, 0, std::numeric_limits<int>::max()));
+}
+
+} // namespace
+
+CVideoOverlayElement::CVideoOverlayElement(QObject *parent)
+    : QObject(parent)
+{
+    m_timer.setSingleShot(true);
+    connect(&m_timer, &QTimer::timeout, this, &CVideoOverlayElement::handleTimeout);
+}
+
+CVideoOverlayElement::~CVideoOverlayElement() = default;
+
+double CVideoOverlayElement::height()
+{
+    QMutexLocker lock(&m_mutex);
+    return m_height;
+}
+
+double CVideoOverlayElement::width()
+{
+    QMutexLocker lock(&m_mutex);
+    return m_width;
+}
+
+QString CVideoOverlayElement::unit()
+{
+    return QString();
+}
+
+void CVideoOverlayElement::setUnit(const QString &unit)
+{
+    Q_UNUSED(unit)
+}
+
+void CVideoOverlayElement::renderInto(QImage &image) const
+{
+    Q_UNUSED(image)
+}
+
+RenderedElement CVideoOverlayElement::getElement() const
+{
+    QMutexLocker lock(&m_mutex);
+    return RenderedElement(m_id, m_type, m_x, m_y, visible());
+}
+
+ElementParam CVideoOverlayElement::getAllProperties() const
+{
+    QMutexLocker lock(&m_mutex);
+    ElementParam all = m_params;
+    const ElementParam changed = getChangedProperties();
+    // Not QHash::unite: it would keep both values of a key.
+    for (auto it = changed.cbegin(); it != changed.cend(); ++it)
+        all.insert(it.key(), it.value());
+    return all;
+}
+
+ElementParam CVideoOverlayElement::getChangedProperties() const
+{
+    QMutexLocker lock(&m_mutex);
+    ElementParam changed;
+    const auto compareInt = [&](const QString &key, int live) {
+        if (m_params.value(key).toInt() != live)
+            changed.insert(key, live);
+    };
+    const auto compareBool = [&](const QString &key, bool live) {
+        if (m_params.value(key).toBool() != live)
+            changed.insert(key, live);
+    };
+    compareInt(QStringLiteral("col"), m_column);
+    compareInt(QStringLiteral("row"), m_row);
+    compareBool(QStringLiteral("enabled"), m_enabled);
+    compareInt(QStringLiteral("timeout"), m_timeout);
+    compareBool(QStringLiteral("captionEnabled"), m_captionVisible);
+    compareInt(QStringLiteral("maxLineNumber"), m_maxLineNumber);
+    return changed;
+}
+
+void CVideoOverlayElement::applyChangesToOrigParams()
+{
+    QMutexLocker lock(&m_mutex);
+    m_params = getAllProperties();
+}
+
+int CVideoOverlayElement::id() const
+{
+    QMutexLocker lock(&m_mutex);
+    return m_id;
+}
+
+void CVideoOverlayElement::setId(int id)
+{
+    QMutexLocker lock(&m_mutex);
+    if (m_id == id)
+        return;
+    m_id = id;
+    Q_EMIT idChanged();
+}
+
+int CVideoOverlayElement::row() const
+{
+    QMutexLocker lock(&m_mutex);
+    return m_row;
+}
+
+void CVideoOverlayElement::setRow(int row)
+{
+    QMutexLocker lock(&m_mutex);
+    if (m_row == row)
+        return;
+    m_row = row;
+    Q_EMIT rowChanged();
+}
+
+int CVideoOverlayElement::column() const
+{
+    QMutexLocker lock(&m_mutex);
+    return m_column;
+}
+
+void CVideoOverlayElement::setColumn(int column)
+{
+    QMutexLocker lock(&m_mutex);
+    if (m_column == column)
+        return;
+    m_column = column;
+    Q_EMIT columnChanged();
+}
+
+double CVideoOverlayElement::x() const
+{
+    QMutexLocker lock(&m_mutex);
+    return m_x;
+}
+
+double CVideoOverlayElement::y() const
+{
+    QMutexLocker lock(&m_mutex);
+    return m_y;
+}
+
+void CVideoOverlayElement::setPosition(double x, double y)
+{
+    m_x = x;
+    m_y = y;
+}
+
+void CVideoOverlayElement::setHeight(double height)
+{
+    QMutexLocker lock(&m_mutex);
+    if (m_height == height)
+        return;
+    m_height = height;
+    Q_EMIT heightChanged();
+}
+
+void CVideoOverlayElement::setWidth(double width)
+{
+    QMutexLocker lock(&m_mutex);
+    if (m_width == width)
+        return;
+    m_width = width;
+    Q_EMIT widthChanged();
+}
+
+bool CVideoOverlayElement::visible() const
+{
+    QMutexLocker lock(&m_mutex);
+    return m_enabled && m_visible && !m_temporaryHide;
+}
+
+void CVideoOverlayElement::setVisible(bool visible)
+{
+    QMutexLocker lock(&m_mutex);
+    if (m_visible == visible)
+        return;
+    m_visible = visible;
+    if (visible)
+        startTimer();
+    else
+        stopTimer();
+    Q_EMIT visibleChanged();
+}
+
+bool CVideoOverlayElement::enabled() const
+{
+    QMutexLocker lock(&m_mutex);
+    return m_enabled;
+}
+
+void CVideoOverlayElement::setEnabled(bool enabled)
+{
+    QMutexLocker lock(&m_mutex);
+    if (m_enabled == enabled)
+        return;
+    m_enabled = enabled;
+    determineVisibility();
+    Q_EMIT enabledChanged();
+    Q_EMIT visibleChanged();
+}
+
+bool CVideoOverlayElement::captionVisible() const
+{
+    QMutexLocker lock(&m_mutex);
+    return m_captionVisible;
+}
+
+void CVideoOverlayElement::setCaptionVisible(bool visible)
+{
+    QMutexLocker lock(&m_mutex);
+    if (m_captionVisible == visible)
+        return;
+    m_captionVisible = visible;
+    Q_EMIT captionVisibleChanged();
+}
+
+QString CVideoOverlayElement::caption() const
+{
+    QMutexLocker lock(&m_mutex);
+    return m_caption;
+}
+
+void CVideoOverlayElement::setCaption(const QString &caption)
+{
+    QMutexLocker lock(&m_mutex);
+    if (m_caption == caption)
+        return;
+    m_caption = caption;
+    Q_EMIT captionChanged();
+}
+
+CVideoOverlayElement::Type CVideoOverlayElement::type() const
+{
+    QMutexLocker lock(&m_mutex);
+    return m_type;
+}
+
+void CVideoOverlayElement::setType(Type type)
+{
+    QMutexLocker lock(&m_mutex);
+    m_type = type;
+    Q_EMIT typeChanged();
+}
+
+int CVideoOverlayElement::timeout() const
+{
+    QMutexLocker lock(&m_mutex);
+    return m_timeout;
+}
+
+void CVideoOverlayElement::setTimeout(int timeoutSeconds)
+{
+    QMutexLocker lock(&m_mutex);
+    if (m_timeout == timeoutSeconds)
+        return;
+    m_timeout = timeoutSeconds;
+    determineVisibility();
+    Q_EMIT timeoutChanged();
+}
+
+bool CVideoOverlayElement::timeoutDisabled() const
+{
+    QMutexLocker lock(&m_mutex);
+    return m_timeoutDisabled;
+}
+
+void CVideoOverlayElement::setTimeoutDisabled(bool disabled)
+{
+    QMutexLocker lock(&m_mutex);
+    if (m_timeoutDisabled == disabled)
+        return;
+    m_timeoutDisabled = disabled;
+    Q_EMIT timeoutDisabledChanged();
+}
+
+int CVideoOverlayElement::getMaxLineNumber() const
+{
+    QMutexLocker lock(&m_mutex);
+    return m_maxLineNumber;
+}
+
+void CVideoOverlayElement::setMaxLineNumber(int lines)
+{
+    QMutexLocker lock(&m_mutex);
+    if (m_maxLineNumber == lines)
+        return;
+    m_maxLineNumber = lines;
+    Q_EMIT maxlinenumberChanged();
+}
+
+int CVideoOverlayElement::transparency() const
+{
+    QMutexLocker lock(&m_mutex);
+    return m_transparency;
+}
+
+void CVideoOverlayElement::setTransparency(int transparency)
+{
+    QMutexLocker lock(&m_mutex);
+    if (m_transparency == transparency)
+        return;
+    m_transparency = transparency;
+    Q_EMIT transparencyChanged();
+}
+
+bool CVideoOverlayElement::canDelete() const
+{
+    QMutexLocker lock(&m_mutex);
+    const auto it = m_params.constFind(QStringLiteral("canDelete"));
+    return it == m_params.cend() || it->toBool();
+}
+
+void CVideoOverlayElement::setTemporaryHide(bool hide)
+{
+    QMutexLocker lock(&m_mutex);
+    m_temporaryHide = hide;
+    Q_EMIT visibleChanged();
+}
+
+VideoOverlaySettings *CVideoOverlayElement::settings() const
+{
+    QMutexLocker lock(&m_mutex);
+    return m_settings;
+}
+
+QSize CVideoOverlayElement::pixelSize() const
+{
+    QMutexLocker lock(&m_mutex);
+    return QSize(int(m_width), int(m_height));
+}
+
+void CVideoOverlayElement::setSettings(VideoOverlaySettings *settings)
+{
+    QMutexLocker lock(&m_mutex);
+    if (m_settings == settings)
+        return;
+    if (m_settings) // whatever followed the old grid stops doing so
+        disconnect(m_settings, nullptr, this, nullptr);
+    m_settings = settings;
+    Q_EMIT settingsChanged();
+}
+
+void CVideoOverlayElement::setParamObject(const ElementParam &param)
+{
+    QMutexLocker lock(&m_mutex);
+    m_params = param;
+}
+
+ElementParam CVideoOverlayElement::getParamObject() const
+{
+    QMutexLocker lock(&m_mutex);
+    return m_params;
+}
+
+ElementParam &CVideoOverlayElement::getParamObjectRef()
+{
+    QMutexLocker lock(&m_mutex);
+    return m_params;
+}
+
+void CVideoOverlayElement::startTimer()
+{
+    QMutexLocker lock(&m_mutex);
+    if (m_timeout == 0 || !m_enabled || m_timeoutDisabled)
+        return;
+    const auto scheduled = [this](const QString &when) {
+        log(LogLevel::Debug,
+            QStringLiteral("ID %1 timeout scheduled to %2 seconds ").arg(QString::number(m_id), when));
+    };
+    if (m_remaining < 1) {
+        scheduled(QString::number(m_timeout));
+        m_timer.start(timerInterval(m_timeout));
+    } else {
+        // Milliseconds taken for seconds, and kept for the next start as well: hosts rely on it.
+        scheduled(QStringLiteral("remaining") + QString::number(m_remaining));
+        m_timer.start(timerInterval(m_remaining));
+    }
+}
+
+void CVideoOverlayElement::suspendTimer()
+{
+    QMutexLocker lock(&m_mutex);
+    if (m_timeout == 0 || !m_enabled || !m_timer.isActive())
+        return;
+    m_remaining = m_timer.remainingTime();
+    m_timer.stop();
+}
+
+void CVideoOverlayElement::stopTimer()
+{
+    QMutexLocker lock(&m_mutex);
+    if (!m_timer.isActive())
+        return;
+    m_timer.stop();
+    m_remaining = 0;
+}
+
+void CVideoOverlayElement::expireTimer()
+{
+    {
+        QMutexLocker lock(&m_mutex);
+        if (!m_timer.isActive())
+            return;
+        m_timer.stop();
+        m_remaining = 0;
+    }
+    handleTimeout();
+}
+
+void CVideoOverlayElement::determineVisibility()
+{
+    QMutexLocker lock(&m_mutex);
+    if (m_timeout != 0)
+        setVisible(false);
+    else if (m_type != InspText && m_type != FreeText)
+        setVisible(m_enabled);
+}
+
+void CVideoOverlayElement::handleTimeout()
+{
+    // A receiver of deleteRequest may destroy this element: no lock is held from here on.
+    const QPointer<CVideoOverlayElement> alive(this);
+    setVisible(false);
+    bool deleteOnExpiry = false;
+    {
+        QMutexLocker lock(&m_mutex);
+        deleteOnExpiry = m_deleteOnExpiry;
+    }
+    if (deleteOnExpiry)
+        Q_EMIT deleteRequest(this);
+    if (alive)
+        Q_EMIT timerExpired();
+}
+
+} // namespace Velmar::VideoOverlay

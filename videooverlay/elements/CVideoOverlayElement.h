@@ -1,0 +1,217 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include "videooverlay/elements/ElementParam.h"
+#include "videooverlay/elements/RenderedElement.h"
+#include "videooverlay/xqvideooverlay_export.h"
+
+#include <QMutex>
+#include <QObject>
+#include <QPointer>
+#include <QSize>
+#include <QString>
+#include <QTimer>
+
+#include <atomic>
+
+namespace Velmar::VideoOverlay {
+
+class VideoOverlaySettings;
+
+/// What everything drawn over the video shares: identity, place on the character grid, caption, the
+/// operator's switch, the timeout after which it hides itself, and the parameter record it was built
+/// from, against which edits are detected. The manager owns elements and places them; datasources
+/// fill them; QML shows and edits them.
+///
+/// Setters compare, store and emit while they hold the element's lock, so that a value and its
+/// signal are one step for a reader in another thread; a setter given the current value is silent.
+/// The exceptions say so. All signals are emitted on the caller's thread.
+class XQVIDEOOVERLAY_EXPORT CVideoOverlayElement : public QObject
+{
+    Q_OBJECT
+    // identity and placement
+    Q_PROPERTY(int id READ id WRITE setId NOTIFY idChanged)
+    Q_PROPERTY(int row READ row WRITE setRow NOTIFY rowChanged)
+    Q_PROPERTY(int column READ column WRITE setColumn NOTIFY columnChanged)
+    // crossed on purpose: both change only when a new row or column re-places the element
+    Q_PROPERTY(int x READ x NOTIFY rowChanged)
+    Q_PROPERTY(int y READ y NOTIFY columnChanged)
+    Q_PROPERTY(double height READ height NOTIFY heightChanged)
+    Q_PROPERTY(double width READ width WRITE setWidth NOTIFY widthChanged)
+
+    // visibility and caption
+    Q_PROPERTY(bool visible READ visible WRITE setVisible NOTIFY visibleChanged)
+    Q_PROPERTY(bool enabled READ enabled WRITE setEnabled NOTIFY enabledChanged)
+    Q_PROPERTY(bool captionVisible READ captionVisible WRITE setCaptionVisible NOTIFY captionVisibleChanged)
+    Q_PROPERTY(QString caption READ caption WRITE setCaption NOTIFY captionChanged)
+    Q_PROPERTY(Type type READ type WRITE setType NOTIFY typeChanged)
+
+    // timeout and text
+    Q_PROPERTY(int timeout READ timeout WRITE setTimeout NOTIFY timeoutChanged)
+    Q_PROPERTY(int maxlinenumber READ getMaxLineNumber WRITE setMaxLineNumber NOTIFY maxlinenumberChanged)
+    Q_PROPERTY(bool timeoutDisabled READ timeoutDisabled WRITE setTimeoutDisabled NOTIFY timeoutDisabledChanged)
+    Q_PROPERTY(QString unit READ unit WRITE setUnit NOTIFY unitChanged)
+    Q_PROPERTY(int transparency READ transparency WRITE setTransparency)
+    Q_PROPERTY(bool canDelete READ canDelete CONSTANT)
+
+public:
+    /// Element kinds. The numbers are stored in profiles.
+    enum Type {
+        StaticText = 0, ///< fixed text
+        SystemText = 1, ///< a live system value
+        FreePicture = 2, ///< picture file or screen snip
+        InspText = 3, ///< value of an inspection column
+        FreeText = 4, ///< typed by the operator
+        Watermark = 5, ///< the watermark picture
+        InspStaticText = 6, ///< static text bound to an inspection column
+        Invalid = 7, ///< no element; also the general settings
+    };
+    Q_ENUM(Type)
+
+    explicit CVideoOverlayElement(QObject *parent = nullptr);
+    ~CVideoOverlayElement() override;
+
+    /// Height on the picture [px]. Changed only by the library, through setHeight().
+    virtual double height();
+    /// Width on the picture [px].
+    virtual double width();
+    /// Unit in which a value is shown; empty for elements that show none.
+    virtual QString unit();
+    /// Does nothing in elements that show no unit.
+    virtual void setUnit(const QString &unit);
+    /// Draws the element into @p image, top left at (0, 0). The base draws nothing.
+    virtual void renderInto(QImage &image) const;
+    /// The element as the display gets it, its picture drawn anew. The base has no picture.
+    virtual RenderedElement getElement() const;
+    /// The stored record with every edit on top.
+    virtual ElementParam getAllProperties() const;
+    /// Only the keys whose live value differs from the stored record (absent reads as 0 or false).
+    virtual ElementParam getChangedProperties() const;
+    /// Makes the live state the new stored record: nothing counts as changed afterwards.
+    virtual void applyChangesToOrigParams();
+
+    int id() const; ///< -1 until it is given one
+    void setId(int id);
+    int row() const; ///< grid row of the top-left cell
+    void setRow(int row);
+    int column() const; ///< grid column of the top-left cell
+    void setColumn(int column);
+    double x() const; ///< left edge [px]; 0 until placed
+    double y() const; ///< top edge [px]; 0 until placed
+    /// Moves the element on the picture [px] without a signal. For whoever lays the grid out;
+    /// safe while another thread reads, because it neither waits for the lock nor tears a value.
+    void setPosition(double x, double y);
+    void setHeight(double height);
+    void setWidth(double width);
+
+    /// Effective visibility: enabled, shown, and not hidden for the time being.
+    bool visible() const;
+    /// Sets the element's own visibility and with it starts or stops the timeout timer.
+    void setVisible(bool visible);
+    bool enabled() const; ///< the operator's switch
+    /// Also decides visibility anew; emits enabledChanged, then visibleChanged.
+    void setEnabled(bool enabled);
+    bool captionVisible() const;
+    void setCaptionVisible(bool visible);
+    QString caption() const;
+    void setCaption(const QString &caption);
+    Type type() const;
+    /// Always emits typeChanged, also for the current type.
+    void setType(Type type);
+
+    int timeout() const; ///< [s] until the element hides itself; 0: never
+    /// Also decides visibility anew, so that an element with a timeout hides at once.
+    void setTimeout(int timeoutSeconds);
+    bool timeoutDisabled() const; ///< keeps the timer from being started
+    void setTimeoutDisabled(bool disabled);
+    int getMaxLineNumber() const; ///< largest number of lines, kept here for those who set the text
+    void setMaxLineNumber(int lines);
+    int transparency() const; ///< 0 opaque .. 100 invisible; applied by the display
+    void setTransparency(int transparency);
+    /// False only where the record says so; an element without that key may be deleted.
+    bool canDelete() const;
+
+    /// Hides the element for the time being, without touching its own visibility.
+    /// Always emits visibleChanged.
+    void setTemporaryHide(bool hide);
+
+    /// The grid; not owned, may be null and may die first.
+    void setSettings(VideoOverlaySettings *settings);
+
+    /// The record that edits are compared with. Emits nothing and changes no property.
+    void setParamObject(const ElementParam &param);
+    ElementParam getParamObject() const;
+    /// The stored record itself, for those who must write into it. Not locked.
+    ElementParam &getParamObjectRef();
+
+Q_SIGNALS:
+    void rowChanged();
+    void columnChanged();
+    void visibleChanged(); ///< the effective visibility may have changed
+    void idChanged();
+    void widthChanged();
+    void heightChanged();
+    void captionChanged();
+    void timeoutChanged();
+    void enabledChanged();
+    void captionVisibleChanged();
+    void unitChanged();
+    void typeChanged();
+    void timeoutDisabledChanged();
+    void maxlinenumberChanged();
+    void transparencyChanged();
+    void timerExpired(); ///< the timeout ran out and the element has hidden itself
+    void canDeleteChanged(); ///< never emitted by the library
+    /// The element asks to be destroyed; a receiver may do so at once.
+    void deleteRequest(CVideoOverlayElement *element);
+    void settingsChanged(); ///< another grid, not a change within it
+
+public Q_SLOTS:
+    /// Starts the timeout, or resumes a suspended one. Needs a timeout, the operator's switch on and
+    /// the timeout not disabled. A resumed timer runs a thousand times the time that was left: the
+    /// remaining milliseconds are taken for seconds. Kept so; hosts rely on it.
+    void startTimer();
+    void suspendTimer(); ///< stops a running timer and remembers what was left
+    void stopTimer(); ///< stops a running timer for good
+    void expireTimer(); ///< ends a running timer now, as if its time were over
+    /// With a timeout: hides, and something must show the element again. Without: follows the
+    /// operator's switch, except for inspection and free texts, which their datasources show.
+    void determineVisibility();
+    void handleTimeout(); ///< hides; may ask for deletion; announces timerExpired
+
+protected:
+    VideoOverlaySettings *settings() const; ///< may be null
+    QSize pixelSize() const; ///< width and height, fractions cut off
+
+    mutable QMutex m_mutex {QMutex::Recursive}; ///< guards every field below
+
+    /// Set by element kinds that are to be deleted, not only hidden, when their time is over.
+    bool m_deleteOnExpiry = false;
+
+private:
+    friend class CVideoOverlayControl; ///< holds the lock while a backend removes the element
+
+    std::atomic<double> m_x {0.0}; ///< written without the lock, hence atomic
+    std::atomic<double> m_y {0.0};
+    int m_id = -1;
+    int m_row = 0;
+    int m_column = 0;
+    bool m_visible = false; ///< the element's own visibility, before switch and temporary hide
+    bool m_captionVisible = true;
+    QString m_caption;
+    Type m_type = Invalid;
+    double m_width = 0.0;
+    double m_height = 0.0;
+    int m_timeout = 0; ///< [s]
+    bool m_enabled = false;
+    QTimer m_timer {this}; ///< a child, so that it moves to another thread with the element
+    int m_remaining = -1; ///< [ms] left when suspended; 0 after a stop, -1 never suspended
+    bool m_timeoutDisabled = false;
+    int m_transparency = 100;
+    bool m_temporaryHide = false;
+    int m_maxLineNumber = 3;
+    QPointer<VideoOverlaySettings> m_settings;
+    ElementParam m_params;
+};
+
+} // namespace Velmar::VideoOverlay

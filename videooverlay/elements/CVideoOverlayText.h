@@ -1,0 +1,94 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include "videooverlay/elements/CVideoOverlayElement.h"
+#include "videooverlay/xqvideooverlay_export.h"
+
+#include <QColor>
+#include <QFont>
+#include <QFontMetrics>
+#include <QStringList>
+
+namespace Velmar::VideoOverlay {
+
+/// A text box over the video: breaks its text into lines that end at the grid's right margin, takes
+/// its size from them and paints each line into a box of its own. The font comes from the grid.
+class XQVIDEOOVERLAY_EXPORT CVideoOverlayText : public CVideoOverlayElement
+{
+    Q_OBJECT
+    Q_PROPERTY(QString text READ text WRITE setText NOTIFY textChanged)
+    Q_PROPERTY(QColor textColor READ textColor WRITE setTextColor NOTIFY textColorChanged)
+    Q_PROPERTY(QColor backgroundColor READ backgroundColor WRITE setBackgroundColor NOTIFY backgroundColorChanged)
+    Q_PROPERTY(QFont font READ font NOTIFY fontChanged)
+
+public:
+    explicit CVideoOverlayText(QObject *parent = nullptr);
+    ~CVideoOverlayText() override;
+
+    QString unit() override;
+    void setUnit(const QString &unit) override;
+    /// As renderText().
+    void renderInto(QImage &image) const override;
+    /// The element with a new picture of width x height pixels, ARGB32 with straight alpha.
+    RenderedElement getElement() const override;
+    ElementParam getAllProperties() const override;
+    /// The text counts only while no data column is bound to the element.
+    ElementParam getChangedProperties() const override;
+
+    QString text() const; ///< paragraphs separated by line feeds
+    /// Typesets, so that widthChanged and heightChanged may come before textChanged; inside
+    /// widthChanged the old height still stands.
+    void setText(const QString &text);
+    QColor textColor() const; ///< invalid, painted as black, until set
+    QColor backgroundColor() const; ///< invalid, painted as black, until set
+    QFont font() const;
+    int alignment() const; ///< Qt::Alignment flags as a number; 1 (left) at first
+
+    /// "LEFT", "RIGHT" or "CENTER", to the letter; anything else is left.
+    /// Always emits alignmentChanged.
+    void setAlignment(const QString &alignment);
+
+    /// Follows the grid's font from now on and takes it at once. Does nothing without a grid.
+    void onSettingsChanged();
+    /// Takes the grid's font and emits fontChanged, always. Does not typeset: the lines stay as they
+    /// were broken until the text changes or typeset() is called.
+    void updateFontsFromSettings();
+
+    /// Paints the lines into @p image: what lies outside the boxes becomes transparent green, every
+    /// line stands on a box of the background colour, empty lines keep their row without a box.
+    /// ARGB32 gets correct straight alpha for every pair of colours. An empty text, or an image that
+    /// cannot be painted on, leaves a null image.
+    void renderText(QImage &image) const;
+
+Q_SIGNALS:
+    // rowChanged, columnChanged, visibleChanged and idChanged repeat the base's, which the base's
+    // setters emit and this class passes on: connecting to either counts every change once.
+    void textChanged();
+    void rowChanged();
+    void fontChanged();
+    void columnChanged();
+    void visibleChanged();
+    void backgroundColorChanged(QColor newColor);
+    void textColorChanged(QColor newColor);
+    void idChanged();
+    void alignmentChanged();
+
+public Q_SLOTS:
+    void setBackgroundColor(QColor newColor);
+    void setTextColor(QColor newColor);
+    /// Breaks the text into lines and sets width and height from them. Without a grid the
+    /// paragraphs stay whole and the height is 0.
+    void typeset();
+
+private:
+    QString m_text;
+    QStringList m_lines;
+    QString m_unit;
+    QColor m_textColor;
+    QColor m_backgroundColor;
+    QFont m_font;
+    QFontMetrics m_fontMetrics {m_font};
+    int m_alignment = Qt::AlignLeft;
+};
+
+} // namespace Velmar::VideoOverlay
