@@ -11,8 +11,8 @@
 #include <QPointer>
 #include <QRectF>
 #include <QSize>
+#include <QVector>
 
-#include <map>
 #include <mutex>
 
 namespace Velmar::Host {
@@ -81,22 +81,31 @@ Q_SIGNALS:
     void published(); ///< snapshot() is another one now
 
 private:
-    struct Entry;
+    /// What the table keeps of one element.
+    struct Entry
+    {
+        QPointer<VideoOverlay::CVideoOverlayElement> element;
+        bool marked = false; ///< its picture must be taken
+        bool visible = false;
+        qint64 sourceKey = 0; ///< tells whether a picture element still hands out the same picture
+        OverlayItem item;
+    };
 
-    void mark();
-    bool take(VideoOverlay::CVideoOverlayElement &element);
+    void requestFlush();
+    void forget(VideoOverlay::CVideoOverlayElement *element);
+    void clear();
+    void take(Entry &entry);
     void publish();
 
     SceneCapabilities m_capabilities;
     bool m_ready = false;
     bool m_enabled = false;
     bool m_flushQueued = false;
-    bool m_dirty = false; ///< something besides the marked elements must be published
+    bool m_changed = false; ///< what is published may no longer be what is shown
     QRectF m_margins;
     quint64 m_renderCount = 0;
-    /// By element, in the order in which the elements were made: that is the painting order.
-    std::map<int, std::unique_ptr<Entry>> m_entries;
-    QHash<VideoOverlay::CVideoOverlayElement *, QPointer<VideoOverlay::CVideoOverlayElement>> m_marked;
+    QHash<VideoOverlay::CVideoOverlayElement *, Entry> m_entries;
+    QVector<VideoOverlay::CVideoOverlayElement *> m_marked; ///< keys of the marked entries
 
     mutable std::mutex m_snapshotMutex; ///< guards the pointer below, not what it points to
     OverlaySnapshotPtr m_snapshot;

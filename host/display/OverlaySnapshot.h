@@ -18,6 +18,12 @@ struct OverlayItem
     QImage image; ///< ARGB32 with straight alpha; never null
     int opacity = 255; ///< applied on top of the image's own alpha, 0 to 255
     quint64 revision = 0; ///< changes whenever the image does, unique within the process
+
+    bool operator==(const OverlayItem &other) const
+    {
+        return id == other.id && position == other.position && opacity == other.opacity
+            && revision == other.revision;
+    }
 };
 
 /// Everything that is on the display at one moment. Immutable and shared, so that a streaming thread
