@@ -92,7 +92,7 @@ OverlaySession::OverlaySession(QSize imageSize, QObject *parent)
 
 OverlaySession::~OverlaySession()
 {
-    // The scene may outlive this session in a streaming thread; it goes on showing what it has.
+    // A view may still hold the scene; the elements leave it one by one as they are destroyed.
     m_control.setBackend(nullptr);
     m_capabilities.setBackend(nullptr);
 }
