@@ -21,7 +21,8 @@ using VideoOverlay::VideoOverlaySettings;
 
 namespace {
 
-/// How a value of the run is written. The width keeps the box from jumping while digits come and go.
+/// How a value of the run is written. The width keeps the box from jumping while digits come and
+/// go.
 struct ValueFormat
 {
     const char *name;

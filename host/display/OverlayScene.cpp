@@ -17,7 +17,8 @@ namespace {
 constexpr int columns = 54;
 constexpr int rows = 27;
 
-/// One sequence for all scenes, so that a view can tell pictures apart without knowing whose they are.
+/// One sequence for all scenes, so that a view can tell pictures apart without knowing whose they
+/// are.
 quint64 nextRevision()
 {
     static std::atomic<quint64> revision {0};

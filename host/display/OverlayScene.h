@@ -36,7 +36,8 @@ private:
     QSize m_imageSize;
 };
 
-/// The reference display: a table of finished pictures that any number of views read, in any thread.
+/// The reference display: a table of finished pictures that any number of views read, in any
+/// thread.
 ///
 /// An element that is announced is only marked; its picture is taken once per turn of the event
 /// loop, because one change of a text is announced up to three times. A hidden element costs
@@ -63,8 +64,9 @@ public:
     void setVideoOverlayEnabled(bool enabled) override;
     void prepareOverlay() override;
 
-    /// Takes the pictures of all marked elements and publishes them now, instead of at the next turn
-    /// of the event loop. For callers that need the overlay of an exact moment. GUI thread only.
+    /// Takes the pictures of all marked elements and publishes them now, instead of at the next
+    /// turn of the event loop. For callers that need the overlay of an exact moment. GUI thread
+    /// only.
     void flush();
 
     /// What is shown now. Callable from every thread; never null.

@@ -258,10 +258,9 @@ private Q_SLOTS:
         auto deleted = display.text(1, QStringLiteral("a"));
         auto destroyed = display.text(2, QStringLiteral("b"));
         const auto stays = display.text(3, QStringLiteral("c"));
-        for (CVideoOverlayElement *element :
-             {static_cast<CVideoOverlayElement *>(deleted.get()),
-              static_cast<CVideoOverlayElement *>(destroyed.get()),
-              static_cast<CVideoOverlayElement *>(stays.get())})
+        for (CVideoOverlayElement *element : {static_cast<CVideoOverlayElement *>(deleted.get()),
+                                              static_cast<CVideoOverlayElement *>(destroyed.get()),
+                                              static_cast<CVideoOverlayElement *>(stays.get())})
             display.control.displayElement(*element);
         display.scene->flush();
         QVERIFY(display.control.deleteElement(*deleted));

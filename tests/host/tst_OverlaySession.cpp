@@ -104,9 +104,10 @@ private Q_SLOTS:
         session.advanceTo(0);
         const VideoOverlaySettings &settings = session.settings();
         const auto overlay = session.scene()->snapshot();
-        const OverlayItem *speed = itemAt(
-            *overlay, QPoint(qRound(settings.leftMargin()),
-                             qRound(settings.topMargin() + 2 * settings.rowHeight())));
+        const OverlayItem *speed
+            = itemAt(*overlay,
+                     QPoint(qRound(settings.leftMargin()),
+                            qRound(settings.topMargin() + 2 * settings.rowHeight())));
         QVERIFY(speed);
         QCOMPARE(speed->opacity, 255);
         QCOMPARE(overlay->items.size(), 2); // the heading, and no box without a reading
