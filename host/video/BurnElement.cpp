@@ -9,6 +9,7 @@
 #include <gst/video/video.h>
 
 #include <algorithm>
+#include <atomic>
 #include <exception>
 #include <map>
 #include <new>
@@ -124,6 +125,8 @@ bool showsSomething(const OverlaySnapshot &overlay, QSize frame)
 struct State
 {
     std::shared_ptr<OverlaySource> source; ///< guarded by the element's object lock
+
+    std::atomic<bool> askNextElement {true}; ///< how it wants the overlay
 
     // Streaming thread only.
     FrameBurner burner;
@@ -245,6 +248,24 @@ OverlaySnapshotPtr overlayFor(GstBaseTransform *transform, GstBuffer *buffer)
     return overlay && showsSomething(*overlay, sizeOf(transform)) ? overlay : nullptr;
 }
 
+/// Asks the next element how it wants the overlay. It is attached only where that element both
+/// accepted the caps that announce it and says that it handles the meta-data; else the pixels are
+/// written. The base class asks nothing for elements that work in place.
+bool nextElementComposes(GstBaseTransform *transform)
+{
+    const std::unique_ptr<GstCaps, Releaser<gst_caps_unref>> caps(
+        gst_pad_get_current_caps(transform->srcpad));
+    if (!caps
+        || !gst_caps_features_contains(gst_caps_get_features(caps.get(), 0),
+                                       GST_CAPS_FEATURE_META_GST_VIDEO_OVERLAY_COMPOSITION))
+        return false;
+    const std::unique_ptr<GstQuery, Releaser<gst_query_unref>> query(
+        gst_query_new_allocation(caps.get(), FALSE));
+    return gst_pad_peer_query(transform->srcpad, query.get())
+        && gst_query_find_allocation_meta(query.get(), GST_VIDEO_OVERLAY_COMPOSITION_META_API_TYPE,
+                                          nullptr);
+}
+
 /// Decides whether this frame is touched at all. Only then it must be writable; the copy that is
 /// made otherwise shares the pixels until they are mapped for writing, which composing never does.
 GstFlowReturn prepareOutputBuffer(GstBaseTransform *transform, GstBuffer *input, GstBuffer **output)
@@ -252,6 +273,8 @@ GstFlowReturn prepareOutputBuffer(GstBaseTransform *transform, GstBuffer *input,
     return guarded(transform, [&] {
         State &state = stateOf(transform);
         state.overlay = overlayFor(transform, input);
+        if (state.overlay && state.askNextElement.exchange(false))
+            state.attach = nextElementComposes(transform);
         *output = !state.overlay || gst_buffer_is_writable(input) ? input : gst_buffer_copy(input);
         return *output ? GST_FLOW_OK : GST_FLOW_ERROR;
     });
@@ -313,25 +336,25 @@ GstCaps *transformCaps(GstBaseTransform *, GstPadDirection direction, GstCaps *c
     return filtered;
 }
 
-/// The overlay is attached only where the next element both accepted the caps that announce it and
-/// says that it handles the meta-data; else the pixels are written.
-gboolean decideAllocation(GstBaseTransform *transform, GstQuery *query)
+gboolean setInfo(GstVideoFilter *filter, GstCaps *, GstVideoInfo *, GstCaps *, GstVideoInfo *)
 {
-    GstCaps *caps = nullptr;
-    gst_query_parse_allocation(query, &caps, nullptr);
-    const GstCapsFeatures *features = caps ? gst_caps_get_features(caps, 0) : nullptr;
-    stateOf(transform).attach = features
-        && gst_caps_features_contains(features, GST_CAPS_FEATURE_META_GST_VIDEO_OVERLAY_COMPOSITION)
-        && gst_query_find_allocation_meta(query, GST_VIDEO_OVERLAY_COMPOSITION_META_API_TYPE,
-                                          nullptr);
-    return GST_BASE_TRANSFORM_CLASS(xq_osd_burn_parent_class)->decide_allocation(transform, query);
+    // The caps reach the next element after this, so that it cannot be asked yet.
+    stateOf(filter).askNextElement = true;
+    return TRUE;
+}
+
+gboolean sourceEvent(GstBaseTransform *transform, GstEvent *event)
+{
+    if (GST_EVENT_TYPE(event) == GST_EVENT_RECONFIGURE)
+        stateOf(transform).askNextElement = true;
+    return GST_BASE_TRANSFORM_CLASS(xq_osd_burn_parent_class)->src_event(transform, event);
 }
 
 gboolean stop(GstBaseTransform *transform)
 {
     State &state = stateOf(transform);
     state.overlay = nullptr;
-    state.attach = false;
+    state.askNextElement = true;
     state.streamTimeNs = 0;
     return TRUE;
 }
@@ -377,8 +400,9 @@ static void xq_osd_burn_class_init(XqOsdBurnClass *klass)
     transform->transform_ip = transformInPlace;
     transform->transform_caps = transformCaps;
     transform->prepare_output_buffer = prepareOutputBuffer;
-    transform->decide_allocation = decideAllocation;
+    transform->src_event = sourceEvent;
     transform->stop = stop;
+    GST_VIDEO_FILTER_CLASS(klass)->set_info = setInfo;
 }
 
 static void xq_osd_burn_init(XqOsdBurn *self)
