@@ -11,8 +11,8 @@
 #include <QPointer>
 #include <QRectF>
 #include <QSize>
+#include <QVector>
 
-#include <map>
 #include <mutex>
 
 namespace Velmar::Host {
@@ -36,7 +36,8 @@ private:
     QSize m_imageSize;
 };
 
-/// The reference display: a table of finished pictures that any number of views read, in any thread.
+/// The reference display: a table of finished pictures that any number of views read, in any
+/// thread.
 ///
 /// An element that is announced is only marked; its picture is taken once per turn of the event
 /// loop, because one change of a text is announced up to three times. A hidden element costs
@@ -63,8 +64,9 @@ public:
     void setVideoOverlayEnabled(bool enabled) override;
     void prepareOverlay() override;
 
-    /// Takes the pictures of all marked elements and publishes them now, instead of at the next turn
-    /// of the event loop. For callers that need the overlay of an exact moment. GUI thread only.
+    /// Takes the pictures of all marked elements and publishes them now, instead of at the next
+    /// turn of the event loop. For callers that need the overlay of an exact moment. GUI thread
+    /// only.
     void flush();
 
     /// What is shown now. Callable from every thread; never null.
@@ -81,22 +83,31 @@ Q_SIGNALS:
     void published(); ///< snapshot() is another one now
 
 private:
-    struct Entry;
+    /// What the table keeps of one element.
+    struct Entry
+    {
+        QPointer<VideoOverlay::CVideoOverlayElement> element;
+        bool marked = false; ///< its picture must be taken
+        bool visible = false;
+        qint64 sourceKey = 0; ///< tells whether a picture element still hands out the same picture
+        OverlayItem item;
+    };
 
-    void mark();
-    bool take(VideoOverlay::CVideoOverlayElement &element);
+    void requestFlush();
+    void forget(VideoOverlay::CVideoOverlayElement *element);
+    void clear();
+    void take(Entry &entry);
     void publish();
 
     SceneCapabilities m_capabilities;
     bool m_ready = false;
     bool m_enabled = false;
     bool m_flushQueued = false;
-    bool m_dirty = false; ///< something besides the marked elements must be published
+    bool m_changed = false; ///< what is published may no longer be what is shown
     QRectF m_margins;
     quint64 m_renderCount = 0;
-    /// By element, in the order in which the elements were made: that is the painting order.
-    std::map<int, std::unique_ptr<Entry>> m_entries;
-    QHash<VideoOverlay::CVideoOverlayElement *, QPointer<VideoOverlay::CVideoOverlayElement>> m_marked;
+    QHash<VideoOverlay::CVideoOverlayElement *, Entry> m_entries;
+    QVector<VideoOverlay::CVideoOverlayElement *> m_marked; ///< keys of the marked entries
 
     mutable std::mutex m_snapshotMutex; ///< guards the pointer below, not what it points to
     OverlaySnapshotPtr m_snapshot;

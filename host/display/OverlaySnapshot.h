@@ -15,18 +15,24 @@ struct OverlayItem
 {
     int id = -1;
     QPoint position; ///< [px of the video picture] of the top-left corner; may lie off the picture
-    QImage image; ///< ARGB32 with straight alpha; never null
-    int opacity = 255; ///< applied on top of the image's own alpha, 0 to 255
+    QImage image;    ///< ARGB32 with straight alpha; never null
+    int opacity = 255;    ///< applied on top of the image's own alpha, 0 to 255
     quint64 revision = 0; ///< changes whenever the image does, unique within the process
+
+    bool operator==(const OverlayItem &other) const
+    {
+        return id == other.id && position == other.position && opacity == other.opacity
+            && revision == other.revision;
+    }
 };
 
-/// Everything that is on the display at one moment. Immutable and shared, so that a streaming thread
-/// can read it while the GUI thread makes the next one.
+/// Everything that is on the display at one moment. Immutable and shared, so that a streaming
+/// thread can read it while the GUI thread makes the next one.
 struct OverlaySnapshot
 {
     /// What is visible, in the order in which it is painted. Empty while the overlay is off.
     QVector<OverlayItem> items;
-    QRect clip; ///< [px] the overlay is painted in here only; null: everywhere
+    QRect clip;           ///< [px] the overlay is painted in here only; null: everywhere
     quint64 revision = 0; ///< changes whenever anything above does
 };
 

@@ -57,8 +57,8 @@ void FileLogSink::write(const LogEntry &entry)
 
 void StderrLogSink::write(const LogEntry &entry)
 {
-    const QString line = QStringLiteral("%1: %2: %3")
-                             .arg(levelName(entry.level), entry.category, entry.message);
+    const QString line
+        = QStringLiteral("%1: %2: %3").arg(levelName(entry.level), entry.category, entry.message);
     std::fprintf(stderr, "%s\n", oneLine(line).constData());
 }
 

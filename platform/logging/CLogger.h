@@ -9,10 +9,10 @@ namespace Velmar::Logging {
 
 /// How serious a message is; the numbers are the host logger's own.
 enum class LogLevel {
-    Error = 1, ///< something failed
+    Error = 1,   ///< something failed
     Warning = 2, ///< a file, object or font is missing
-    Info = 3, ///< a notice
-    Debug = 4, ///< detailed tracing
+    Info = 3,    ///< a notice
+    Debug = 4,   ///< detailed tracing
 };
 
 /// The host's log. What becomes of a message (file, console, filter) is the host's decision.

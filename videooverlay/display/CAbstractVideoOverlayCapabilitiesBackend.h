@@ -20,9 +20,9 @@ public:
     ~CAbstractVideoOverlayCapabilitiesBackend() override;
 
     virtual int maximumColumnCount() = 0; ///< most columns the grid may have; 0 while unknown
-    virtual int maximumRowCount() = 0; ///< most rows the grid may have; 0 while unknown
-    virtual int imageWidth() = 0; ///< width of the video picture [px]; 0 while unknown
-    virtual int imageHeight() = 0; ///< height of the video picture [px]; 0 while unknown
+    virtual int maximumRowCount() = 0;    ///< most rows the grid may have; 0 while unknown
+    virtual int imageWidth() = 0;         ///< width of the video picture [px]; 0 while unknown
+    virtual int imageHeight() = 0;        ///< height of the video picture [px]; 0 while unknown
 
 Q_SIGNALS:
     void maximumColumnCountChanged();

@@ -17,13 +17,14 @@ public:
     explicit CVideoOverlayCapabilities(QObject *parent = nullptr);
     ~CVideoOverlayCapabilities() override;
 
-    /// @p backend is not owned, may be null and may die first. Emits capabilitiesChanged once, always.
+    /// @p backend is not owned, may be null and may die first. Emits capabilitiesChanged once,
+    /// always.
     void setBackend(CAbstractVideoOverlayCapabilitiesBackend *backend);
 
     int maximumColumnCount() const; ///< most columns the grid may have
-    int maximumRowCount() const; ///< most rows the grid may have
-    int imageWidth() const; ///< width of the video picture [px]
-    int imageHeight() const; ///< height of the video picture [px]
+    int maximumRowCount() const;    ///< most rows the grid may have
+    int imageWidth() const;         ///< width of the video picture [px]
+    int imageHeight() const;        ///< height of the video picture [px]
 
 Q_SIGNALS:
     void capabilitiesChanged(); ///< another backend, or a change that the backend announced

@@ -12,14 +12,16 @@ namespace Velmar::VideoOverlay {
 
 class CVideoOverlayElement;
 
-/// The one door to the display. Refuses everything while there is no backend or it is not ready; the
-/// environment variable NQ5_DISABLE_OSD_RENDER, set to anything but an empty text when the control
-/// is made, keeps elements from being drawn (for diagnosis).
+/// The one door to the display. Refuses everything while there is no backend or it is not ready;
+/// the environment variable NQ5_DISABLE_OSD_RENDER, set to anything but an empty text when the
+/// control is made, keeps elements from being drawn (for diagnosis).
 class XQVIDEOOVERLAY_EXPORT CVideoOverlayControl : public QObject
 {
     Q_OBJECT
+    // clang-format off
     Q_PROPERTY(bool videoOverlayEnabled READ videoOverlayEnabled WRITE setVideoOverlayEnabled NOTIFY videoOverlayEnabledChanged)
     Q_PROPERTY(bool controlActive READ controlActive NOTIFY controlActiveChanged)
+    // clang-format on
 
 public:
     explicit CVideoOverlayControl(QObject *parent = nullptr);
@@ -42,7 +44,7 @@ public:
     void setPaintMargins(const QRectF &margins) const;
 
 Q_SIGNALS:
-    void controlActiveChanged(); ///< the backend came up or went down; ask controlActive()
+    void controlActiveChanged();       ///< the backend came up or went down; ask controlActive()
     void videoOverlayEnabledChanged(); ///< the backend announced it
 
 public Q_SLOTS:

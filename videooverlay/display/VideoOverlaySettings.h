@@ -19,19 +19,20 @@ class XQVIDEOOVERLAY_EXPORT VideoOverlaySettings : public QObject
 {
     Q_OBJECT
 public:
-    /// Takes the picture size from @p capabilities, which is not owned and must outlive this object.
-    /// A substituted overlay font is logged.
+    /// Takes the picture size from @p capabilities, which is not owned and must outlive this
+    /// object. A substituted overlay font is logged.
     explicit VideoOverlaySettings(CVideoOverlayCapabilities &capabilities,
                                   QObject *parent = nullptr);
     ~VideoOverlaySettings() override;
 
     QFont font() const;
-    double leftMargin() const; ///< left edge of the grid; negative when it is wider than the picture
+    double
+    leftMargin() const;       ///< left edge of the grid; negative when it is wider than the picture
     double topMargin() const; ///< top edge of the grid; negative when it is taller than the picture
-    double colWidth() const; ///< width of one cell; 0 before there is a picture
+    double colWidth() const;  ///< width of one cell; 0 before there is a picture
     double rowHeight() const; ///< height of one cell; 0 before there is a picture
-    int width() const; ///< of the picture
-    int height() const; ///< of the picture
+    int width() const;        ///< of the picture
+    int height() const;       ///< of the picture
     QRectF marginRect() const; ///< the area that the grid covers
 
     /// Stores both counts as soon as @e one of them is within the display's limits, which lets a
@@ -40,7 +41,8 @@ public:
     bool setGrid(int rows, int columns);
     /// The same rule for the picture size.
     bool setResolution(int width, int height);
-    /// Refuses a font that does not ask for fixed pitch. True for the current font, without a signal.
+    /// Refuses a font that does not ask for fixed pitch. True for the current font, without a
+    /// signal.
     bool setFont(const QFont &font);
     /// Takes the picture size from the capabilities; computes and announces nothing.
     void applyVideoSettings();

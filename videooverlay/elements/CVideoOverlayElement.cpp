@@ -385,7 +385,8 @@ void CVideoOverlayElement::startTimer()
         return;
     const auto scheduled = [this](const QString &when) {
         log(LogLevel::Debug,
-            QStringLiteral("ID %1 timeout scheduled to %2 seconds ").arg(QString::number(m_id), when));
+            QStringLiteral("ID %1 timeout scheduled to %2 seconds ")
+                .arg(QString::number(m_id), when));
     };
     if (m_remaining < 1) {
         scheduled(QString::number(m_timeout));

@@ -19,9 +19,9 @@ namespace Velmar::VideoOverlay {
 class VideoOverlaySettings;
 
 /// What everything drawn over the video shares: identity, place on the character grid, caption, the
-/// operator's switch, the timeout after which it hides itself, and the parameter record it was built
-/// from, against which edits are detected. The manager owns elements and places them; datasources
-/// fill them; QML shows and edits them.
+/// operator's switch, the timeout after which it hides itself, and the parameter record it was
+/// built from, against which edits are detected. The manager owns elements and places them;
+/// datasources fill them; QML shows and edits them.
 ///
 /// Setters compare, store and emit while they hold the element's lock, so that a value and its
 /// signal are one step for a reader in another thread; a setter given the current value is silent.
@@ -29,6 +29,7 @@ class VideoOverlaySettings;
 class XQVIDEOOVERLAY_EXPORT CVideoOverlayElement : public QObject
 {
     Q_OBJECT
+    // clang-format off
     // identity and placement
     Q_PROPERTY(int id READ id WRITE setId NOTIFY idChanged)
     Q_PROPERTY(int row READ row WRITE setRow NOTIFY rowChanged)
@@ -53,18 +54,19 @@ class XQVIDEOOVERLAY_EXPORT CVideoOverlayElement : public QObject
     Q_PROPERTY(QString unit READ unit WRITE setUnit NOTIFY unitChanged)
     Q_PROPERTY(int transparency READ transparency WRITE setTransparency)
     Q_PROPERTY(bool canDelete READ canDelete CONSTANT)
+    // clang-format on
 
 public:
     /// Element kinds. The numbers are stored in profiles.
     enum Type {
-        StaticText = 0, ///< fixed text
-        SystemText = 1, ///< a live system value
-        FreePicture = 2, ///< picture file or screen snip
-        InspText = 3, ///< value of an inspection column
-        FreeText = 4, ///< typed by the operator
-        Watermark = 5, ///< the watermark picture
+        StaticText = 0,     ///< fixed text
+        SystemText = 1,     ///< a live system value
+        FreePicture = 2,    ///< picture file or screen snip
+        InspText = 3,       ///< value of an inspection column
+        FreeText = 4,       ///< typed by the operator
+        Watermark = 5,      ///< the watermark picture
         InspStaticText = 6, ///< static text bound to an inspection column
-        Invalid = 7, ///< no element; also the general settings
+        Invalid = 7,        ///< no element; also the general settings
     };
     Q_ENUM(Type)
 
@@ -160,20 +162,20 @@ Q_SIGNALS:
     void timeoutDisabledChanged();
     void maxlinenumberChanged();
     void transparencyChanged();
-    void timerExpired(); ///< the timeout ran out and the element has hidden itself
+    void timerExpired();     ///< the timeout ran out and the element has hidden itself
     void canDeleteChanged(); ///< never emitted by the library
     /// The element asks to be destroyed; a receiver may do so at once.
     void deleteRequest(CVideoOverlayElement *element);
     void settingsChanged(); ///< another grid, not a change within it
 
 public Q_SLOTS:
-    /// Starts the timeout, or resumes a suspended one. Needs a timeout, the operator's switch on and
-    /// the timeout not disabled. A resumed timer runs a thousand times the time that was left: the
-    /// remaining milliseconds are taken for seconds. Kept so; hosts rely on it.
+    /// Starts the timeout, or resumes a suspended one. Needs a timeout, the operator's switch on
+    /// and the timeout not disabled. A resumed timer runs a thousand times the time that was left:
+    /// the remaining milliseconds are taken for seconds. Kept so; hosts rely on it.
     void startTimer();
     void suspendTimer(); ///< stops a running timer and remembers what was left
-    void stopTimer(); ///< stops a running timer for good
-    void expireTimer(); ///< ends a running timer now, as if its time were over
+    void stopTimer();    ///< stops a running timer for good
+    void expireTimer();  ///< ends a running timer now, as if its time were over
     /// With a timeout: hides, and something must show the element again. Without: follows the
     /// operator's switch, except for inspection and free texts, which their datasources show.
     void determineVisibility();
@@ -181,7 +183,7 @@ public Q_SLOTS:
 
 protected:
     VideoOverlaySettings *settings() const; ///< may be null
-    QSize pixelSize() const; ///< width and height, fractions cut off
+    QSize pixelSize() const;                ///< width and height, fractions cut off
 
     mutable QMutex m_mutex {QMutex::Recursive}; ///< guards every field below
 
@@ -205,7 +207,7 @@ private:
     int m_timeout = 0; ///< [s]
     bool m_enabled = false;
     QTimer m_timer {this}; ///< a child, so that it moves to another thread with the element
-    int m_remaining = -1; ///< [ms] left when suspended; 0 after a stop, -1 never suspended
+    int m_remaining = -1;  ///< [ms] left when suspended; 0 after a stop, -1 never suspended
     bool m_timeoutDisabled = false;
     int m_transparency = 100;
     bool m_temporaryHide = false;

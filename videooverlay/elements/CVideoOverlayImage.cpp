@@ -19,7 +19,7 @@ namespace Velmar::VideoOverlay {
 namespace {
 
 constexpr double maximumScaledHeight = 2000.0; // [px]
-constexpr double maximumScaledWidth = 3000.0; // [px]
+constexpr double maximumScaledWidth = 3000.0;  // [px]
 constexpr qint64 maximumDecodedBytes = qint64(512) * 1024 * 1024;
 
 /// Null when the file is no picture, or one whose decoded size no device should be asked for.
@@ -166,8 +166,8 @@ QImage CVideoOverlayImage::createScaledImage() const
     const QImage source = translucent
         ? m_sourceImage.convertToFormat(QImage::Format_ARGB32_Premultiplied)
         : m_sourceImage;
-    const QImage scaled = source.scaled(int(width), int(height), Qt::IgnoreAspectRatio,
-                                        Qt::SmoothTransformation);
+    const QImage scaled
+        = source.scaled(int(width), int(height), Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
     return translucent ? scaled.convertToFormat(QImage::Format_ARGB32) : scaled;
 }
 

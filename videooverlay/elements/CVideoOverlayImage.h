@@ -34,7 +34,7 @@ public:
     /// and caption change. Emits widthChanged and heightChanged as they change, then, loaded or
     /// not, imageSrcChanged, imageSrcWidthChanged and imageSrcHeightChanged; the caption is last.
     void setImageSrc(const QString &path);
-    int imageSrcWidth() const; ///< of the picture as loaded [px]; 0 without a picture
+    int imageSrcWidth() const;  ///< of the picture as loaded [px]; 0 without a picture
     int imageSrcHeight() const; ///< of the picture as loaded [px]; 0 without a picture
     double scaleFactor() const; ///< 1.0 is the picture's own size
     void setScaleFactor(double factor);

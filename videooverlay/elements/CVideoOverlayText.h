@@ -16,10 +16,12 @@ namespace Velmar::VideoOverlay {
 class XQVIDEOOVERLAY_EXPORT CVideoOverlayText : public CVideoOverlayElement
 {
     Q_OBJECT
+    // clang-format off
     Q_PROPERTY(QString text READ text WRITE setText NOTIFY textChanged)
     Q_PROPERTY(QColor textColor READ textColor WRITE setTextColor NOTIFY textColorChanged)
     Q_PROPERTY(QColor backgroundColor READ backgroundColor WRITE setBackgroundColor NOTIFY backgroundColorChanged)
     Q_PROPERTY(QFont font READ font NOTIFY fontChanged)
+    // clang-format on
 
 public:
     explicit CVideoOverlayText(QObject *parent = nullptr);
@@ -39,7 +41,7 @@ public:
     /// Typesets, so that widthChanged and heightChanged may come before textChanged; inside
     /// widthChanged the old height still stands.
     void setText(const QString &text);
-    QColor textColor() const; ///< invalid, painted as black, until set
+    QColor textColor() const;       ///< invalid, painted as black, until set
     QColor backgroundColor() const; ///< invalid, painted as black, until set
     QFont font() const;
     int alignment() const; ///< Qt::Alignment flags as a number; 1 (left) at first
@@ -50,14 +52,14 @@ public:
 
     /// Follows the grid's font from now on and takes it at once. Does nothing without a grid.
     void onSettingsChanged();
-    /// Takes the grid's font and emits fontChanged, always. Does not typeset: the lines stay as they
-    /// were broken until the text changes or typeset() is called.
+    /// Takes the grid's font and emits fontChanged, always. Does not typeset: the lines stay as
+    /// they were broken until the text changes or typeset() is called.
     void updateFontsFromSettings();
 
     /// Paints the lines into @p image: what lies outside the boxes becomes transparent green, every
     /// line stands on a box of the background colour, empty lines keep their row without a box.
-    /// ARGB32 gets correct straight alpha for every pair of colours. An empty text, or an image that
-    /// cannot be painted on, leaves a null image.
+    /// ARGB32 gets correct straight alpha for every pair of colours. An empty text, or an image
+    /// that cannot be painted on, leaves a null image.
     void renderText(QImage &image) const;
 
 Q_SIGNALS:

@@ -14,7 +14,8 @@ namespace Velmar::VideoOverlay {
 const QString ElementParam::NAME_COLUMNBOUND = QStringLiteral("columnBound");
 const QString ElementParam::NAME_COLUMNCAPTION = QStringLiteral("columnCaption");
 const QString ElementParam::NAME_TOTAL_DISTANCE_COUNTER = QStringLiteral("TOTAL_DISTANCE_COUNTER");
-const QString ElementParam::NAME_SECTION_DISTANCE_COUNTER = QStringLiteral("SECTION_DISTANCE_COUNTER");
+const QString ElementParam::NAME_SECTION_DISTANCE_COUNTER
+    = QStringLiteral("SECTION_DISTANCE_COUNTER");
 const QString ElementParam::NAME_SAT_DISTANCE_COUNTER = QStringLiteral("SAT_DISTANCE_COUNTER");
 const QString ElementParam::NAME_SPEED = QStringLiteral("SPEED");
 const QString ElementParam::NAME_DATE = QStringLiteral("DATE");

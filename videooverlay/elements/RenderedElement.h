@@ -20,10 +20,10 @@ public:
     RenderedElement(int id, int type, double x, double y, bool visible,
                     const QImage &image = QImage());
 
-    int id() const; ///< element id, -1 for no element
-    int type() const; ///< CVideoOverlayElement::Type as a number
-    double x() const; ///< left edge [px of the video picture]
-    double y() const; ///< top edge [px of the video picture]
+    int id() const;       ///< element id, -1 for no element
+    int type() const;     ///< CVideoOverlayElement::Type as a number
+    double x() const;     ///< left edge [px of the video picture]
+    double y() const;     ///< top edge [px of the video picture]
     bool visible() const; ///< the element's effective visibility when it was rendered
     bool repaint() const; ///< the picture must be (re)drawn
     void repaint(bool repaint);

@@ -1,0 +1,192 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "host/OverlaySession.h"
+#include "host/display/GridFit.h"
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include <limits>
+
+using namespace Velmar::Host;
+using namespace Velmar::VideoOverlay;
+
+namespace {
+
+TelemetryFile telemetry(const QByteArray &csv)
+{
+    QTemporaryDir directory;
+    const QString path = directory.filePath(QStringLiteral("run.csv"));
+    QFile file(path);
+    if (!file.open(QIODevice::WriteOnly) || file.write(csv) != csv.size())
+        qFatal("cannot write the telemetry of this test");
+    file.close();
+    TelemetryFile result;
+    QString error;
+    if (!result.load(path, &error))
+        qFatal("%s", qPrintable(error));
+    return result;
+}
+
+const OverlayItem *itemAt(const OverlaySnapshot &overlay, QPoint position)
+{
+    for (const OverlayItem &item : overlay.items) {
+        if (item.position == position)
+            return &item;
+    }
+    return nullptr;
+}
+
+QString picturePath(const QTemporaryDir &directory)
+{
+    const QString path = directory.filePath(QStringLiteral("picture.png"));
+    QImage image(200, 100, QImage::Format_ARGB32);
+    image.fill(QColor(255, 0, 0, 128));
+    image.save(path);
+    return path;
+}
+
+} // namespace
+
+class tst_OverlaySession : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void everyCellLiesOnThePicture_data()
+    {
+        QTest::addColumn<QSize>("size");
+        QTest::addColumn<int>("pixelSize"); // 0: whatever fits
+        QTest::newRow("640x480") << QSize(640, 480) << 0;
+        QTest::newRow("1280x720") << QSize(1280, 720) << 0;
+        QTest::newRow("1920x1080, as designed") << QSize(1920, 1080) << 35;
+        QTest::newRow("3840x2160") << QSize(3840, 2160) << 0;
+        QTest::newRow("portrait") << QSize(480, 800) << 0;
+    }
+
+    void everyCellLiesOnThePicture()
+    {
+        QFETCH(QSize, size);
+        QFETCH(int, pixelSize);
+        OverlaySession session(size);
+        const VideoOverlaySettings &settings = session.settings();
+        const QRectF picture(QPointF(0, 0), size);
+        QVERIFY2(picture.contains(settings.marginRect()),
+                 qPrintable(QStringLiteral("pixel size %1").arg(settings.font().pixelSize())));
+        QCOMPARE(settings.marginRect().width(), 54 * settings.colWidth());
+        QCOMPARE(settings.marginRect().height(), 27 * settings.rowHeight());
+        // As large as it can be: what is left does not hold a font of two more pixels.
+        QVERIFY(settings.rowHeight() > 1.0);
+        if (pixelSize != 0)
+            QCOMPARE(settings.font().pixelSize(), pixelSize);
+        else
+            QVERIFY(settings.marginRect().width() > 0.55 * size.width());
+        QVERIFY(settings.font().fixedPitch());
+        QCOMPARE(settings.font().letterSpacing(), 122.0);
+    }
+
+    void noRoomForTheGrid()
+    {
+        SceneCapabilities backend(QSize(20, 10));
+        CVideoOverlayCapabilities capabilities;
+        capabilities.setBackend(&backend);
+        VideoOverlaySettings settings(capabilities);
+        QVERIFY(!fitGrid(settings));
+        QCOMPARE(settings.font().pixelSize(), 35);
+    }
+
+    void elementsStandOnTheGrid()
+    {
+        OverlaySession session(QSize(1920, 1080));
+        session.addTexts();
+        session.setTelemetry(telemetry("t_ms,SPEED\n0,6.25\n"));
+        session.advanceTo(0);
+        const VideoOverlaySettings &settings = session.settings();
+        const auto overlay = session.scene()->snapshot();
+        const OverlayItem *speed
+            = itemAt(*overlay,
+                     QPoint(qRound(settings.leftMargin()),
+                            qRound(settings.topMargin() + 2 * settings.rowHeight())));
+        QVERIFY(speed);
+        QCOMPARE(speed->opacity, 255);
+        QCOMPARE(overlay->items.size(), 2); // the heading, and no box without a reading
+        QCOMPARE(overlay->clip, settings.marginRect().toAlignedRect());
+    }
+
+    void textsFollowTheReadings()
+    {
+        OverlaySession session(QSize(1920, 1080));
+        session.addTexts();
+        session.setTelemetry(telemetry("t_ms,SPEED,CAMERA_PAN\n0,6.0,\n200,6.1,10\n400,,-0.2\n"));
+        QCOMPARE(session.nextChangeMs(), 0);
+        session.advanceTo(0);
+        QCOMPARE(session.nextChangeMs(), 200);
+        const auto first = session.scene()->snapshot();
+        session.advanceTo(199);
+        QCOMPARE(session.scene()->snapshot(), first); // nothing new: the same overlay
+        session.advanceTo(200);
+        QVERIFY(session.scene()->snapshot() != first);
+        QCOMPARE(session.scene()->snapshot()->items.size(), first->items.size() + 1);
+        session.advanceTo(1000);
+        QCOMPARE(session.nextChangeMs(), std::numeric_limits<qint64>::max());
+
+        // Back to the start: the speed of then.
+        const auto end = session.scene()->snapshot();
+        session.advanceTo(0);
+        QVERIFY(session.scene()->snapshot() != end);
+        QVERIFY(session.scene()->snapshot()->items.at(1).image == first->items.at(1).image);
+    }
+
+    void unknownNamesAreIgnored()
+    {
+        OverlaySession session(QSize(1920, 1080));
+        session.addTexts();
+        session.setTelemetry(telemetry("t_ms,NOT_A_VALUE\n0,1\n"));
+        session.advanceTo(0);
+        QCOMPARE(session.scene()->snapshot()->items.size(), 1);
+    }
+
+    void picturesScaleToTheGrid()
+    {
+        QTemporaryDir directory;
+        OverlaySession session(QSize(1280, 720));
+        const double rowHeight = session.settings().rowHeight();
+        QVERIFY(session.addPicture(picturePath(directory), 4, 40, 4));
+        QCOMPARE(session.scene()->snapshot()->items.size(), 1);
+        const OverlayItem item = session.scene()->snapshot()->items.first();
+        QCOMPARE(item.image.height(), int(4 * rowHeight));
+        QVERIFY(qAbs(item.image.width() - 2 * item.image.height()) <= 2);
+        QCOMPARE(item.image.format(), QImage::Format_ARGB32);
+    }
+
+    void watermarkStandsInTheCorner()
+    {
+        QTemporaryDir directory;
+        OverlaySession session(QSize(1920, 1080));
+        QVERIFY(session.setWatermark(picturePath(directory)));
+        const OverlayItem item = session.scene()->snapshot()->items.first();
+        const QRectF margins = session.settings().marginRect();
+        const QRect box(item.position, item.image.size());
+        QVERIFY(margins.toAlignedRect().contains(box));
+        QVERIFY(margins.right() - box.right() < 2 * session.settings().colWidth());
+    }
+
+    void unreadablePictures()
+    {
+        QTemporaryDir directory;
+        const QString path = directory.filePath(QStringLiteral("text.png"));
+        QFile file(path);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write("no picture at all");
+        file.close();
+        OverlaySession session(QSize(1920, 1080));
+        QVERIFY(!session.addPicture(directory.filePath(QStringLiteral("missing.png")), 0, 0, 4));
+        QVERIFY(!session.addPicture(path, 0, 0, 4));
+        QVERIFY(!session.setWatermark(path));
+        QCOMPARE(session.scene()->snapshot()->items.size(), 0);
+    }
+};
+
+QTEST_MAIN(tst_OverlaySession)
+#include "tst_OverlaySession.moc"
