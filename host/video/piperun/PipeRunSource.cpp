@@ -16,7 +16,7 @@ using ViewFunction = std::function<PipeRunRenderer::View(qint64)>;
 
 namespace {
 
-constexpr guint DefaultSeed = 1;
+constexpr guint DefaultSeed = 2; ///< the pipe of the demonstration run
 constexpr double DefaultSpeed = 0.12; ///< [m/s]
 constexpr int DefaultWidth = 1920;
 constexpr int DefaultHeight = 1080;
