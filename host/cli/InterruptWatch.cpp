@@ -30,7 +30,9 @@ void onSignal(int)
 
 void installHandler(void (*handler)(int))
 {
-    struct sigaction action {};
+    struct sigaction action
+    {
+    };
     action.sa_handler = handler;
     action.sa_flags = SA_RESTART;
     sigemptyset(&action.sa_mask);

@@ -9,8 +9,8 @@ QT_END_NAMESPACE
 
 namespace Velmar::Host {
 
-/// Turns the first Ctrl-C (or SIGTERM, or SIGHUP) into a signal of Qt's; the second ends the process
-/// at once, with status 130. One per process.
+/// Turns the first Ctrl-C (or SIGTERM, or SIGHUP) into a signal of Qt's; the second ends the
+/// process at once, with status 130. One per process.
 class InterruptWatch : public QObject
 {
     Q_OBJECT

@@ -88,8 +88,8 @@ public:
     {
         m_parser.setApplicationDescription(description);
         // What the program is called with; a bare -h as well.
-        m_parser.addOption({{QStringLiteral("h"), QStringLiteral("help")},
-                            QStringLiteral("Lists the options.")});
+        m_parser.addOption(
+            {{QStringLiteral("h"), QStringLiteral("help")}, QStringLiteral("Lists the options.")});
     }
 
     void add(const char *name, const char *value, const char *text,

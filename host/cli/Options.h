@@ -24,9 +24,9 @@ struct Options
 
     SourceSpec source;
     QString outputPath;
-    QString telemetryPath; ///< empty: none
-    QString picturePath;   ///< empty: none
-    QString watermarkPath; ///< empty: none
+    QString telemetryPath;     ///< empty: none
+    QString picturePath;       ///< empty: none
+    QString watermarkPath;     ///< empty: none
     QString settingsDirectory; ///< empty: the user's own
     QString logPath;           ///< empty: warnings on the standard error stream
     bool quiet = false;

@@ -56,9 +56,20 @@ FrameGate::Answer OverlayMaker::at(qint64 timeNs, QSize size)
     return {m_session->scene()->snapshot(), nextMs > Never / NsPerMs ? Never : nextMs * NsPerMs};
 }
 
-const TelemetryFile &OverlayMaker::telemetry() const
+std::function<PipeRunRenderer::View(qint64)> OverlayMaker::cameraView() const
 {
-    return m_telemetry;
+    const QString distance = QStringLiteral("SECTION_DISTANCE_COUNTER");
+    if (!m_telemetry.names().contains(distance))
+        return {};
+    // A copy of the readings of its own: it is a streaming thread that asks.
+    return [telemetry = m_telemetry, distance, pan = QStringLiteral("CAMERA_PAN"),
+            tilt = QStringLiteral("CAMERA_TILT")](qint64 timeNs) {
+        PipeRunRenderer::View view;
+        view.distanceM = telemetry.interpolated(distance, timeNs / NsPerMs);
+        view.panDeg = telemetry.interpolated(pan, timeNs / NsPerMs);
+        view.tiltDeg = telemetry.interpolated(tilt, timeNs / NsPerMs);
+        return view;
+    };
 }
 
 } // namespace Velmar::Host

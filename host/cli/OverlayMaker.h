@@ -5,11 +5,13 @@
 #include "host/cli/Options.h"
 #include "host/video/FrameGate.h"
 
+#include <functional>
 #include <memory>
 
 namespace Velmar::Host {
 
-/// Makes the overlay that the options ask for, for whatever picture size the video turns out to have.
+/// Makes the overlay that the options ask for, for whatever picture size the video turns out to
+/// have.
 class OverlayMaker
 {
 public:
@@ -20,7 +22,9 @@ public:
     /// The overlay at @p timeNs on a picture of @p size.
     FrameGate::Answer at(qint64 timeNs, QSize size);
 
-    const TelemetryFile &telemetry() const;
+    /// Where the camera of a drawn run is according to the readings, so that a joint passes where
+    /// the counter says; null without readings of the distance. Callable on any thread.
+    std::function<PipeRunRenderer::View(qint64 timeNs)> cameraView() const;
 
 private:
     bool makeSession(QSize size, QString *error);

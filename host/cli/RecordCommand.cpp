@@ -21,18 +21,6 @@ constexpr int ProgressIntervalMs = 200;
 constexpr double NsPerSecond = 1e9;
 constexpr QSize DefaultSize {1920, 1080};
 
-/// The run's own distance drives the drawn picture, so that joints pass where the counter says so.
-void followDistance(SourceSpec *source, const TelemetryFile &telemetry)
-{
-    const QString column = QStringLiteral("SECTION_DISTANCE_COUNTER");
-    if (source->kind != SourceSpec::Kind::PipeRun || !telemetry.names().contains(column))
-        return;
-    // A copy of its own: the streaming thread asks.
-    source->distance = [telemetry, column](qint64 ns) {
-        return telemetry.interpolated(column, ns / 1000000);
-    };
-}
-
 } // namespace
 
 int runRecord(const Options &options)
@@ -45,7 +33,7 @@ int runRecord(const Options &options)
     if (!maker.load(options, expected, &error))
         return reportError(error);
     SourceSpec source = options.source;
-    followDistance(&source, maker.telemetry());
+    source.view = maker.cameraView();
 
     InterruptWatch interrupt;
     ProgressLine progress(options.quiet ? ProgressLine::Mode::Off : ProgressLine::Mode::Terminal);

@@ -29,7 +29,9 @@ QImage overlayOnFrame(OverlayMaker &maker, const Options &options, InterruptWatc
 {
     if (!initialiseVideo(error))
         return {};
-    FrameGrabber grabber(options.source, options.atNs,
+    SourceSpec source = options.source;
+    source.view = maker.cameraView();
+    FrameGrabber grabber(source, options.atNs,
                          [&maker](qint64 ns, QSize size) { return maker.at(ns, size); });
     QImage picture;
     QEventLoop loop;
@@ -61,9 +63,8 @@ int runSnapshot(const Options &options)
     if (!maker.load(options, expected, &error))
         return reportError(error);
     InterruptWatch interrupt;
-    const QImage picture = options.transparent
-        ? overlayAlone(maker, options.atNs, expected)
-        : overlayOnFrame(maker, options, interrupt, &error);
+    const QImage picture = options.transparent ? overlayAlone(maker, options.atNs, expected)
+                                               : overlayOnFrame(maker, options, interrupt, &error);
     if (interrupt.isInterrupted())
         return InterruptWatch::ExitStatus;
     if (!error.isEmpty() || !savePng(picture, options.outputPath, &error))

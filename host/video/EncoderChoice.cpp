@@ -67,11 +67,10 @@ void configure(GstElement *encoder, const QByteArray &name, int bitrateKbit)
         }
     } else if (name == "v4l2h264enc") {
         const int rate = bitrateKbit > 0 ? bitrateKbit * 1000 : 10000000;
-        gst_util_set_object_arg(
-            G_OBJECT(encoder), "extra-controls",
-            ("controls,video_bitrate=" + QByteArray::number(rate) + ",h264_i_frame_period="
-             + distance)
-                .constData());
+        gst_util_set_object_arg(G_OBJECT(encoder), "extra-controls",
+                                ("controls,video_bitrate=" + QByteArray::number(rate)
+                                 + ",h264_i_frame_period=" + distance)
+                                    .constData());
     } else {
         // Hardware encoders name the same things in a few ways.
         setText(encoder, "key-int-max", distance);
@@ -128,7 +127,8 @@ bool prepare(const QByteArray &name, Container container, int bitrateKbit, Video
 
     ObjectRef<GstElement> parser;
     if (makesH264(encoder.get()) && isInstalled("h264parse"))
-        parser.reset(GST_ELEMENT(gst_object_ref_sink(gst_element_factory_make("h264parse", nullptr))));
+        parser.reset(
+            GST_ELEMENT(gst_object_ref_sink(gst_element_factory_make("h264parse", nullptr))));
     if (!parser && !muxerTakes(muxer.get(), encoder.get())) {
         *error = makesH264(encoder.get())
             ? missingElementText("h264parse")
@@ -166,8 +166,8 @@ bool containerFromPath(const QString &path, Container *container, QString *error
 
 bool muxerTakes(GstElement *muxer, GstElement *encoder)
 {
-    const GList *outputs =
-        gst_element_factory_get_static_pad_templates(gst_element_get_factory(encoder));
+    const GList *outputs
+        = gst_element_factory_get_static_pad_templates(gst_element_get_factory(encoder));
     for (const GList *at = outputs; at; at = at->next) {
         auto *pad = static_cast<GstStaticPadTemplate *>(at->data);
         if (pad->direction != GST_PAD_SRC)

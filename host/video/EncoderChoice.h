@@ -25,9 +25,10 @@ struct VideoEncoder
     QByteArray name;
 };
 
-/// Makes the encoder called @p name, or for an empty name the best installed one: H.264 in hardware,
-/// H.264 in software, VP8. @p bitrateKbit 0 means constant quality, at which small letters stay
-/// sharp. False, and a text in @p error, when there is none or the container cannot hold its video.
+/// Makes the encoder called @p name, or for an empty name the best installed one: H.264 in
+/// hardware, H.264 in software, VP8. @p bitrateKbit 0 means constant quality, at which small
+/// letters stay sharp. False, and a text in @p error, when there is none or the container cannot
+/// hold its video.
 bool chooseEncoder(const QByteArray &name, Container container, int bitrateKbit,
                    VideoEncoder *choice, QString *error);
 

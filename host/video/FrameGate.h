@@ -16,9 +16,9 @@ QT_END_NAMESPACE
 
 namespace Velmar::Host {
 
-/// Lets a frame wait until the overlay is as far as the frame. The streaming thread asks, the thread
-/// of the elements answers, so that the frame of a moment shows exactly the readings of that moment.
-/// A frame before the next change of the overlay does not wait.
+/// Lets a frame wait until the overlay is as far as the frame. The streaming thread asks, the
+/// thread of the elements answers, so that the frame of a moment shows exactly the readings of that
+/// moment. A frame before the next change of the overlay does not wait.
 class FrameGate : public OverlaySource, public std::enable_shared_from_this<FrameGate>
 {
 public:

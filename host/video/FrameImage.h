@@ -7,8 +7,8 @@
 
 namespace Velmar::Host {
 
-/// The picture in @p frame, raw video of @p caps, in the colours a player would show. Null where the
-/// format is unknown.
+/// The picture in @p frame, raw video of @p caps, in the colours a player would show. Null where
+/// the format is unknown.
 QImage frameImage(GstBuffer *frame, GstCaps *caps);
 
 } // namespace Velmar::Host

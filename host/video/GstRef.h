@@ -14,8 +14,7 @@ struct GstObjectUnref
 
 struct GstMiniObjectUnref
 {
-    template <typename T>
-    void operator()(T *object) const
+    template <typename T> void operator()(T *object) const
     {
         gst_mini_object_unref(GST_MINI_OBJECT_CAST(object));
     }
@@ -32,12 +31,10 @@ struct GErrorFree
 };
 
 /// Owns one reference to an element, pad, bus or factory.
-template <typename T>
-using ObjectRef = std::unique_ptr<T, GstObjectUnref>;
+template <typename T> using ObjectRef = std::unique_ptr<T, GstObjectUnref>;
 
 /// Owns one reference to caps, a buffer, an event, a message or a sample.
-template <typename T>
-using MiniObjectRef = std::unique_ptr<T, GstMiniObjectUnref>;
+template <typename T> using MiniObjectRef = std::unique_ptr<T, GstMiniObjectUnref>;
 
 using GStringRef = std::unique_ptr<gchar, GFree>;
 using GErrorRef = std::unique_ptr<GError, GErrorFree>;

@@ -39,8 +39,8 @@ qint64 streamTime(GstPad *pad, GstBuffer *buffer)
         return -1;
     const GstSegment *segment = nullptr;
     gst_event_parse_segment(event.get(), &segment);
-    const guint64 time =
-        gst_segment_to_stream_time(segment, GST_FORMAT_TIME, GST_BUFFER_PTS(buffer));
+    const guint64 time
+        = gst_segment_to_stream_time(segment, GST_FORMAT_TIME, GST_BUFFER_PTS(buffer));
     return GST_CLOCK_TIME_IS_VALID(time) ? qint64(time) : -1;
 }
 
@@ -186,7 +186,8 @@ bool OverlayPipeline::build(QString *error)
         return false;
     }
     const ObjectRef<GstPad> cropSink(gst_element_get_static_pad(m_crop, "sink"));
-    gst_pad_add_probe(cropSink.get(), GST_PAD_PROBE_TYPE_EVENT_DOWNSTREAM, capsProbe, this, nullptr);
+    gst_pad_add_probe(cropSink.get(), GST_PAD_PROBE_TYPE_EVENT_DOWNSTREAM, capsProbe, this,
+                      nullptr);
     const ObjectRef<GstPad> burnSource(gst_element_get_static_pad(burn, "src"));
     gst_pad_add_probe(burnSource.get(), GST_PAD_PROBE_TYPE_BUFFER, burnedProbe, this, nullptr);
 
@@ -214,10 +215,11 @@ void OverlayPipeline::noMorePads()
     QMetaObject::invokeMethod(
         this,
         [this] {
-            fail(m_missing.isEmpty()
-                     ? QStringLiteral("%1: is not a video: it holds no picture").arg(m_source.name())
-                     : QStringLiteral("%1: cannot be decoded; not installed: %2")
-                           .arg(m_source.name(), m_missing.join(QStringLiteral(", "))));
+            fail(
+                m_missing.isEmpty()
+                    ? QStringLiteral("%1: is not a video: it holds no picture").arg(m_source.name())
+                    : QStringLiteral("%1: cannot be decoded; not installed: %2")
+                          .arg(m_source.name(), m_missing.join(QStringLiteral(", "))));
         },
         Qt::QueuedConnection);
 }
@@ -262,15 +264,15 @@ void OverlayPipeline::setUpFrames(GstCaps *caps)
         return; // negotiation fails next, and says more
     const QSize size(GST_VIDEO_INFO_WIDTH(&info), GST_VIDEO_INFO_HEIGHT(&info));
     const bool scaled = !m_source.size.isEmpty() && !m_source.isDrawn();
-    // Chroma covers two lines and columns, so that encoders want even sides. Leaving out a line keeps
-    // every other one sharp; scaling would blur them all.
+    // Chroma covers two lines and columns, so that encoders want even sides. Leaving out a line
+    // keeps every other one sharp; scaling would blur them all.
     const QSize even(size.width() & ~1, size.height() & ~1);
     g_object_set(m_crop, "right", size.width() - even.width(), "bottom",
                  size.height() - even.height(), nullptr);
     if (m_width > 0)
         return; // another size in the middle is scaled to the first: a container holds only one
-    const QSize target = scaled ? QSize(m_source.size.width() & ~1, m_source.size.height() & ~1)
-                                : even;
+    const QSize target
+        = scaled ? QSize(m_source.size.width() & ~1, m_source.size.height() & ~1) : even;
     if (target.width() < SmallestSide || target.height() < SmallestSide) {
         reportFailure(QStringLiteral("%1: a picture of %2x%3 is too small to record")
                           .arg(m_source.name())
@@ -369,10 +371,10 @@ void OverlayPipeline::onWatch()
     if (m_stopping && m_quiet.elapsed() > StopLimitMs)
         finish(); // a source that sends nothing cannot be ended from within
     else if (m_quiet.elapsed() > m_stallLimitMs)
-        fail(m_frameCount == 0
-                 ? QStringLiteral("%1: delivers no picture").arg(m_source.name())
-                 : QStringLiteral("%1: nothing has moved for %2 s").arg(m_source.name()).arg(
-                     m_stallLimitMs / 1000.0));
+        fail(m_frameCount == 0 ? QStringLiteral("%1: delivers no picture").arg(m_source.name())
+                               : QStringLiteral("%1: nothing has moved for %2 s")
+                                     .arg(m_source.name())
+                                     .arg(m_stallLimitMs / 1000.0));
 }
 
 void OverlayPipeline::fail(const QString &reason)

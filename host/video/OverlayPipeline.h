@@ -16,8 +16,8 @@
 
 namespace Velmar::Host {
 
-/// A source whose frames get the overlay burned in; a subclass says where they go. Lives on the thread
-/// of the elements and needs its event loop; emits exactly one of finished() and failed().
+/// A source whose frames get the overlay burned in; a subclass says where they go. Lives on the
+/// thread of the elements and needs its event loop; emits exactly one of finished() and failed().
 class OverlayPipeline : public QObject, protected SourceReceiver
 {
     Q_OBJECT
@@ -40,10 +40,10 @@ public:
     /// How long nothing may move before the pipeline counts as stuck; 15 s unless set.
     void setStallLimit(int milliseconds);
 
-    int frameCount() const;     ///< frames burned so far
-    qint64 positionNs() const;  ///< end of the last burned frame
-    qint64 durationNs() const;  ///< of what is to be recorded; -1 when unknown
-    QSize frameSize() const;    ///< [px] of the burned frames; empty before the first
+    int frameCount() const;    ///< frames burned so far
+    qint64 positionNs() const; ///< end of the last burned frame
+    qint64 durationNs() const; ///< of what is to be recorded; -1 when unknown
+    QSize frameSize() const;   ///< [px] of the burned frames; empty before the first
     const FrameGate &gate() const;
 
 Q_SIGNALS:

@@ -86,8 +86,8 @@ bool RecordPipeline::addOutput(GstElement *frames, QString *error)
     // An encoder that takes neither layout gets its own.
     GstElement *convert = add("videoconvert", error);
     GstElement *encoded = convert ? add("queue", error) : nullptr;
-    m_muxer = encoded ? add(m_container == Container::Mp4 ? "mp4mux" : "matroskamux", error)
-                      : nullptr;
+    m_muxer
+        = encoded ? add(m_container == Container::Mp4 ? "mp4mux" : "matroskamux", error) : nullptr;
     GstElement *sink = m_muxer ? add("filesink", error) : nullptr;
     if (!sink)
         return false;
@@ -108,8 +108,8 @@ bool RecordPipeline::addOutput(GstElement *frames, QString *error)
 
 MiniObjectRef<GstCaps> RecordPipeline::audioCaps() const
 {
-    GstPadTemplate *pad = gst_element_class_get_pad_template(GST_ELEMENT_GET_CLASS(m_muxer),
-                                                             "audio_%u");
+    GstPadTemplate *pad
+        = gst_element_class_get_pad_template(GST_ELEMENT_GET_CLASS(m_muxer), "audio_%u");
     MiniObjectRef<GstCaps> taken(gst_caps_new_empty());
     const MiniObjectRef<GstCaps> all(gst_pad_template_get_caps(pad));
     for (guint i = 0; i < gst_caps_get_size(all.get()); ++i) {
@@ -147,7 +147,8 @@ void RecordPipeline::audioPad(GstPad *pad)
         added = addAudio(pad, &parser, parser ? 1 : 0, &error);
     }
     if (!added)
-        reportWarning(QStringLiteral("%1: recorded without its audio: %2").arg(m_sourcePath, error));
+        reportWarning(
+            QStringLiteral("%1: recorded without its audio: %2").arg(m_sourcePath, error));
 }
 
 bool RecordPipeline::addAudio(GstPad *pad, const char *const *names, int count, QString *error)

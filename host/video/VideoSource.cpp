@@ -2,10 +2,6 @@
 #include "host/video/VideoSource.h"
 
 #include "host/video/GstRef.h"
-#if __has_include("host/video/PipeRunSource.h")
-#include "host/video/PipeRunSource.h"
-#define XQ_TEMP_PIPE 1
-#endif
 #include "host/video/VideoErrors.h"
 
 #include <QFile>
@@ -76,7 +72,6 @@ bool addDrawn(GstBin *pipeline, const SourceSpec &spec, SourceReceiver *receiver
 {
     GstElement *source = nullptr;
     if (spec.kind == SourceSpec::Kind::PipeRun) {
-#ifdef XQ_TEMP_PIPE
         if (!registerPipeRunSource()) {
             *error = QStringLiteral("The drawn pipe run cannot be registered with GStreamer");
             return false;
@@ -84,12 +79,9 @@ bool addDrawn(GstBin *pipeline, const SourceSpec &spec, SourceReceiver *receiver
         source = makeElement("xqosdpiperun", error);
         if (source) {
             g_object_set(source, "seed", spec.seed, nullptr);
-            if (spec.distance)
-                setDistanceFunction(source, spec.distance);
+            if (spec.view)
+                setViewFunction(source, spec.view);
         }
-#else
-        *error = QStringLiteral("tmp");
-#endif
     } else {
         source = makeElement("videotestsrc", error);
     }
@@ -111,8 +103,10 @@ bool addDrawn(GstBin *pipeline, const SourceSpec &spec, SourceReceiver *receiver
         G_TYPE_STRING, colorimetry, "pixel-aspect-ratio", GST_TYPE_FRACTION, 1, 1, nullptr));
     g_object_set(filter, "caps", caps.get(), nullptr);
     if (!gst_element_link(source, filter)) {
-        *error = QStringLiteral("%1: cannot draw %2x%3").arg(spec.name()).arg(size.width()).arg(
-            size.height());
+        *error = QStringLiteral("%1: cannot draw %2x%3")
+                     .arg(spec.name())
+                     .arg(size.width())
+                     .arg(size.height());
         return false;
     }
     const ObjectRef<GstPad> pad(gst_element_get_static_pad(filter, "src"));
@@ -121,8 +115,8 @@ bool addDrawn(GstBin *pipeline, const SourceSpec &spec, SourceReceiver *receiver
     return true;
 }
 
-bool addFile(GstBin *pipeline, const SourceSpec &spec, GstCaps *audioCaps,
-             SourceReceiver *receiver, QString *error)
+bool addFile(GstBin *pipeline, const SourceSpec &spec, GstCaps *audioCaps, SourceReceiver *receiver,
+             QString *error)
 {
     *error = fileProblem(spec.path);
     if (!error->isEmpty())

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include "host/video/piperun/PipeRunSource.h"
+
 #include <QSize>
 #include <QString>
 
@@ -21,12 +23,13 @@ struct SourceSpec
     };
 
     Kind kind = Kind::PipeRun;
-    QString path;           ///< of a file or device
-    QSize size;             ///< [px]; empty: 1920 x 1080 where the picture is drawn, else its own
+    QString path;            ///< of a file or device
+    QSize size;              ///< [px]; empty: 1920 x 1080 where the picture is drawn, else its own
     int framesPerSecond = 0; ///< 0: 25 where the picture is drawn, else the source's own
     unsigned seed = 1;       ///< of a drawn run
-    /// Distance [m] that the camera has driven at a time [ns]; null: the run's own.
-    std::function<double(qint64)> distance;
+    /// Where the camera of a drawn run is at a time [ns]; null: the run's own. Called on a
+    /// streaming thread.
+    std::function<PipeRunRenderer::View(qint64)> view;
 
     /// "pipe", "test", a path below /dev, or a file.
     static SourceSpec fromText(const QString &text);
@@ -49,9 +52,9 @@ protected:
     ~SourceReceiver() = default;
 };
 
-/// Puts the elements of @p spec into @p pipeline and hands their pads to @p receiver, which must live
-/// as long as the pipeline. @p audioCaps names the audio formats that need no decoding; null: audio
-/// is left out. False, and a text in @p error, when the source cannot be made.
+/// Puts the elements of @p spec into @p pipeline and hands their pads to @p receiver, which must
+/// live as long as the pipeline. @p audioCaps names the audio formats that need no decoding; null:
+/// audio is left out. False, and a text in @p error, when the source cannot be made.
 bool addSource(GstBin *pipeline, const SourceSpec &spec, GstCaps *audioCaps,
                SourceReceiver *receiver, QString *error);
 
