@@ -17,6 +17,14 @@ using namespace Velmar::Host;
 
 namespace {
 
+/// Qt's own remarks belong into the log, not between the lines of a command.
+void logQtMessage(QtMsgType type, const QMessageLogContext &, const QString &text)
+{
+    const bool severe = type == QtCriticalMsg || type == QtFatalMsg;
+    Logging::CLogger::logMessage(severe ? Logging::LogLevel::Error : Logging::LogLevel::Info,
+                                 QStringLiteral("Qt"), text);
+}
+
 bool setUpLog(const Options &options, QString *error)
 {
     if (options.logPath.isEmpty())
@@ -34,6 +42,7 @@ bool setUpLog(const Options &options, QString *error)
 
 int main(int argc, char **argv)
 {
+    qInstallMessageHandler(logQtMessage);
     // These commands paint, but show nothing: they must also run where nobody has a screen.
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM") && qEnvironmentVariableIsEmpty("DISPLAY")
         && qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY"))

@@ -52,6 +52,9 @@ QImage frameImage(GstBuffer *frame, GstCaps *caps)
     GstVideoInfo to;
     gst_video_info_set_format(&to, GST_VIDEO_FORMAT_RGB, GST_VIDEO_INFO_WIDTH(&from),
                               GST_VIDEO_INFO_HEIGHT(&from));
+    // The converter refuses two clocks, although it is a single picture.
+    GST_VIDEO_INFO_FPS_N(&to) = GST_VIDEO_INFO_FPS_N(&from);
+    GST_VIDEO_INFO_FPS_D(&to) = GST_VIDEO_INFO_FPS_D(&from);
     const std::unique_ptr<GstBuffer, BufferUnref> buffer(
         gst_buffer_new_allocate(nullptr, GST_VIDEO_INFO_SIZE(&to), nullptr));
     const std::unique_ptr<GstVideoConverter, ConverterFree> converter(
