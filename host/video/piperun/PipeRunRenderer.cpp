@@ -25,8 +25,10 @@ constexpr int NoiseCount = 1 << 14;
 constexpr int NoiseMargin = 32; ///< noise stays below
 constexpr int ToneCount = 512;
 
-constexpr int BlockSize = 16;  ///< [px] between two rays that are really cast
-constexpr double SightM = 4.6; ///< nothing is seen beyond
+constexpr int BlockSize = 16;        ///< [px] between two rays that are really cast
+constexpr double SightM = 4.6;       ///< nothing is seen beyond
+constexpr double BackSightM = 1.9;   ///< the same behind the camera
+constexpr double TexelReachM = 0.13; ///< a row of the coarsest level, which is blended in beyond
 
 constexpr float WaterCentre = 0.5F;      ///< [turns] the bottom of the pipe
 constexpr float WaterHalfWidth = 0.055F; ///< [turns]
@@ -262,9 +264,10 @@ PipeRunRenderer::Lateral PipeRunRenderer::lateralIn(quint32 seed, int metre)
     return lateral;
 }
 
-void PipeRunRenderer::prepareMetres(int first)
+void PipeRunRenderer::prepareMetres(int first, int last)
 {
-    for (int metre = first; metre < first + RingMetres; ++metre) {
+    Q_ASSERT(last - first < RingMetres);
+    for (int metre = first; metre <= last; ++metre) {
         if (m_metres[std::size_t(metre & (RingMetres - 1))] != metre)
             drawMetre(metre);
     }
@@ -437,8 +440,7 @@ PipeRunRenderer::Node PipeRunRenderer::castRay(const Camera &camera, double x, d
     const float wallX = camera.x + t * d[0];
     const float wallY = camera.y + t * d[1];
     const float reach = std::abs(t * d[2]);
-    // Behind the camera fewer metres are kept than ahead of it.
-    const float sight = d[2] < 0.0F ? 1.9F : float(SightM);
+    const float sight = float(d[2] < 0.0F ? BackSightM : SightM);
     const float depth = std::copysign(std::min(reach, sight), d[2]);
     const float range = std::min(t, 20.0F);
 
@@ -673,12 +675,9 @@ void PipeRunRenderer::render(const PlanarFrame &frame, const View &view)
         return;
     const double distance
         = std::isfinite(view.distanceM) ? std::clamp(view.distanceM, -100000.0, 100000.0) : 0.0;
-    const double time = std::isfinite(view.timeS) ? view.timeS : 0.0;
+    const double time = std::isfinite(view.timeS) ? std::clamp(view.timeS, -1e9, 1e9) : 0.0;
     const double pan = std::isfinite(view.panDeg) ? std::clamp(view.panDeg, -180.0, 180.0) : 0.0;
     const double tilt = std::isfinite(view.tiltDeg) ? std::clamp(view.tiltDeg, -90.0, 90.0) : 0.0;
-
-    const int metre = int(std::floor(distance));
-    prepareMetres(metre - 2);
 
     // The crawler sways as it drives over what lies on the sole: by the way, not by the time.
     const double sway
@@ -707,6 +706,15 @@ void PipeRunRenderer::render(const PlanarFrame &frame, const View &view)
     camera.focal = float(focalLength(frame.width, frame.height));
     camera.centreX = 0.5F * float(frame.width);
     camera.centreY = 0.5F * float(frame.height);
+
+    // What lies behind is drawn only for a camera that turns so far that a corner shows it.
+    const double back = double(camera.forward[2])
+        - double(std::abs(camera.right[2]) * (camera.centreX + BlockSize)
+                 + std::abs(camera.up[2]) * (camera.centreY + BlockSize))
+            / double(camera.focal);
+    const double behind = back > 0.0 ? 0.0 : BackSightM;
+    prepareMetres(int(std::floor(distance - behind - TexelReachM)),
+                  int(std::floor(distance + SightM + TexelReachM)));
 
     Target target;
     target.frame = &frame;
