@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <climits>
 #include <cmath>
+#include <utility>
 
 namespace Velmar::Host {
 
@@ -19,7 +20,7 @@ constexpr int RowCount = 1 << RowBits;
 constexpr int RingBits = 3;
 constexpr int ChromaShift = 1; ///< chroma has half as many columns and rows
 
-constexpr int RipplesBits = 7;
+constexpr int RipplesBits = 8;
 constexpr int RipplesSize = 1 << RipplesBits;
 constexpr int NoiseCount = 1 << 14;
 constexpr int NoiseMargin = 32; ///< noise stays below
@@ -89,7 +90,14 @@ public:
         , m_around(around)
         , m_along(along)
         , m_row(std::size_t(around) + 1)
+        , m_columns(AngleCount)
     {
+        for (int i = 0; i < AngleCount; ++i) {
+            const float position = (float(i) + 0.5F) / AngleCount * float(around);
+            Column &column = m_columns[std::size_t(i)];
+            column.cell = std::uint32_t(position);
+            column.t = smooth(position - float(column.cell));
+        }
     }
 
     void setRow(int metre, float share)
@@ -98,9 +106,16 @@ public:
         const int cell = int(position);
         const float t = smooth(position - float(cell));
         const auto row = std::uint32_t(metre * m_along + cell);
+        if (m_pair.empty() || row != m_pairRow) {
+            m_pairRow = row;
+            m_pair.resize(std::size_t(m_around));
+            for (int i = 0; i < m_around; ++i) {
+                const auto key = std::uint32_t(i);
+                m_pair[std::size_t(i)] = {random(m_seed, row, key), random(m_seed, row + 1, key)};
+            }
+        }
         for (int i = 0; i < m_around; ++i) {
-            const float a = random(m_seed, row, std::uint32_t(i));
-            const float b = random(m_seed, row + 1, std::uint32_t(i));
+            const auto &[a, b] = m_pair[std::size_t(i)];
             m_row[std::size_t(i)] = 2.0F * (a + (b - a) * t) - 1.0F;
         }
         m_row.back() = m_row.front();
@@ -110,15 +125,35 @@ public:
     {
         const float position = turns * float(m_around);
         const auto cell = std::size_t(position);
-        const float t = smooth(position - float(cell));
-        return m_row[cell] + (m_row[cell + 1] - m_row[cell]) * t;
+        return between(cell, smooth(position - float(cell)));
+    }
+
+    /// In the middle of a column of the texture.
+    float atColumn(int column) const
+    {
+        const Column &place = m_columns[std::size_t(column)];
+        return between(place.cell, place.t);
     }
 
 private:
+    struct Column
+    {
+        std::uint32_t cell;
+        float t;
+    };
+
+    float between(std::size_t cell, float t) const
+    {
+        return m_row[cell] + (m_row[cell + 1] - m_row[cell]) * t;
+    }
+
     std::uint32_t m_seed;
     int m_around;
     int m_along;
+    std::uint32_t m_pairRow = 0;
+    std::vector<std::pair<float, float>> m_pair; ///< the two rows of cells around the current one
     std::vector<float> m_row;
+    std::vector<Column> m_columns;
 };
 
 /// Reflectance 0 to 255 and the two colour differences of one place on the wall.
@@ -305,11 +340,11 @@ void PipeRunRenderer::drawMetre(int metre)
 
         for (int column = 0; column < AngleCount; ++column) {
             const float turns = (float(column) + 0.5F) / AngleCount;
-            const float cloud = clouds.at(turns);
-            const float patch = patches.at(turns);
-            const float streak = streaks.at(turns);
-            const float pore = pores.at(turns);
-            const float frayed = fray.at(turns);
+            const float cloud = clouds.atColumn(column);
+            const float patch = patches.atColumn(column);
+            const float streak = streaks.atColumn(column);
+            const float pore = pores.atColumn(column);
+            const float frayed = fray.atColumn(column);
 
             Texel texel {142.0F + tone + 15.0F * cloud + 13.0F * patch + 9.0F * streak
                              + 13.0F * pore + 7.0F * frayed,
@@ -577,8 +612,8 @@ void PipeRunRenderer::fillPixels(const Target &target, int x, int y, int size, c
             if (off < FlowEdge) {
                 // Where the crests of both layers meet, the lamps are mirrored.
                 constexpr std::uint32_t Mask = RipplesSize - 1;
-                const std::uint32_t across = u >> (AngleShift - 1);
-                const std::uint32_t along = v >> 20;
+                const std::uint32_t across = u >> (AngleShift - 2);
+                const std::uint32_t along = v >> 19;
                 const std::uint32_t first = (along + target.ripplesA) & Mask;
                 const std::uint32_t second = (along * 2 + target.ripplesB) & Mask;
                 const int crest = m_ripples[first << RipplesBits | (across & Mask)]
@@ -594,45 +629,78 @@ void PipeRunRenderer::fillPixels(const Target &target, int x, int y, int size, c
         return target.tone[std::size_t(value + noise + NoiseMargin)];
     };
 
-    // Where the wall is so near that texels are larger than pixels, every second pixel is as good
-    // as the mean of its neighbours.
-    const auto angleStep = std::max(std::abs(between(topLeft.angle, topRight.angle)),
-                                    std::abs(between(bottomLeft.angle, bottomRight.angle)))
+    // Where the wall is so near that texels are larger than pixels, every second pixel of every
+    // second line is sampled, and the rest are means of their neighbours.
+    const auto angleStep = std::max({std::abs(between(topLeft.angle, topRight.angle)),
+                                     std::abs(between(topLeft.angle, bottomLeft.angle)),
+                                     std::abs(between(bottomLeft.angle, bottomRight.angle))})
         / size;
-    const bool magnified = !flow && level == 0 && width % 2 == 0 && step <= (1U << RowShift) * 3 / 4
-        && angleStep <= (1 << AngleShift) * 3 / 4;
+    const bool magnified = !flow && level == 0 && width % 2 == 0 && height % 2 == 0
+        && step <= (1U << RowShift) * 3 / 4 && angleStep <= (1 << AngleShift) * 3 / 4;
 
     std::uint32_t dice = hash(target.noiseKey + std::uint32_t(y) * 9176U + std::uint32_t(x));
-    for (int row = 0; row < height; ++row) {
-        std::uint32_t u = angle.left - (1U << (AngleShift - 1));
-        std::uint32_t v = depth.left - (1U << (rowShift - 1));
-        std::uint32_t l = light.left;
+    const auto nextNoise = [this, &dice] {
         dice = dice * 1664525U + 1013904223U;
-        const std::int8_t *noise = m_noise.data() + (dice >> 8) % (NoiseCount - BlockSize);
-        std::uint8_t *out = frame.planes[0] + std::ptrdiff_t(y + row) * frame.strides[0] + x;
+        return m_noise.data() + (dice >> 8) % (NoiseCount - BlockSize);
+    };
+    const auto lineAt = [&frame, x, y](int row) {
+        return frame.planes[0] + std::ptrdiff_t(y + row) * frame.strides[0] + x;
+    };
+    constexpr std::uint32_t HalfColumn = 1U << (AngleShift - 1);
+    const std::uint32_t halfRow = 1U << (rowShift - 1);
 
-        if (magnified) {
-            int value = sample(u, v, l);
-            for (int i = 0; i < width; i += 2) {
+    if (magnified) {
+        constexpr int GridSize = BlockSize / 2 + 1;
+        int grid[2][GridSize];
+        const auto sampleLine = [&](int *to) {
+            std::uint32_t u = angle.left - HalfColumn;
+            std::uint32_t v = depth.left - halfRow;
+            std::uint32_t l = light.left;
+            for (int i = 0; i <= width / 2; ++i) {
+                to[i] = sample(u, v, l);
                 u += 2 * angle.slope;
                 v += 2 * depth.slope;
                 l += 2 * light.slope;
-                const int next = sample(u, v, l);
-                out[i] = shown(value, noise[i]);
-                out[i + 1] = shown((value + next) >> 1, noise[i + 1]);
-                value = next;
             }
-        } else {
+            for (Plane *plane : {&angle, &depth, &light}) {
+                plane->nextRow();
+                plane->nextRow();
+            }
+        };
+        sampleLine(grid[0]);
+        for (int row = 0; row < height; row += 2) {
+            const int *const above = grid[row / 2 % 2];
+            int *const below = grid[1 - row / 2 % 2];
+            sampleLine(below);
+            std::uint8_t *const upper = lineAt(row);
+            std::uint8_t *const lower = lineAt(row + 1);
+            const std::int8_t *const upperNoise = nextNoise();
+            const std::int8_t *const lowerNoise = nextNoise();
+            for (int i = 0; i < width / 2; ++i) {
+                const int left = above[i] + below[i];
+                const int right = above[i + 1] + below[i + 1];
+                upper[2 * i] = shown(above[i], upperNoise[2 * i]);
+                upper[2 * i + 1] = shown((above[i] + above[i + 1]) >> 1, upperNoise[2 * i + 1]);
+                lower[2 * i] = shown(left >> 1, lowerNoise[2 * i]);
+                lower[2 * i + 1] = shown((left + right) >> 2, lowerNoise[2 * i + 1]);
+            }
+        }
+    } else {
+        for (int row = 0; row < height; ++row) {
+            std::uint32_t u = angle.left - HalfColumn;
+            std::uint32_t v = depth.left - halfRow;
+            std::uint32_t l = light.left;
+            std::uint8_t *const out = lineAt(row);
+            const std::int8_t *const noise = nextNoise();
             for (int i = 0; i < width; ++i) {
                 out[i] = shown(sample(u, v, l), noise[i]);
                 u += angle.slope;
                 v += depth.slope;
                 l += light.slope;
             }
+            for (Plane *plane : {&angle, &depth, &light})
+                plane->nextRow();
         }
-        angle.nextRow();
-        depth.nextRow();
-        light.nextRow();
     }
 
     angle = firstAngle;
@@ -728,8 +796,8 @@ void PipeRunRenderer::render(const PlanarFrame &frame, const View &view)
     }
     const auto tick = std::uint32_t(std::int64_t(std::llround(time * 1000.0)));
     target.noiseKey = hash(m_key, tick, 7);
-    target.ripplesA = std::uint32_t(std::int64_t(-time * 45.0));
-    target.ripplesB = std::uint32_t(std::int64_t(-time * 120.0));
+    target.ripplesA = std::uint32_t(std::int64_t(-time * 90.0));
+    target.ripplesB = std::uint32_t(std::int64_t(-time * 240.0));
 
     const int columns = (frame.width + BlockSize - 1) / BlockSize;
     std::vector<Node> above(std::size_t(columns) + 1);
