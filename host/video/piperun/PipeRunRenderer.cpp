@@ -203,6 +203,125 @@ struct Defects
     float tone;         ///< pipes of different batches
 };
 
+/// One place on the wall and the noise there.
+struct Spot
+{
+    float turns;
+    float along;    ///< [m] from the beginning of its metre
+    float joint;    ///< [m] from the nearest joint, which may lie before or behind
+    float fromSole; ///< [turns] signed
+    float height;   ///< [turns] the same without sign
+    float cloud;
+    float patch;
+    float streak;
+    float pore;
+    float frayed;
+};
+
+Texel bareWall(const Spot &at, float tone)
+{
+    Texel texel {142.0F + tone + 15.0F * at.cloud + 13.0F * at.patch + 9.0F * at.streak
+                     + 13.0F * at.pore + 7.0F * at.frayed,
+                 -8.0F - 2.0F * at.cloud, 6.0F + 2.0F * at.patch};
+    texel.luma -= 30.0F * ramp(0.62F, 1.05F, -at.pore - 0.25F * at.frayed);
+    // Stains where the pattern of patches is strongest.
+    texel.mix(0.50F * ramp(0.20F, 0.85F, at.patch + 0.5F * at.cloud + 0.18F * at.frayed),
+              84.0F + 12.0F * at.pore, -15.0F, 10.0F);
+    return texel;
+}
+
+/// Higher water has left a dark, slimy band with a pale line on top.
+void paintSole(Texel &texel, const Spot &at)
+{
+    const float line = 0.135F + 0.012F * at.patch + 0.006F * at.frayed;
+    texel.mix(0.55F * (1.0F - ramp(line - 0.05F, line, at.height)), 84.0F + 18.0F * at.streak,
+              -17.0F, 5.0F);
+    texel.mix(0.35F * ramp(0.010F, 0.002F, std::abs(at.height - line)), 205.0F, -6.0F, 4.0F);
+}
+
+/// A shadowed gap between two lit edges.
+void paintJoint(Texel &texel, const Spot &at, const Defects &defects)
+{
+    const float gap = defects.offset && turnsBetween(at.turns, 0.15F) > 0.0F ? 0.016F : 0.009F;
+    const float distance = std::abs(at.joint + 0.0012F * at.frayed);
+    if (distance >= 0.06F)
+        return;
+    texel.mix(0.30F * ramp(0.06F, 0.03F, distance), 110.0F, -14.0F, 8.0F);
+    texel.mix(0.75F * ramp(gap + 0.016F, gap + 0.006F, distance), 222.0F, -5.0F, 4.0F);
+    texel.mix(0.94F * ramp(gap + 0.003F, gap - 0.001F, distance), 24.0F, -4.0F, 4.0F);
+}
+
+/// Lime that has run out of the joint and down the wall.
+void paintLime(Texel &texel, const Spot &at, const Defects &defects)
+{
+    const float across = std::abs(turnsBetween(at.turns, defects.depositTurns))
+        / (defects.depositWidth * (1.0F + 0.4F * at.streak));
+    const float along
+        = std::abs(at.joint) / std::max(0.01F, 0.07F + 0.05F * at.frayed + 0.03F * at.patch);
+    const float amount = 1.0F - ramp(0.5F, 1.0F, std::max(across, along));
+    texel.mix(0.80F * amount, 226.0F + 14.0F * at.pore, -5.0F, 3.0F);
+}
+
+/// Thin dark threads that hang out of the joint.
+void paintRoots(Texel &texel, const Spot &at, const Defects &defects)
+{
+    const float across = turnsBetween(at.turns, defects.rootsTurns);
+    const float length = 0.16F * (1.0F - 120.0F * across * across);
+    if (length <= 0.01F)
+        return;
+    const float thread = std::abs(at.streak + 0.35F * at.frayed);
+    const float amount
+        = ramp(length, 0.4F * length, std::abs(at.joint)) * ramp(0.30F, 0.10F, thread);
+    texel.mix(0.85F * amount, 48.0F + 40.0F * ramp(0.05F, 0.0F, thread), -15.0F, 12.0F);
+}
+
+/// A crack wanders along the pipe; @p wander is -1 to 1.
+void paintCrack(Texel &texel, const Spot &at, const Defects &defects, float wander)
+{
+    if (at.along <= defects.crackFrom || at.along >= defects.crackTo)
+        return;
+    const float taper = ramp(defects.crackFrom, defects.crackFrom + 0.08F, at.along)
+        * ramp(defects.crackTo, defects.crackTo - 0.08F, at.along);
+    const float centre = defects.crackTurns + 0.030F * wander + 0.004F * at.frayed;
+    const float off = std::abs(turnsBetween(at.turns, centre));
+    const float width = std::max(1e-6F, 0.0035F * taper);
+    texel.mix(0.35F * ramp(5.0F * width, width, off), 96.0F, -12.0F, 8.0F);
+    texel.mix(0.90F * ramp(width, 0.4F * width, off), 22.0F, -4.0F, 4.0F);
+}
+
+/// A cut edge around a dark bore whose far wall still gets some light. The lateral's centre is at
+/// @p centreTurns and @p centreAlong, as a spot counts them.
+void paintLateral(Texel &texel, const Spot &at, float centreTurns, float centreAlong, float radius)
+{
+    const float x
+        = turnsBetween(at.turns, centreTurns) * float(2.0 * Pi * PipeRunRenderer::PipeRadiusM);
+    const float y = at.along - centreAlong;
+    const float r = std::sqrt(x * x + y * y) / radius + 0.02F * at.frayed;
+    texel.mix(0.7F * ramp(1.40F, 1.12F, r), 100.0F + 20.0F * at.patch, -14.0F, 9.0F);
+    texel.mix(ramp(1.16F, 1.11F, r), 205.0F + 20.0F * at.pore, -7.0F, 6.0F);
+    const float far = ramp(0.1F, 1.0F, y / radius) * ramp(0.3F, 0.95F, r);
+    texel.mix(ramp(1.04F, 0.98F, r), 10.0F + 95.0F * far + 10.0F * far * at.patch,
+              -3.0F - 8.0F * far, 3.0F + 6.0F * far);
+
+    // What drips out of it has stained the wall below.
+    const bool sameSide = (at.fromSole > 0.0F) == (centreTurns > 0.5F);
+    const float below = at.fromSole > 0.0F ? turnsBetween(centreTurns, at.turns)
+                                           : turnsBetween(at.turns, centreTurns);
+    if (r > 1.1F && sameSide && below > 0.0F) {
+        const float wet = ramp(0.05F, 0.02F, std::abs(y) + 0.012F * at.streak);
+        texel.mix(0.5F * wet, 78.0F + 25.0F * at.streak, -18.0F, 10.0F);
+    }
+}
+
+/// The water reaches up to @p edge [turns] from the middle of the sole.
+void paintFlow(Texel &texel, const Spot &at, float edge)
+{
+    const float wet = ramp(edge + 0.002F, edge - 0.002F, at.height);
+    const float bank = ramp(0.008F, 0.001F, std::abs(at.height - edge));
+    texel.mix(0.90F * wet, 44.0F + 9.0F * at.cloud + 5.0F * at.streak, -8.0F, 2.0F);
+    texel.mix(0.5F * bank, 150.0F, -7.0F, 4.0F);
+}
+
 std::uint8_t toByte(float value)
 {
     return std::uint8_t(std::clamp(value, 0.0F, 255.0F));
@@ -332,105 +451,38 @@ void PipeRunRenderer::drawMetre(int metre)
             noise->setRow(metre, share);
 
         const bool nearNext = share > 0.5F;
-        const float joint = nearNext ? share - 1.0F : share; // [m] from the nearest joint
         const Defects &atJoint = nearNext ? next : here;
         const float waterLeft = WaterHalfWidth + 0.007F * edge.at(0.1F);
         const float waterRight = WaterHalfWidth + 0.007F * edge.at(0.6F);
-        const float tone = here.tone;
+        const float wander = edge.at(0.3F);
 
         for (int column = 0; column < AngleCount; ++column) {
-            const float turns = (float(column) + 0.5F) / AngleCount;
-            const float cloud = clouds.atColumn(column);
-            const float patch = patches.atColumn(column);
-            const float streak = streaks.atColumn(column);
-            const float pore = pores.atColumn(column);
-            const float frayed = fray.atColumn(column);
+            Spot spot;
+            spot.turns = (float(column) + 0.5F) / AngleCount;
+            spot.along = share;
+            spot.joint = nearNext ? share - 1.0F : share;
+            spot.fromSole = turnsBetween(spot.turns, WaterCentre);
+            spot.height = std::abs(spot.fromSole);
+            spot.cloud = clouds.atColumn(column);
+            spot.patch = patches.atColumn(column);
+            spot.streak = streaks.atColumn(column);
+            spot.pore = pores.atColumn(column);
+            spot.frayed = fray.atColumn(column);
 
-            Texel texel {142.0F + tone + 15.0F * cloud + 13.0F * patch + 9.0F * streak
-                             + 13.0F * pore + 7.0F * frayed,
-                         -8.0F - 2.0F * cloud, 6.0F + 2.0F * patch};
-            texel.luma -= 30.0F * ramp(0.62F, 1.05F, -pore - 0.25F * frayed);
-
-            // Stains where the pattern of patches is strongest.
-            texel.mix(0.50F * ramp(0.20F, 0.85F, patch + 0.5F * cloud + 0.18F * frayed),
-                      84.0F + 12.0F * pore, -15.0F, 10.0F);
-
-            // The sole: higher water has left a dark, slimy band with a pale line on top.
-            const float fromSole = turnsBetween(turns, WaterCentre);
-            const float height = std::abs(fromSole);
-            const float lineAt = 0.135F + 0.012F * patch + 0.006F * frayed;
-            texel.mix(0.55F * (1.0F - ramp(lineAt - 0.05F, lineAt, height)), 84.0F + 18.0F * streak,
-                      -17.0F, 5.0F);
-            texel.mix(0.35F * ramp(0.010F, 0.002F, std::abs(height - lineAt)), 205.0F, -6.0F, 4.0F);
-
-            // The joint: a shadowed gap between two lit edges.
-            const float gap = atJoint.offset && turnsBetween(turns, 0.15F) > 0.0F ? 0.016F : 0.009F;
-            const float fromJoint = std::abs(joint + 0.0012F * frayed);
-            if (fromJoint < 0.06F) {
-                texel.mix(0.30F * ramp(0.06F, 0.03F, fromJoint), 110.0F, -14.0F, 8.0F);
-                texel.mix(0.75F * ramp(gap + 0.016F, gap + 0.006F, fromJoint), 222.0F, -5.0F, 4.0F);
-                texel.mix(0.94F * ramp(gap + 0.003F, gap - 0.001F, fromJoint), 24.0F, -4.0F, 4.0F);
-            }
-
-            // Lime that has run out of the joint and down the wall.
-            if (atJoint.deposit) {
-                const float across = std::abs(turnsBetween(turns, atJoint.depositTurns))
-                    / (atJoint.depositWidth * (1.0F + 0.4F * streak));
-                const float along = std::abs(joint) / (0.07F + 0.05F * frayed + 0.03F * patch);
-                const float amount = 1.0F - ramp(0.5F, 1.0F, std::max(across, along));
-                texel.mix(0.80F * amount, 226.0F + 14.0F * pore, -5.0F, 3.0F);
-            }
-
-            // Roots: thin dark threads that hang out of the joint.
-            if (atJoint.roots) {
-                const float across = turnsBetween(turns, atJoint.rootsTurns);
-                const float length = 0.16F * (1.0F - 60.0F * across * across * 2.0F);
-                const float thread = std::abs(streak + 0.35F * frayed);
-                const float amount = ramp(length, 0.4F * length, std::abs(joint))
-                    * ramp(0.30F, 0.10F, thread) * (length > 0.01F ? 1.0F : 0.0F);
-                texel.mix(0.85F * amount, 48.0F + 40.0F * ramp(0.05F, 0.0F, thread), -15.0F, 12.0F);
-            }
-
-            // A crack wanders along the pipe.
-            if (here.crack && share > here.crackFrom && share < here.crackTo) {
-                const float taper = ramp(here.crackFrom, here.crackFrom + 0.08F, share)
-                    * ramp(here.crackTo, here.crackTo - 0.08F, share);
-                const float at = here.crackTurns + 0.030F * edge.at(0.3F) + 0.004F * frayed;
-                const float off = std::abs(turnsBetween(turns, at));
-                const float width = 0.0035F * taper;
-                texel.mix(0.35F * ramp(5.0F * width, width, off), 96.0F, -12.0F, 8.0F);
-                texel.mix(0.90F * ramp(width, 0.4F * width, off), 22.0F, -4.0F, 4.0F);
-            }
-
-            // The lateral: a cut edge around a dark bore whose far wall still gets some light.
+            Texel texel = bareWall(spot, here.tone);
+            paintSole(texel, spot);
+            paintJoint(texel, spot, atJoint);
+            if (atJoint.deposit)
+                paintLime(texel, spot, atJoint);
+            if (atJoint.roots)
+                paintRoots(texel, spot, atJoint);
+            if (here.crack)
+                paintCrack(texel, spot, here, wander);
             if (lateral.exists) {
-                const float centre = float(lateral.clockHours) / 12.0F;
-                const float x = turnsBetween(turns, centre) * float(2.0 * Pi * PipeRadiusM);
-                const float y = share - float(lateral.distanceM - metre);
-                const float r = std::sqrt(x * x + y * y) / float(lateral.radiusM) + 0.02F * frayed;
-                texel.mix(0.7F * ramp(1.40F, 1.12F, r), 100.0F + 20.0F * patch, -14.0F, 9.0F);
-                texel.mix(ramp(1.16F, 1.11F, r), 205.0F + 20.0F * pore, -7.0F, 6.0F);
-                const float inside = ramp(1.04F, 0.98F, r);
-                const float far
-                    = ramp(0.1F, 1.0F, y / float(lateral.radiusM)) * ramp(0.3F, 0.95F, r);
-                texel.mix(inside, 10.0F + 95.0F * far + 10.0F * far * patch, -3.0F - 8.0F * far,
-                          3.0F + 6.0F * far);
-                // What drips out of it has stained the wall below.
-                const float below
-                    = fromSole > 0.0F ? turnsBetween(centre, turns) : turnsBetween(turns, centre);
-                const bool sameSide = (fromSole > 0.0F) == (centre > 0.5F);
-                if (r > 1.1F && sameSide && below > 0.0F) {
-                    const float wet = ramp(0.05F, 0.02F, std::abs(y) + 0.012F * streak);
-                    texel.mix(0.5F * wet, 78.0F + 25.0F * streak, -18.0F, 10.0F);
-                }
+                paintLateral(texel, spot, float(lateral.clockHours) / 12.0F,
+                             float(lateral.distanceM - metre), float(lateral.radiusM));
             }
-
-            // The flow covers everything else.
-            const float water = fromSole < 0.0F ? waterLeft : waterRight;
-            const float wet = ramp(water + 0.002F, water - 0.002F, height);
-            const float bank = ramp(0.008F, 0.001F, std::abs(height - water));
-            texel.mix(0.90F * wet, 44.0F + 9.0F * cloud + 5.0F * streak, -8.0F, 2.0F);
-            texel.mix(0.5F * bank, 150.0F, -7.0F, 4.0F);
+            paintFlow(texel, spot, spot.fromSole < 0.0F ? waterLeft : waterRight);
 
             luma[std::size_t(row) * AngleCount + std::size_t(column)] = toByte(texel.luma);
             if ((row & 1) == 0 && (column & 1) == 0) {
@@ -443,7 +495,13 @@ void PipeRunRenderer::drawMetre(int metre)
         }
     }
 
-    // Farther levels: only along the pipe, since that is the direction in which distance squeezes.
+    shrinkMetre(slot);
+    m_metres[std::size_t(slot)] = metre;
+}
+
+void PipeRunRenderer::shrinkMetre(int slot)
+{
+    // Only along the pipe, since that is the direction in which distance squeezes.
     for (int level = 1; level < Levels; ++level) {
         const int rows = RowCount >> level;
         const std::uint8_t *from = m_luma[std::size_t(level) - 1].data()
@@ -455,7 +513,6 @@ void PipeRunRenderer::drawMetre(int metre)
                 to[column] = std::uint8_t((from[column] + from[column + AngleCount] + 1) / 2);
         }
     }
-    m_metres[std::size_t(slot)] = metre;
 }
 
 PipeRunRenderer::Node PipeRunRenderer::castRay(const Camera &camera, double x, double y) const

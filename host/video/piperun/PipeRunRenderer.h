@@ -65,6 +65,7 @@ private:
 
     void prepareMetres(int first, int last);
     void drawMetre(int metre);
+    void shrinkMetre(int slot); ///< makes the coarser levels
     Node castRay(const Camera &camera, double x, double y) const;
     void fillBlock(const Camera &camera, const Target &target, int x, int y, int size,
                    const Node &topLeft, const Node &topRight, const Node &bottomLeft,
