@@ -385,7 +385,7 @@ PipeRunRenderer::PipeRunRenderer(quint32 seed)
         fine.setRow(0, share);
         for (int x = 0; x < RipplesSize; ++x) {
             const float turns = float(x) / RipplesSize;
-            m_ripples[std::size_t(y * RipplesSize + x)]
+            m_ripples[std::size_t(y) * RipplesSize + std::size_t(x)]
                 = toByte(128.0F + 75.0F * coarse.at(turns) + 50.0F * fine.at(turns));
         }
     }
@@ -501,6 +501,7 @@ void PipeRunRenderer::drawMetre(int metre)
 
 void PipeRunRenderer::shrinkMetre(int slot)
 {
+    constexpr std::ptrdiff_t PairBytes = std::ptrdiff_t(2) * AngleCount;
     // Only along the pipe, since that is the direction in which distance squeezes.
     for (int level = 1; level < Levels; ++level) {
         const int rows = RowCount >> level;
@@ -508,7 +509,7 @@ void PipeRunRenderer::shrinkMetre(int slot)
             + std::size_t(slot) * std::size_t(rows) * 2 * AngleCount;
         std::uint8_t *to = m_luma[std::size_t(level)].data()
             + std::size_t(slot) * std::size_t(rows) * AngleCount;
-        for (int row = 0; row < rows; ++row, from += 2 * AngleCount, to += AngleCount) {
+        for (int row = 0; row < rows; ++row, from += PairBytes, to += AngleCount) {
             for (int column = 0; column < AngleCount; ++column)
                 to[column] = std::uint8_t((from[column] + from[column + AngleCount] + 1) / 2);
         }
@@ -596,7 +597,7 @@ struct Plane
         , leftStep(std::uint32_t(between(topLeft, bottomLeft) / size))
         , slope(std::uint32_t(between(topLeft, topRight) / size))
         , slopeStep(std::uint32_t((between(bottomLeft, bottomRight) - between(topLeft, topRight))
-                                  / (size * size)))
+                                  / (std::int64_t(size) * size)))
     {
     }
 
@@ -683,7 +684,8 @@ void PipeRunRenderer::fillPixels(const Target &target, int x, int y, int size, c
         return std::min(value * (std::int32_t(l) >> 8) >> 8, ToneCount - 1);
     };
     const auto shown = [&target](int value, std::int8_t noise) {
-        return target.tone[std::size_t(value + noise + NoiseMargin)];
+        const int index = value + noise + NoiseMargin;
+        return target.tone[std::size_t(index)];
     };
 
     // Where the wall is so near that texels are larger than pixels, every second pixel of every
@@ -733,7 +735,7 @@ void PipeRunRenderer::fillPixels(const Target &target, int x, int y, int size, c
             std::uint8_t *const lower = lineAt(row + 1);
             const std::int8_t *const upperNoise = nextNoise();
             const std::int8_t *const lowerNoise = nextNoise();
-            for (int i = 0; i < width / 2; ++i) {
+            for (std::ptrdiff_t i = 0; i < width / 2; ++i) {
                 const int left = above[i] + below[i];
                 const int right = above[i + 1] + below[i + 1];
                 upper[2 * i] = shown(above[i], upperNoise[2 * i]);
@@ -770,7 +772,8 @@ void PipeRunRenderer::fillPixels(const Target &target, int x, int y, int size, c
         std::uint32_t v = depth.left;
         std::uint32_t l = light.left;
         const std::ptrdiff_t line = (y + row) / 2;
-        std::uint8_t *blue = frame.planes[1] + line * frame.strides[1] + x / 2 * step2;
+        std::uint8_t *blue
+            = frame.planes[1] + line * frame.strides[1] + std::ptrdiff_t(x / 2) * step2;
         std::uint8_t *red
             = step2 == 1 ? frame.planes[2] + line * frame.strides[2] + x / 2 : blue + 1;
         for (int i = 0; i < width; i += 2) {
