@@ -29,42 +29,84 @@ struct Line
 /// What a text pixel of every coverage becomes over one kind of background, 0 to 255.
 using BlendTable = std::array<QRgb, 256>;
 
-/// Straight-alpha result of text over an area of one colour. A pixel that the text does not touch
-/// keeps @p untouched, so that colours survive to the bit.
+/// Straight-alpha result of @p color, seen with @p alpha (not 0), over @p background.
+QRgb over(QRgb color, int alpha, QRgb background)
+{
+    const int backShare = qAlpha(background) * (255 - alpha);
+    const int sum = alpha * 255 + backShare;
+    const auto channel = [&](int front, int back) {
+        return (front * alpha * 255 + back * backShare + sum / 2) / sum;
+    };
+    return qRgba(channel(qRed(color), qRed(background)), channel(qGreen(color), qGreen(background)),
+                 channel(qBlue(color), qBlue(background)), (sum + 127) / 255);
+}
+
+/// Text over an area of one colour. A pixel that the text does not touch keeps @p untouched, so
+/// that colours survive to the bit.
 BlendTable blendTable(QRgb text, QRgb background, QRgb untouched)
 {
-    const auto channel = [](int text, int textAlpha, int back, int backShare, int sum) {
-        return (text * textAlpha * 255 + back * backShare + sum / 2) / sum;
-    };
     BlendTable table;
     table[0] = untouched;
-    for (int alpha = 1; alpha < 256; ++alpha) {
-        const int backShare = qAlpha(background) * (255 - alpha);
-        const int sum = alpha * 255 + backShare;
-        table[size_t(alpha)] = qRgba(channel(qRed(text), alpha, qRed(background), backShare, sum),
-                                     channel(qGreen(text), alpha, qGreen(background), backShare, sum),
-                                     channel(qBlue(text), alpha, qBlue(background), backShare, sum),
-                                     (sum + 127) / 255);
-    }
+    for (int alpha = 1; alpha < 256; ++alpha)
+        table[size_t(alpha)] = over(text, alpha, background);
     return table;
 }
 
-void drawLines(QPainter &painter, const QVector<Line> &lines, const QFont &font,
-               const QColor &color, int alignment)
+void drawText(QPainter &painter, const Line &line, const QColor &color, int alignment)
 {
-    painter.setFont(font);
     painter.setBrush(color);
     painter.setPen(color);
-    for (const Line &line : lines)
-        painter.drawText(line.bounds.translated(1, -1), alignment | Qt::AlignVCenter, line.text);
+    painter.drawText(line.bounds.translated(1, -1), alignment | Qt::AlignVCenter, line.text);
 }
 
-void drawBoxes(QPainter &painter, const QVector<Line> &lines, const QColor &color)
+void drawBox(QPainter &painter, const Line &line, const QColor &color)
 {
     painter.setPen(Qt::NoPen);
     painter.setBrush(color);
-    for (const Line &line : lines)
-        painter.drawRect(line.box);
+    painter.drawRect(line.box);
+}
+
+/// Letters of earlier lines that reach into a later line's box, which lies over them.
+struct Covered
+{
+    QRect area;
+    QVector<QRgb> pixels; ///< row by row; 0 where no letter is
+};
+
+/// Takes what stands in @p area out of the picture. Empty, as nearly always, when nothing does.
+Covered takeOut(uchar *bits, int bytesPerLine, const QRect &area)
+{
+    Covered covered;
+    for (int y = area.top(); y <= area.bottom(); ++y) {
+        auto *row = reinterpret_cast<QRgb *>(bits + y * bytesPerLine);
+        for (int x = area.left(); x <= area.right(); ++x) {
+            if (row[x] == 0)
+                continue;
+            if (covered.pixels.isEmpty()) {
+                covered.area = area;
+                covered.pixels.resize(area.width() * area.height());
+            }
+            covered.pixels[(y - area.top()) * area.width() + x - area.left()] = row[x];
+            row[x] = 0;
+        }
+    }
+    return covered;
+}
+
+/// Calls @p visit with every pixel that was taken out and the picture's pixel in its place.
+template <class Visitor>
+void forEachPixel(QVector<Covered> &all, uchar *bits, int bytesPerLine, Visitor visit)
+{
+    for (Covered &covered : all) {
+        const QRect &area = covered.area;
+        for (int i = 0; i < covered.pixels.size(); ++i) {
+            if (covered.pixels.at(i) == 0)
+                continue;
+            const int y = area.top() + i / area.width();
+            auto *row = reinterpret_cast<QRgb *>(bits + y * bytesPerLine);
+            visit(covered.pixels[i], row[area.left() + i % area.width()]);
+        }
+    }
 }
 
 /// Replaces the alpha-only reading of @p pixels from @p first up to @p last by table entries.
@@ -269,7 +311,8 @@ void CVideoOverlayText::typeset()
     QMutexLocker lock(&m_mutex);
     const VideoOverlaySettings *grid = settings();
     const QString blank = QStringLiteral(" ");
-    const auto width = [this](const QString &text) { return m_fontMetrics.horizontalAdvance(text); };
+    const auto width
+        = [this](const QString &text) { return m_fontMetrics.horizontalAdvance(text); };
 
     m_lines.clear();
     int widest = 0;
@@ -326,38 +369,60 @@ void CVideoOverlayText::renderText(QImage &image) const
             continue;
         const int y = int(i * rowHeight);
         const QRect bounds = m_fontMetrics.boundingRect(QRect(0, y, 0, 0), 0, text);
-        lines.append({text, bounds, QRect(bounds.left(), bounds.top(), bounds.width(), int(rowHeight))});
+        lines.append(
+            {text, bounds, QRect(bounds.left(), bounds.top(), bounds.width(), int(rowHeight))});
     }
 
     // The painter writes premultiplied bytes for text, whatever an ARGB32 image says it holds. So
     // paint on a premultiplied view of the same memory, and make straight alpha of it afterwards.
     const bool straightAlpha = image.format() == QImage::Format_ARGB32;
-    const bool opaqueBoxes = m_backgroundColor.alpha() == 255;
+    // Over opaque boxes both readings are one; over others only the letters' coverage is painted.
+    const bool paintBoxes = !straightAlpha || m_backgroundColor.alpha() == 255;
     image.fill(straightAlpha ? QColor(0, 0, 0, 0) : QColor::fromRgba(ground));
-    QImage view = straightAlpha ? QImage(image.bits(), image.width(), image.height(),
-                                         image.bytesPerLine(), QImage::Format_ARGB32_Premultiplied)
+    uchar *bits = image.bits();
+    const int bytesPerLine = image.bytesPerLine();
+    QImage view = straightAlpha ? QImage(bits, image.width(), image.height(), bytesPerLine,
+                                         QImage::Format_ARGB32_Premultiplied)
                                 : QImage();
     QPainter painter;
     if (!painter.begin(straightAlpha ? &view : &image)) {
         image = QImage();
         return;
     }
-    if (!straightAlpha || opaqueBoxes)
-        drawBoxes(painter, lines, m_backgroundColor);
-    drawLines(painter, lines, m_font, m_textColor, m_alignment);
+    painter.setFont(m_font);
+    QVector<Covered> underBoxes;
+    for (int i = 0; i < lines.size(); ++i) {
+        const Line &line = lines.at(i);
+        if (paintBoxes) {
+            drawBox(painter, line, m_backgroundColor);
+        } else if (i > 0) {
+            const Covered covered = takeOut(bits, bytesPerLine, line.box & image.rect());
+            if (!covered.pixels.isEmpty())
+                underBoxes.append(covered);
+        }
+        drawText(painter, line, m_textColor, m_alignment);
+    }
     painter.end();
     if (!straightAlpha)
         return;
 
     const QRgb text = m_textColor.rgba();
     const BlendTable outside = blendTable(text, 0, ground);
-    if (opaqueBoxes) {
+    if (paintBoxes) {
         finish(image, lines, nullptr, outside);
-    } else {
-        const QRgb box = m_backgroundColor.rgba();
-        const BlendTable inside = blendTable(text, box, qAlpha(box) == 0 ? ground : box);
-        finish(image, lines, &inside, outside);
+        return;
     }
+    const QRgb box = m_backgroundColor.rgba();
+    const BlendTable inside = blendTable(text, box, qAlpha(box) == 0 ? ground : box);
+    forEachPixel(underBoxes, bits, bytesPerLine, [&](QRgb &below, QRgb above) {
+        below = over(text, qAlpha(below), 0);
+        if (qAlpha(box) > 0)
+            below = over(box, qAlpha(box), below);
+        if (qAlpha(above) > 0)
+            below = over(text, qAlpha(above), below);
+    });
+    finish(image, lines, &inside, outside);
+    forEachPixel(underBoxes, bits, bytesPerLine, [](QRgb result, QRgb &pixel) { pixel = result; });
 }
 
 } // namespace Velmar::VideoOverlay
