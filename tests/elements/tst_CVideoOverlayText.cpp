@@ -152,15 +152,15 @@ QImage reference(const QStringList &lines, const QSize &size, const VideoOverlay
     return image;
 }
 
-bool isNear(QRgb a, QRgb b, int tolerance)
+/// Equal in colour but for one step of rounding, which ties need.
+bool isNear(QRgb a, QRgb b, int alphaTolerance)
 {
-    return std::abs(qRed(a) - qRed(b)) <= tolerance && std::abs(qGreen(a) - qGreen(b)) <= tolerance
-        && std::abs(qBlue(a) - qBlue(b)) <= tolerance
-        && std::abs(qAlpha(a) - qAlpha(b)) <= tolerance;
+    return std::abs(qRed(a) - qRed(b)) <= 1 && std::abs(qGreen(a) - qGreen(b)) <= 1
+        && std::abs(qBlue(a) - qBlue(b)) <= 1 && std::abs(qAlpha(a) - qAlpha(b)) <= alphaTolerance;
 }
 
-/// Empty when the pictures are equal within @p tolerance per channel, otherwise what differs first.
-QString difference(const QImage &actual, const QImage &expected, int tolerance = 1)
+/// Empty when the pictures are equal, otherwise what differs first. The ground is exact.
+QString difference(const QImage &actual, const QImage &expected, int alphaTolerance = 0)
 {
     if (actual.size() != expected.size() || actual.format() != expected.format())
         return QStringLiteral("size or format differs");
@@ -168,8 +168,7 @@ QString difference(const QImage &actual, const QImage &expected, int tolerance =
         for (int x = 0; x < actual.width(); ++x) {
             const QRgb a = actual.pixel(x, y);
             const QRgb b = expected.pixel(x, y);
-            // the ground is exact, and so is everything next to it
-            if (!isNear(a, b, qAlpha(b) == 0 ? 0 : tolerance)) {
+            if (qAlpha(b) == 0 ? a != b : !isNear(a, b, alphaTolerance)) {
                 return QStringLiteral("pixel %1,%2 is %3 instead of %4")
                     .arg(x)
                     .arg(y)
@@ -790,7 +789,9 @@ private Q_SLOTS:
         QVERIFY(!image.isNull());
         const QImage expected
             = reference(text.split(QLatin1Char('\n')), image.size(), grid.settings, look);
-        QCOMPARE(difference(image, expected), QString());
+        // where letters of two lines meet, their coverage is rounded once more
+        const int alphaTolerance = text.contains(QLatin1Char('|')) ? 1 : 0;
+        QCOMPARE(difference(image, expected, alphaTolerance), QString());
     }
 
     void alignment_data()
