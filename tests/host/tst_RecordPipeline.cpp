@@ -163,8 +163,6 @@ void tst_RecordPipeline::recording_data()
                                   << QStringLiteral("video/x-h264");
     QTest::newRow("VP8 in Matroska")
         << path("b.mkv") << QByteArray("vp8enc") << QStringLiteral("video/x-vp8");
-    QTest::newRow("VP9 in MP4") << path("b.mp4") << QByteArray("vp9enc")
-                                << QStringLiteral("video/x-vp9");
     QTest::newRow("the best one") << path("c.mkv") << QByteArray()
                                   << QStringLiteral("video/x-h264");
 }
@@ -443,8 +441,10 @@ void tst_RecordPipeline::startErrors_data()
         << test << output << QByteArray("openh264enc") << text("gstreamer1.0-plugins-bad");
     QTest::newRow("not an encoder")
         << test << output << QByteArray("videoscale") << text("no video encoder");
+    QTest::newRow("VP9 in MP4") << test << path("never.mp4") << QByteArray("vp9enc")
+                                << text("cannot be held by MP4");
     QTest::newRow("VP8 in MP4") << test << path("never.mp4") << QByteArray("vp8enc")
-                                << text("MP4 cannot hold");
+                                << text("cannot be held by MP4");
     QTest::newRow("no directory") << test << path("none/never.mkv") << QByteArray()
                                   << text("no directory");
     QTest::newRow("output is a directory")

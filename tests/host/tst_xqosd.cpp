@@ -107,14 +107,15 @@ void tst_xqosd::record()
     QCOMPARE(QImage(png).size(), QSize(640, 480));
     const QVector<DecodedFrame> frames = readFrames(output);
     QCOMPARE(frames.size(), 25);
-    // The distance stands in the upper left. It changes at 500 ms, so that frame 13 is the first.
-    const QRect distance(0, 0, 320, 80);
+    // The texts stand in the upper half, above the noise. They change at 500 ms: frame 13 is the
+    // first after that.
+    const QRect texts(0, 0, 640, 240);
     const auto differ = [&](int a, int b) {
         int pixels = 0;
-        const QImage left = frames.at(a).image.copy(distance);
-        const QImage right = frames.at(b).image.copy(distance);
-        for (int y = 0; y < distance.height(); ++y) {
-            for (int x = 0; x < distance.width(); ++x)
+        const QImage left = frames.at(a).image.copy(texts);
+        const QImage right = frames.at(b).image.copy(texts);
+        for (int y = 0; y < texts.height(); ++y) {
+            for (int x = 0; x < texts.width(); ++x)
                 pixels += qAbs(qGray(left.pixel(x, y)) - qGray(right.pixel(x, y))) > 60 ? 1 : 0;
         }
         return pixels > 20;
