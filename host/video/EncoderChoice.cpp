@@ -96,10 +96,31 @@ bool comesUp(GstElement *encoder)
     return ready;
 }
 
+bool makes(GstElement *encoder, const char *mediaType)
+{
+    const MiniObjectRef<GstCaps> caps(gst_caps_new_empty_simple(mediaType));
+    return gst_element_factory_can_src_any_caps(gst_element_get_factory(encoder), caps.get());
+}
+
 bool makesH264(GstElement *encoder)
 {
-    const MiniObjectRef<GstCaps> h264(gst_caps_new_empty_simple("video/x-h264"));
-    return gst_element_factory_can_src_any_caps(gst_element_get_factory(encoder), h264.get());
+    return makes(encoder, "video/x-h264");
+}
+
+/// Whether a sink pad of @p muxer takes what @p encoder makes.
+bool muxerTakes(GstElement *muxer, GstElement *encoder)
+{
+    const GList *outputs
+        = gst_element_factory_get_static_pad_templates(gst_element_get_factory(encoder));
+    for (const GList *at = outputs; at; at = at->next) {
+        auto *pad = static_cast<GstStaticPadTemplate *>(at->data);
+        if (pad->direction != GST_PAD_SRC)
+            continue;
+        const MiniObjectRef<GstCaps> caps(gst_static_pad_template_get_caps(pad));
+        if (gst_element_factory_can_sink_any_caps(gst_element_get_factory(muxer), caps.get()))
+            return true;
+    }
+    return false;
 }
 
 const char *muxerName(Container container)
@@ -129,13 +150,15 @@ bool prepare(const QByteArray &name, Container container, int bitrateKbit, Video
     if (makesH264(encoder.get()) && isInstalled("h264parse"))
         parser.reset(
             GST_ELEMENT(gst_object_ref_sink(gst_element_factory_make("h264parse", nullptr))));
-    if (!parser && !muxerTakes(muxer.get(), encoder.get())) {
+    // Of VP9, MP4 wants facts that only a parser has; files without them do not play everywhere.
+    const bool holds = container == Container::Matroska || !makes(encoder.get(), "video/x-vp9");
+    if (!parser && !(holds && muxerTakes(muxer.get(), encoder.get()))) {
+        const QString format = container == Container::Mp4 ? QStringLiteral("MP4; record into .mkv")
+                                                           : QStringLiteral("Matroska");
         *error = makesH264(encoder.get())
             ? missingElementText("h264parse")
-            : QStringLiteral("%1 cannot hold the video of the encoder \"%2\"; record into .mkv")
-                  .arg(container == Container::Mp4 ? QStringLiteral("MP4")
-                                                   : QStringLiteral("Matroska"),
-                       QString::fromUtf8(name));
+            : QStringLiteral("The video of the encoder \"%1\" cannot be held by %2")
+                  .arg(QString::fromUtf8(name), format);
         return false;
     }
     configure(encoder.get(), name, bitrateKbit);
@@ -161,21 +184,6 @@ bool containerFromPath(const QString &path, Container *container, QString *error
         return true;
     }
     *error = QStringLiteral("%1: the name must end in .mkv or .mp4").arg(path);
-    return false;
-}
-
-bool muxerTakes(GstElement *muxer, GstElement *encoder)
-{
-    const GList *outputs
-        = gst_element_factory_get_static_pad_templates(gst_element_get_factory(encoder));
-    for (const GList *at = outputs; at; at = at->next) {
-        auto *pad = static_cast<GstStaticPadTemplate *>(at->data);
-        if (pad->direction != GST_PAD_SRC)
-            continue;
-        const MiniObjectRef<GstCaps> caps(gst_static_pad_template_get_caps(pad));
-        if (gst_element_factory_can_sink_any_caps(gst_element_get_factory(muxer), caps.get()))
-            return true;
-    }
     return false;
 }
 

@@ -32,9 +32,6 @@ struct VideoEncoder
 bool chooseEncoder(const QByteArray &name, Container container, int bitrateKbit,
                    VideoEncoder *choice, QString *error);
 
-/// Whether a sink pad of @p muxer takes what @p encoder makes.
-bool muxerTakes(GstElement *muxer, GstElement *encoder);
-
 /// The name of the best installed audio encoder for @p container; empty: there is none.
 QByteArray audioEncoderFor(Container container);
 

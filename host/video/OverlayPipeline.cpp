@@ -368,7 +368,7 @@ void OverlayPipeline::onWatch()
         m_quiet.restart();
         return;
     }
-    if (m_stopping && m_quiet.elapsed() > StopLimitMs)
+    if (m_stopping && m_quiet.elapsed() > qMin(StopLimitMs, m_stallLimitMs))
         finish(); // a source that sends nothing cannot be ended from within
     else if (m_quiet.elapsed() > m_stallLimitMs)
         fail(m_frameCount == 0 ? QStringLiteral("%1: delivers no picture").arg(m_source.name())

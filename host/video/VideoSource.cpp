@@ -95,8 +95,10 @@ bool addDrawn(GstBin *pipeline, const SourceSpec &spec, SourceReceiver *receiver
 
     const QSize size = spec.size.isEmpty() ? DefaultSize : spec.size;
     const int rate = spec.framesPerSecond > 0 ? spec.framesPerSecond : DefaultFramesPerSecond;
-    // What players assume of an unmarked picture of that height, so that none shows other colours.
-    const char *colorimetry = size.height() >= 720 ? "bt709" : "bt601";
+    // The pipe is always drawn in BT.709; the bars can be had in what players assume of an unmarked
+    // picture of their height.
+    const bool small = size.height() < 720 && spec.kind == SourceSpec::Kind::Test;
+    const char *colorimetry = small ? "bt601" : "bt709";
     const MiniObjectRef<GstCaps> caps(gst_caps_new_simple(
         "video/x-raw", "format", G_TYPE_STRING, "I420", "width", G_TYPE_INT, size.width(), "height",
         G_TYPE_INT, size.height(), "framerate", GST_TYPE_FRACTION, rate, 1, "colorimetry",

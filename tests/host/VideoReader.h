@@ -1,0 +1,31 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <QImage>
+#include <QSize>
+#include <QString>
+#include <QVector>
+
+/// What a player learns of a file before it plays it.
+struct MediaFacts
+{
+    QString problem;   ///< empty: the file can be played
+    QString videoType; ///< media type, as "video/x-h264"
+    QString audioType; ///< media type; empty: no audio
+    QSize size;        ///< [px]
+    double seconds = 0.0;
+};
+
+struct DecodedFrame
+{
+    qint64 timeNs = 0;
+    QImage image; ///< RGB888
+};
+
+MediaFacts readFacts(const QString &path);
+
+/// All frames of the video in @p path; empty where it cannot be decoded.
+QVector<DecodedFrame> readFrames(const QString &path);
+
+/// Runs a pipeline in gst-launch syntax to its end; false on an error.
+bool runPipeline(const QString &description);

@@ -1,0 +1,331 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "VideoReader.h"
+
+#include "host/video/VideoErrors.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include <csignal>
+
+using namespace Velmar::Host;
+
+namespace {
+
+constexpr int LimitMs = 60000;
+
+struct Outcome
+{
+    int status = -1;
+    QString out;
+    QString err;
+};
+
+} // namespace
+
+/// The program as the operator runs it.
+class tst_xqosd : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+    void record();
+    void runsWithoutADisplay();
+    void quietPrintsNothing();
+    void snapshotOfAFrameShowsWhatTheRecordingShows();
+    void snapshotOnTransparency();
+    void interruptLeavesAPlayableFile_data();
+    void interruptLeavesAPlayableFile();
+    void secondInterruptEndsAtOnce();
+    void errors_data();
+    void errors();
+    void brokenVideoInstallation();
+    void logFile();
+
+private:
+    QString path(const char *name) const { return m_directory.filePath(QString::fromLatin1(name)); }
+    Outcome run(const QStringList &arguments,
+                const QProcessEnvironment &environment = QProcessEnvironment::systemEnvironment());
+    QString write(const char *name, const QByteArray &content);
+
+    QTemporaryDir m_directory;
+    QString m_telemetry;
+};
+
+Outcome tst_xqosd::run(const QStringList &arguments, const QProcessEnvironment &environment)
+{
+    QProcess program;
+    program.setProcessEnvironment(environment);
+    program.start(QStringLiteral(XQOSD_PROGRAM), arguments);
+    Outcome outcome;
+    if (!program.waitForFinished(LimitMs) || program.exitStatus() != QProcess::NormalExit)
+        return outcome;
+    outcome.status = program.exitCode();
+    outcome.out = QString::fromUtf8(program.readAllStandardOutput());
+    outcome.err = QString::fromUtf8(program.readAllStandardError());
+    return outcome;
+}
+
+QString tst_xqosd::write(const char *name, const QByteArray &content)
+{
+    QFile file(path(name));
+    if (file.open(QIODevice::WriteOnly))
+        file.write(content);
+    return file.fileName();
+}
+
+void tst_xqosd::initTestCase()
+{
+    QString error;
+    QVERIFY2(initialiseVideo(&error), qPrintable(error));
+    QVERIFY(m_directory.isValid());
+    m_telemetry
+        = write("run.csv", "t_ms,SECTION_DISTANCE_COUNTER,SPEED\n0,1.00,0.5\n500,22.22,5.5\n");
+}
+
+void tst_xqosd::record()
+{
+    const QString output = path("record.mkv");
+    const QString png = path("record.png");
+    const Outcome outcome
+        = run({QStringLiteral("record"), QStringLiteral("--source"), QStringLiteral("test"),
+               QStringLiteral("--size"), QStringLiteral("640x480"), QStringLiteral("--duration"),
+               QStringLiteral("1"), QStringLiteral("--telemetry"), m_telemetry,
+               QStringLiteral("--output"), output, QStringLiteral("--png"), png,
+               QStringLiteral("--png-at"), QStringLiteral("0.5")});
+    QCOMPARE(outcome.err, QString()); // no terminal, no progress line
+    QCOMPARE(outcome.status, 0);
+    const QStringList lines = outcome.out.split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+    QCOMPARE(lines.size(), 2);
+    QVERIFY2(lines.at(0).startsWith(output + QStringLiteral(": 25 frames, 1.00 s, ")),
+             qPrintable(lines.at(0)));
+    QCOMPARE(lines.at(1), png);
+    QCOMPARE(QImage(png).size(), QSize(640, 480));
+    const QVector<DecodedFrame> frames = readFrames(output);
+    QCOMPARE(frames.size(), 25);
+    // The texts stand in the upper half, above the noise. They change at 500 ms: frame 13 is the
+    // first after that.
+    const QRect texts(0, 0, 640, 240);
+    const auto differ = [&](int a, int b) {
+        int pixels = 0;
+        const QImage left = frames.at(a).image.copy(texts);
+        const QImage right = frames.at(b).image.copy(texts);
+        for (int y = 0; y < texts.height(); ++y) {
+            for (int x = 0; x < texts.width(); ++x)
+                pixels += qAbs(qGray(left.pixel(x, y)) - qGray(right.pixel(x, y))) > 60 ? 1 : 0;
+        }
+        return pixels > 20;
+    };
+    QVERIFY(!differ(11, 12));
+    QVERIFY(differ(12, 13));
+    QVERIFY(!differ(13, 24));
+}
+
+void tst_xqosd::runsWithoutADisplay()
+{
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    for (const char *name : {"QT_QPA_PLATFORM", "DISPLAY", "WAYLAND_DISPLAY"})
+        environment.remove(QString::fromLatin1(name));
+    const Outcome outcome = run({QStringLiteral("snapshot"), QStringLiteral("--transparent"),
+                                 QStringLiteral("--output"), path("display.png")},
+                                environment);
+    QCOMPARE(outcome.err, QString());
+    QCOMPARE(outcome.status, 0);
+}
+
+void tst_xqosd::quietPrintsNothing()
+{
+    const Outcome outcome
+        = run({QStringLiteral("record"), QStringLiteral("--quiet"), QStringLiteral("--size"),
+               QStringLiteral("320x240"), QStringLiteral("--duration"), QStringLiteral("0.2"),
+               QStringLiteral("--output"), path("quiet.mkv")});
+    QCOMPARE(outcome.status, 0);
+    QCOMPARE(outcome.out + outcome.err, QString());
+    QCOMPARE(readFrames(path("quiet.mkv")).size(), 5);
+}
+
+void tst_xqosd::snapshotOfAFrameShowsWhatTheRecordingShows()
+{
+    const QStringList common {QStringLiteral("--source"),    QStringLiteral("pipe"),
+                              QStringLiteral("--size"),      QStringLiteral("640x480"),
+                              QStringLiteral("--telemetry"), m_telemetry};
+    QCOMPARE(run(QStringList {QStringLiteral("record"), QStringLiteral("--duration"),
+                              QStringLiteral("0.8"), QStringLiteral("--output"), path("both.mkv"),
+                              QStringLiteral("--png"), path("both.png"), QStringLiteral("--png-at"),
+                              QStringLiteral("0.6")}
+                 + common)
+                 .status,
+             0);
+    const Outcome outcome
+        = run(QStringList {QStringLiteral("snapshot"), QStringLiteral("--at"),
+                           QStringLiteral("0.6"), QStringLiteral("--output"), path("snapshot.png")}
+              + common);
+    QCOMPARE(outcome.err, QString());
+    QCOMPARE(outcome.status, 0);
+    QCOMPARE(outcome.out, path("snapshot.png") + QLatin1Char('\n'));
+    const QImage snapshot(path("snapshot.png"));
+    QCOMPARE(snapshot.size(), QSize(640, 480));
+    QCOMPARE(snapshot, QImage(path("both.png")));
+}
+
+void tst_xqosd::snapshotOnTransparency()
+{
+    const Outcome outcome
+        = run({QStringLiteral("snapshot"), QStringLiteral("--transparent"),
+               QStringLiteral("--size"), QStringLiteral("1280x720"), QStringLiteral("--telemetry"),
+               m_telemetry, QStringLiteral("--output"), path("transparent.png")});
+    QCOMPARE(outcome.status, 0);
+    const QImage picture(path("transparent.png"));
+    QCOMPARE(picture.size(), QSize(1280, 720));
+    QVERIFY(picture.hasAlphaChannel());
+    QCOMPARE(qAlpha(picture.pixel(640, 360)), 0);
+    bool opaque = false;
+    for (int x = 0; x < picture.width(); ++x)
+        opaque = opaque || qAlpha(picture.pixel(x, 10)) == 255;
+    QVERIFY(opaque); // the uppermost row of texts
+}
+
+void tst_xqosd::interruptLeavesAPlayableFile_data()
+{
+    QTest::addColumn<QString>("output");
+    QTest::addColumn<int>("signal");
+    QTest::newRow("Ctrl-C, Matroska") << path("int.mkv") << SIGINT;
+    QTest::newRow("Ctrl-C, MP4") << path("int.mp4") << SIGINT;
+    QTest::newRow("terminated") << path("term.mkv") << SIGTERM;
+}
+
+void tst_xqosd::interruptLeavesAPlayableFile()
+{
+    QFETCH(QString, output);
+    QFETCH(int, signal);
+    QProcess program;
+    program.start(QStringLiteral(XQOSD_PROGRAM),
+                  {QStringLiteral("record"), QStringLiteral("--source"), QStringLiteral("test"),
+                   QStringLiteral("--size"), QStringLiteral("320x240"), QStringLiteral("--output"),
+                   output});
+    QVERIFY(program.waitForStarted());
+    // Once something has been written, it is in full swing.
+    QTRY_VERIFY_WITH_TIMEOUT(QFileInfo(output).size() > 60000, LimitMs);
+    QCOMPARE(::kill(pid_t(program.processId()), signal), 0);
+    QVERIFY(program.waitForFinished(LimitMs));
+    QCOMPARE(program.exitStatus(), QProcess::NormalExit);
+    QCOMPARE(program.exitCode(), 130);
+    const MediaFacts facts = readFacts(output);
+    QCOMPARE(facts.problem, QString());
+    QVERIFY(facts.seconds > 0.2);
+    const int frames = readFrames(output).size();
+    QCOMPARE(frames, qRound(facts.seconds * 25));
+    QVERIFY(QString::fromUtf8(program.readAllStandardOutput())
+                .contains(QStringLiteral(": %1 frames").arg(frames)));
+}
+
+void tst_xqosd::secondInterruptEndsAtOnce()
+{
+    QProcess program;
+    program.start(QStringLiteral(XQOSD_PROGRAM),
+                  {QStringLiteral("record"), QStringLiteral("--source"), QStringLiteral("test"),
+                   QStringLiteral("--size"), QStringLiteral("320x240"), QStringLiteral("--output"),
+                   path("twice.mkv")});
+    QVERIFY(program.waitForStarted());
+    QTRY_VERIFY_WITH_TIMEOUT(QFileInfo(path("twice.mkv")).size() > 60000, LimitMs);
+    const pid_t pid = pid_t(program.processId());
+    ::kill(pid, SIGINT);
+    ::kill(pid, SIGTERM);
+    QVERIFY(program.waitForFinished(LimitMs));
+    QCOMPARE(program.exitStatus(), QProcess::NormalExit);
+    QCOMPARE(program.exitCode(), 130);
+}
+
+void tst_xqosd::errors_data()
+{
+    QTest::addColumn<QString>("arguments");
+    QTest::addColumn<int>("status");
+    QTest::addColumn<QString>("mentions");
+
+    const QString text = write("text.png", "no picture");
+    const QString csv = write("bad.csv", "t_ms,SPEED\n0,1\nlater,2\n");
+    const QString out = QStringLiteral(" --output ") + path("never.mkv");
+    const QString test = QStringLiteral("record --source test --duration 0.1");
+    QTest::newRow("usage") << QStringLiteral("record --output a.mkv --size huge") << 2
+                           << QStringLiteral("--size");
+    QTest::newRow("no command") << QString() << 2 << QStringLiteral("No command");
+    QTest::newRow("missing source") << QStringLiteral("record --source ") + path("none.avi") + out
+                                    << 1 << path("none.avi: no such file");
+    QTest::newRow("not a video") << QStringLiteral("record --source ") + csv + out << 1
+                                 << QStringLiteral("is not a video");
+    QTest::newRow("missing camera") << QStringLiteral("record --source /dev/video99") + out << 1
+                                    << QStringLiteral("/dev/video99: no such camera device");
+    QTest::newRow("not a camera") << QStringLiteral("record --source /dev/null") + out << 1
+                                  << QStringLiteral("/dev/null: cannot be read");
+    QTest::newRow("missing encoder") << test + QStringLiteral(" --encoder h266enc") + out << 1
+                                     << QStringLiteral("\"h266enc\" is not installed");
+    QTest::newRow("missing directory") << test + QStringLiteral(" --output ") + path("none/a.mkv")
+                                       << 1 << QStringLiteral("no directory");
+    QTest::newRow("missing telemetry")
+        << test + QStringLiteral(" --telemetry ") + path("none.csv") + out << 1 << path("none.csv");
+    QTest::newRow("bad telemetry")
+        << test + QStringLiteral(" --telemetry ") + csv + out << 1 << csv + QStringLiteral(":3: ");
+    QTest::newRow("unreadable picture") << test + QStringLiteral(" --picture ") + text + out << 1
+                                        << text + QStringLiteral(": cannot be read as a picture");
+    QTest::newRow("missing picture") << test + QStringLiteral(" --picture ") + path("none.png")
+            + out << 1 << path("none.png: cannot be read as a picture");
+    QTest::newRow("unreadable watermark") << test + QStringLiteral(" --watermark ") + text
+            + out << 1 << text + QStringLiteral(": cannot be read as a picture");
+    QTest::newRow("log") << test + QStringLiteral(" --log ") + path("none/log") + out << 1
+                         << path("none/log");
+    QTest::newRow("frame after the end")
+        << test + QStringLiteral(" --png ") + path("late.png") + QStringLiteral(" --png-at 5") + out
+        << 1 << QStringLiteral("late.png: not written");
+    QTest::newRow("picture into nowhere") << test + QStringLiteral(" --png ") + path("none/a.png")
+            + out << 1 << path("none/a.png: cannot be written");
+    QTest::newRow("picture on a full disk")
+        << QStringLiteral("snapshot --transparent --output /dev/full") << 1
+        << QStringLiteral("/dev/full: cannot be written: No space left");
+    QTest::newRow("snapshot without source") << QStringLiteral("snapshot --source ")
+            + path("none.avi") + QStringLiteral(" --output ")
+            + path("never.png") << 1 << QStringLiteral("no such file");
+}
+
+void tst_xqosd::errors()
+{
+    QFETCH(QString, arguments);
+    QFETCH(int, status);
+    QFETCH(QString, mentions);
+    const Outcome outcome = run(arguments.split(QLatin1Char(' '), Qt::SkipEmptyParts));
+    QCOMPARE(outcome.status, status);
+    QVERIFY2(outcome.err.contains(mentions), qPrintable(outcome.err));
+    const QStringList lines = outcome.err.split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+    QVERIFY2(lines.last().startsWith(QLatin1String("xqosd: ")), qPrintable(outcome.err));
+    QCOMPARE(lines.size(), 1);
+}
+
+void tst_xqosd::brokenVideoInstallation()
+{
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("GST_PLUGIN_SYSTEM_PATH_1_0"), path("no-plugins"));
+    environment.insert(QStringLiteral("GST_REGISTRY_1_0"), path("registry.bin"));
+    const Outcome outcome
+        = run({QStringLiteral("record"), QStringLiteral("--duration"), QStringLiteral("1"),
+               QStringLiteral("--output"), path("never.mkv")},
+              environment);
+    QCOMPARE(outcome.status, 1);
+    QVERIFY2(outcome.err.contains(QStringLiteral("is not installed")), qPrintable(outcome.err));
+}
+
+void tst_xqosd::logFile()
+{
+    const Outcome outcome
+        = run({QStringLiteral("record"), QStringLiteral("--source"), QStringLiteral("test"),
+               QStringLiteral("--size"), QStringLiteral("320x240"), QStringLiteral("--duration"),
+               QStringLiteral("0.2"), QStringLiteral("--log"), path("run.log"),
+               QStringLiteral("--output"), path("log.mkv")});
+    QCOMPARE(outcome.status, 0);
+    QVERIFY(QFileInfo::exists(path("run.log")));
+}
+
+QTEST_GUILESS_MAIN(tst_xqosd)
+#include "tst_xqosd.moc"
