@@ -1,0 +1,93 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "host/video/BurnElement.h"
+
+#include <benchmark/benchmark.h>
+
+#include <gst/gst.h>
+
+#include <QGuiApplication>
+
+#include <algorithm>
+#include <cstdio>
+#include <limits>
+#include <map>
+#include <string>
+
+namespace {
+
+/// Prints what the console reporter prints, and keeps the medians for the table at the end.
+class MedianReporter : public benchmark::ConsoleReporter
+{
+public:
+    MedianReporter()
+        : benchmark::ConsoleReporter(OO_Tabular)
+    {
+    }
+
+    void ReportRuns(const std::vector<Run> &runs) override
+    {
+        benchmark::ConsoleReporter::ReportRuns(runs);
+        for (const Run &run : runs) {
+            if (run.aggregate_name == "median" && !run.error_occurred)
+                m_medians[run.run_name.function_name + '/' + run.run_name.args]
+                    = run.GetAdjustedRealTime();
+        }
+    }
+
+    void Finalize() override
+    {
+        benchmark::ConsoleReporter::Finalize();
+        std::printf("\nOne value to the finished picture of its text element, us of CPU time:\n\n"
+                    "| box | element | bare QPainter | ratio |\n|---|---|---|---|\n");
+        for (const int alpha : {255, 150}) {
+            const std::string arguments = "box alpha:" + std::to_string(alpha);
+            const double element = median("text/element/" + arguments);
+            const double painter = median("text/painter/" + arguments);
+            std::printf("| %s | %.1f | %.1f | %.1f |\n", alpha == 255 ? "opaque" : "translucent",
+                        element, painter, element / painter);
+        }
+        std::printf(
+            "\nTwelve boxed texts burned into I420 frames, us of CPU time added per frame:\n\n"
+            "| frame | changing | this overlay | textoverlay x 12 | drawtext x 12 | times "
+            "less than the better |\n|---|---|---|---|---|---|\n");
+        for (const int height : {720, 1080}) {
+            for (const int changing : {0, 3, 12}) {
+                const std::string arguments
+                    = "height:" + std::to_string(height) + "/changing:" + std::to_string(changing);
+                const double ours = median("burn/ours/" + arguments);
+                const double textOverlay = median("burn/textoverlay/" + arguments);
+                const double drawText = median("burn/drawtext/" + arguments);
+                std::printf("| %dp | %d | %.1f | %.0f | %.0f | %.1f |\n", height, changing, ours,
+                            textOverlay, drawText, std::min(textOverlay, drawText) / ours);
+            }
+        }
+    }
+
+private:
+    /// NaN where it was not measured.
+    double median(const std::string &name) const
+    {
+        const auto found = m_medians.find(name);
+        return found == m_medians.end() ? std::numeric_limits<double>::quiet_NaN() : found->second;
+    }
+
+    std::map<std::string, double> m_medians;
+};
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    QGuiApplication application(argc, argv);
+    gst_init(&argc, &argv);
+    if (!Velmar::Host::registerBurnElement())
+        return 1;
+    benchmark::Initialize(&argc, argv);
+    if (benchmark::ReportUnrecognizedArguments(argc, argv))
+        return 1;
+    MedianReporter reporter;
+    benchmark::RunSpecifiedBenchmarks(&reporter);
+    benchmark::Shutdown();
+    return 0;
+}

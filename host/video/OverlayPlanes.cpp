@@ -1,0 +1,445 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "host/video/OverlayPlanes.h"
+
+#include <libyuv/convert_from_argb.h>
+#include <libyuv/planar_functions.h>
+#include <libyuv/scale_argb.h>
+
+#include <algorithm>
+#include <cstring>
+
+namespace Velmar::Host {
+
+namespace {
+
+/// Rows of planes start at multiples of this, which suits every vector unit.
+constexpr int alignment = 32;
+
+/// Two bands become one when that blends at most so many transparent chroma samples more: a call
+/// costs about as much as they do.
+constexpr int samplesPerCall = 64;
+
+int aligned(int bytes)
+{
+    return (bytes + alignment - 1) / alignment * alignment;
+}
+
+/// Weights of red, green and blue in 256ths, rounded so that gray stays exactly gray: the luma
+/// weights sum up to the range of the luma (220 of 256 limited, 256 full), the others to 0.
+struct Weights
+{
+    std::uint16_t yRed, yGreen, yBlue;
+    std::uint16_t yOffset; ///< black level and the half that rounds
+    std::int16_t uRed, uGreen, uBlue;
+    std::int16_t vRed, vGreen, vBlue;
+};
+
+constexpr std::uint16_t limitedOffset = 16 * 256 + 128;
+constexpr std::uint16_t fullOffset = 128;
+
+/// 128, with half a step less than would round exactly: so 255.5 does not wrap round to 0.
+constexpr std::uint16_t chromaOffset = 128 * 256 + 127;
+
+constexpr Weights bt601Limited {66, 129, 25, limitedOffset, -38, -74, 112, 112, -94, -18};
+constexpr Weights bt601Full {77, 150, 29, fullOffset, -43, -85, 128, 128, -107, -21};
+constexpr Weights bt709Limited {47, 157, 16, limitedOffset, -26, -86, 112, 112, -102, -10};
+constexpr Weights bt709Full {54, 183, 19, fullOffset, -29, -99, 128, 128, -116, -12};
+
+const Weights &weightsFor(PlanarFrame::Matrix matrix, PlanarFrame::Range range)
+{
+    const bool limited = range == PlanarFrame::Range::Limited;
+    if (matrix == PlanarFrame::Matrix::Bt601)
+        return limited ? bt601Limited : bt601Full;
+    return limited ? bt709Limited : bt709Full;
+}
+
+// The two row conversions below stand here because libyuv converts from RGB with the BT.601 matrix
+// only. All sums fit 16 bits without a sign (luma up to 256 * 255 + 128, chroma from 255 to 65535),
+// which lets compilers turn each loop into vector code that handles eight pixels at a time or more.
+
+/// Luma of @p count BGRA pixels.
+void lumaRow(const std::uint8_t *__restrict bgra, std::uint8_t *__restrict luma, int count,
+             const Weights &weights)
+{
+    const Weights w = weights;
+    for (int i = 0; i < count; ++i) {
+        const auto blue = std::uint16_t(bgra[4 * i] * w.yBlue);
+        const auto green = std::uint16_t(bgra[4 * i + 1] * w.yGreen);
+        const auto red = std::uint16_t(bgra[4 * i + 2] * w.yRed);
+        luma[i] = std::uint8_t(std::uint16_t(blue + green + red + w.yOffset) >> 8);
+    }
+}
+
+/// U and V of @p count BGRA pixels.
+void chromaRow(const std::uint8_t *__restrict bgra, std::uint8_t *__restrict u,
+               std::uint8_t *__restrict v, int count, const Weights &weights)
+{
+    const Weights w = weights;
+    for (int i = 0; i < count; ++i) {
+        const std::int16_t blue = bgra[4 * i];
+        const std::int16_t green = bgra[4 * i + 1];
+        const std::int16_t red = bgra[4 * i + 2];
+        const auto uSum
+            = std::uint16_t(blue * w.uBlue + green * w.uGreen + red * w.uRed + chromaOffset);
+        const auto vSum
+            = std::uint16_t(blue * w.vBlue + green * w.vGreen + red * w.vRed + chromaOffset);
+        u[i] = std::uint8_t(uSum >> 8);
+        v[i] = std::uint8_t(vSum >> 8);
+    }
+}
+
+void multiplyRow(std::uint8_t *values, int count, int factor)
+{
+    for (int i = 0; i < count; ++i)
+        values[i] = std::uint8_t((values[i] * factor + 127) / 255);
+}
+
+} // namespace
+
+QRect visibleRect(const OverlayItem &item, const QRect &clip, QSize frame)
+{
+    if (item.opacity <= 0)
+        return QRect();
+    const QRect visible = QRect(item.position, item.image.size()) & QRect(QPoint(0, 0), frame);
+    return clip.isNull() ? visible : visible & clip;
+}
+
+bool OverlayPlanes::Form::operator==(const Form &other) const
+{
+    return revision == other.revision && part == other.part && oddX == other.oddX
+        && oddY == other.oddY && frameEndsX == other.frameEndsX && frameEndsY == other.frameEndsY
+        && opacity == other.opacity && layout == other.layout && matrix == other.matrix
+        && range == other.range;
+}
+
+OverlayPlanes::Form OverlayPlanes::formFor(const OverlayItem &item, const QRect &visible,
+                                           const PlanarFrame &frame)
+{
+    Form form;
+    form.revision = item.revision;
+    form.part = visible.translated(-item.position);
+    form.oddX = visible.x() & 1;
+    form.oddY = visible.y() & 1;
+    form.frameEndsX = (frame.width & 1) && visible.right() == frame.width - 1;
+    form.frameEndsY = (frame.height & 1) && visible.bottom() == frame.height - 1;
+    form.opacity = std::min(item.opacity, 255);
+    form.layout = frame.layout;
+    form.matrix = frame.matrix;
+    form.range = frame.range;
+    return form;
+}
+
+const OverlayPlanes::Form &OverlayPlanes::form() const
+{
+    return m_form;
+}
+
+void OverlayPlanes::prepare(const QImage &image, const Form &form, Scratch &scratch)
+{
+    m_form = form;
+    allocate();
+    convertLuma(image);
+    padAlpha();
+    convertChroma(image, scratch);
+    applyOpacity();
+    findBands();
+}
+
+void OverlayPlanes::allocate()
+{
+    m_chromaSize = QSize((m_form.oddX + m_form.part.width() + 1) / 2,
+                         (m_form.oddY + m_form.part.height() + 1) / 2);
+    const bool interleaved = m_form.layout == PlanarFrame::Layout::NV12;
+    m_stride = aligned(m_chromaSize.width() * 2);
+    m_chromaStride = interleaved ? m_stride : aligned(m_chromaSize.width());
+
+    const size_t luma = size_t(m_stride) * size_t(m_chromaSize.height()) * 2;
+    const size_t chroma = size_t(m_chromaStride) * size_t(m_chromaSize.height());
+    m_memory.resize(2 * luma + 3 * chroma);
+    m_luma = m_memory.data();
+    m_alpha = m_luma + luma;
+    m_chroma[0] = m_alpha + luma;
+    m_chroma[1] = m_chroma[0] + chroma;
+    m_chromaAlpha = m_chroma[1] + chroma;
+}
+
+void OverlayPlanes::convertLuma(const QImage &image)
+{
+    const Weights &weights = weightsFor(m_form.matrix, m_form.range);
+    const QRect &part = m_form.part;
+    const std::uint8_t *pixels = image.constBits() + part.y() * image.bytesPerLine() + part.x() * 4;
+    const int offset = m_form.oddY * m_stride + m_form.oddX;
+    for (int y = 0; y < part.height(); ++y)
+        lumaRow(pixels + y * image.bytesPerLine(), m_luma + offset + y * m_stride, part.width(),
+                weights);
+    libyuv::ARGBExtractAlpha(pixels, image.bytesPerLine(), m_alpha + offset, m_stride, part.width(),
+                             part.height());
+}
+
+/// What lies beside the part, up to the chroma grid, is transparent. Only at the edge of a frame
+/// with an odd number of pixels the part is continued, for nothing lies beside it there.
+void OverlayPlanes::padAlpha()
+{
+    const QRect part(m_form.oddX, m_form.oddY, m_form.part.width(), m_form.part.height());
+    const int width = m_chromaSize.width() * 2;
+    const int height = m_chromaSize.height() * 2;
+    for (int y = part.top(); y <= part.bottom(); ++y) {
+        std::uint8_t *row = m_alpha + y * m_stride;
+        if (part.left() > 0)
+            row[0] = 0;
+        if (part.right() + 1 < width)
+            row[width - 1] = m_form.frameEndsX ? row[width - 2] : 0;
+    }
+    if (part.top() > 0)
+        std::memset(m_alpha, 0, size_t(width));
+    if (part.bottom() + 1 < height) {
+        std::uint8_t *last = m_alpha + (height - 1) * m_stride;
+        if (m_form.frameEndsY)
+            std::memcpy(last, last - m_stride, size_t(width));
+        else
+            std::memset(last, 0, size_t(width));
+    }
+
+    const std::uint8_t *alpha = m_alpha + part.y() * m_stride + part.x();
+    m_opaque = true;
+    for (int y = 0; m_opaque && y < part.height(); ++y, alpha += m_stride)
+        m_opaque
+            = std::all_of(alpha, alpha + part.width(), [](std::uint8_t a) { return a == 255; });
+}
+
+/// Averages 2 x 2 pixels, each with the weight of its alpha: the colour of a transparent pixel (the
+/// ground of a text is green) must not tint its neighbours.
+void OverlayPlanes::convertChroma(const QImage &image, Scratch &scratch)
+{
+    const QRect part(m_form.oddX, m_form.oddY, m_form.part.width(), m_form.part.height());
+    const int columns = m_chromaSize.width();
+    const int rows = m_chromaSize.height();
+    const int width = columns * 2;
+    const int height = rows * 2;
+    const int stride = aligned(width * 4);
+    const int halfStride = aligned(columns * 4);
+    const int planeStride = aligned(columns);
+    const size_t full = size_t(stride) * size_t(height);
+    const size_t half = size_t(halfStride) * size_t(rows);
+    const size_t plane = size_t(planeStride) * size_t(rows);
+    if (scratch.size() < full + half + 3 * plane)
+        scratch.resize(full + half + 3 * plane);
+    std::uint8_t *const padded = scratch.data();
+    std::uint8_t *const averaged = padded + full;
+
+    // Multiplied by alpha, averaged, divided again. Where everything is opaque the plain average is
+    // the same thing, as long as the padding has the colour of its neighbours.
+    const std::uint8_t *pixels
+        = image.constBits() + m_form.part.y() * image.bytesPerLine() + m_form.part.x() * 4;
+    std::uint8_t *const inside = padded + part.y() * stride + part.x() * 4;
+    if (m_opaque)
+        libyuv::ARGBCopy(pixels, image.bytesPerLine(), inside, stride, part.width(), part.height());
+    else
+        libyuv::ARGBAttenuate(pixels, image.bytesPerLine(), inside, stride, part.width(),
+                              part.height());
+
+    const auto pad = [this](std::uint8_t *to, const std::uint8_t *from, int count, bool frameEnds) {
+        if (m_opaque || frameEnds)
+            std::memcpy(to, from, size_t(count) * 4);
+        else
+            std::memset(to, 0, size_t(count) * 4);
+        for (int i = 0; m_opaque && !frameEnds && i < count; ++i)
+            to[4 * i + 3] = 0;
+    };
+    for (int y = part.top(); y <= part.bottom(); ++y) {
+        std::uint8_t *row = padded + y * stride;
+        if (part.left() > 0)
+            pad(row, row + 4, 1, false);
+        if (part.right() + 1 < width)
+            pad(row + (width - 1) * 4, row + (width - 2) * 4, 1, m_form.frameEndsX);
+    }
+    if (part.top() > 0)
+        pad(padded, padded + stride, width, false);
+    if (part.bottom() + 1 < height)
+        pad(padded + (height - 1) * stride, padded + (height - 2) * stride, width,
+            m_form.frameEndsY);
+
+    libyuv::ARGBScale(padded, stride, width, height, averaged, halfStride, columns, rows,
+                      libyuv::kFilterBox);
+    if (!m_opaque)
+        libyuv::ARGBUnattenuate(averaged, halfStride, averaged, halfStride, columns, rows);
+
+    const bool interleaved = m_form.layout == PlanarFrame::Layout::NV12;
+    std::uint8_t *const u = interleaved ? averaged + half : m_chroma[0];
+    std::uint8_t *const v = interleaved ? u + plane : m_chroma[1];
+    std::uint8_t *const alpha = interleaved ? v + plane : m_chromaAlpha;
+    const Weights &weights = weightsFor(m_form.matrix, m_form.range);
+    for (int y = 0; y < rows; ++y)
+        chromaRow(averaged + y * halfStride, u + y * planeStride, v + y * planeStride, columns,
+                  weights);
+    libyuv::ARGBExtractAlpha(averaged, halfStride, alpha, planeStride, columns, rows);
+    if (interleaved) {
+        libyuv::MergeUVPlane(u, planeStride, v, planeStride, m_chroma[0], m_chromaStride, columns,
+                             rows);
+        libyuv::MergeUVPlane(alpha, planeStride, alpha, planeStride, m_chromaAlpha, m_chromaStride,
+                             columns, rows);
+    }
+}
+
+void OverlayPlanes::applyOpacity()
+{
+    if (m_form.opacity >= 255)
+        return;
+    const int chromaBytes = m_form.layout == PlanarFrame::Layout::NV12 ? 2 * m_chromaSize.width()
+                                                                       : m_chromaSize.width();
+    for (int y = 0; y < m_chromaSize.height(); ++y) {
+        multiplyRow(m_alpha + 2 * y * m_stride, 2 * m_chromaSize.width(), m_form.opacity);
+        multiplyRow(m_alpha + (2 * y + 1) * m_stride, 2 * m_chromaSize.width(), m_form.opacity);
+        multiplyRow(m_chromaAlpha + y * m_chromaStride, chromaBytes, m_form.opacity);
+    }
+}
+
+OverlayPlanes::Band OverlayPlanes::bandOfRow(int row) const
+{
+    // One chroma sample of the row as the four luma alphas that it covers: two from each of two
+    // rows.
+    const std::uint8_t *upper = m_alpha + 2 * row * m_stride;
+    const std::uint8_t *lower = upper + m_stride;
+    const auto both = [upper, lower](int sample, auto combine) {
+        std::uint16_t above;
+        std::uint16_t below;
+        std::memcpy(&above, upper + 2 * sample, 2);
+        std::memcpy(&below, lower + 2 * sample, 2);
+        return combine(above, below);
+    };
+    const auto fourOf = [upper, lower](int sample, std::uint64_t *above, std::uint64_t *below) {
+        std::memcpy(above, upper + 2 * sample, 8);
+        std::memcpy(below, lower + 2 * sample, 8);
+    };
+    const auto visible = [&](int sample) {
+        return both(sample, [](std::uint16_t a, std::uint16_t b) { return (a | b) != 0; });
+    };
+    const auto opaque = [&](int sample) {
+        return both(sample, [](std::uint16_t a, std::uint16_t b) { return (a & b) == 0xffff; });
+    };
+
+    Band band;
+    band.top = row;
+    band.bottom = row + 1;
+    int left = 0;
+    int right = m_chromaSize.width();
+    while (left < right && !visible(left))
+        ++left;
+    while (right > left && !visible(right - 1))
+        --right;
+    band.left = left;
+    band.right = right;
+
+    while (left < right && !opaque(left))
+        ++left;
+    int end = left;
+    while (end + 4 <= right) {
+        std::uint64_t above;
+        std::uint64_t below;
+        fourOf(end, &above, &below);
+        if ((above & below) != ~std::uint64_t(0))
+            break;
+        end += 4;
+    }
+    while (end < right && opaque(end))
+        ++end;
+    // Two calls more pay off for a long run only.
+    if (end - left > samplesPerCall) {
+        band.opaqueLeft = left;
+        band.opaqueRight = end;
+    }
+    return band;
+}
+
+void OverlayPlanes::findBands()
+{
+    m_bands.clear();
+    for (int row = 0; row < m_chromaSize.height(); ++row) {
+        const Band next = bandOfRow(row);
+        if (next.left == next.right)
+            continue;
+        if (!m_bands.empty()) {
+            Band &last = m_bands.back();
+            const int left = std::min(last.left, next.left);
+            const int right = std::max(last.right, next.right);
+            const int more = (right - left) * (next.bottom - last.top)
+                - (last.right - last.left) * (last.bottom - last.top) - (next.right - next.left);
+            if (last.opaqueLeft == next.opaqueLeft && last.opaqueRight == next.opaqueRight
+                && more <= samplesPerCall) {
+                last.bottom = next.bottom;
+                last.left = left;
+                last.right = right;
+                continue;
+            }
+        }
+        m_bands.push_back(next);
+    }
+}
+
+void OverlayPlanes::blend(const PlanarFrame &frame, QPoint topLeft) const
+{
+    const QPoint origin = topLeft - QPoint(m_form.oddX, m_form.oddY);
+    for (const Band &band : m_bands) {
+        if (band.opaqueLeft == band.opaqueRight) {
+            blendColumns(frame, origin, band, band.left, band.right);
+            continue;
+        }
+        blendColumns(frame, origin, band, band.left, band.opaqueLeft);
+        copyColumns(frame, origin, band, band.opaqueLeft, band.opaqueRight);
+        blendColumns(frame, origin, band, band.opaqueRight, band.right);
+    }
+}
+
+// BlendPlane rounds so that alpha 255 gives exactly the overlay and alpha 0 exactly the frame.
+void OverlayPlanes::blendColumns(const PlanarFrame &frame, QPoint origin, const Band &band,
+                                 int left, int right) const
+{
+    if (left == right)
+        return;
+    // Luma of the padding is not there in a frame with an odd size.
+    const QRect part(m_form.oddX, m_form.oddY, m_form.part.width(), m_form.part.height());
+    const QRect luma
+        = part & QRect(2 * left, 2 * band.top, 2 * (right - left), 2 * (band.bottom - band.top));
+    const int from = luma.y() * m_stride + luma.x();
+    std::uint8_t *to
+        = frame.planes[0] + (origin.y() + luma.y()) * frame.strides[0] + origin.x() + luma.x();
+    libyuv::BlendPlane(m_luma + from, m_stride, to, frame.strides[0], m_alpha + from, m_stride, to,
+                       frame.strides[0], luma.width(), luma.height());
+
+    const bool interleaved = m_form.layout == PlanarFrame::Layout::NV12;
+    const int bytes = interleaved ? 2 : 1;
+    const int chromaFrom = band.top * m_chromaStride + left * bytes;
+    for (int plane = 0; plane < (interleaved ? 1 : 2); ++plane) {
+        const int stride = frame.strides[plane + 1];
+        std::uint8_t *chroma = frame.planes[plane + 1] + (origin.y() / 2 + band.top) * stride
+            + (origin.x() / 2 + left) * bytes;
+        libyuv::BlendPlane(m_chroma[plane] + chromaFrom, m_chromaStride, chroma, stride,
+                           m_chromaAlpha + chromaFrom, m_chromaStride, chroma, stride,
+                           (right - left) * bytes, band.bottom - band.top);
+    }
+}
+
+void OverlayPlanes::copyColumns(const PlanarFrame &frame, QPoint origin, const Band &band, int left,
+                                int right) const
+{
+    const QRect part(m_form.oddX, m_form.oddY, m_form.part.width(), m_form.part.height());
+    const QRect luma
+        = part & QRect(2 * left, 2 * band.top, 2 * (right - left), 2 * (band.bottom - band.top));
+    libyuv::CopyPlane(m_luma + luma.y() * m_stride + luma.x(), m_stride,
+                      frame.planes[0] + (origin.y() + luma.y()) * frame.strides[0] + origin.x()
+                          + luma.x(),
+                      frame.strides[0], luma.width(), luma.height());
+
+    const bool interleaved = m_form.layout == PlanarFrame::Layout::NV12;
+    const int bytes = interleaved ? 2 : 1;
+    for (int plane = 0; plane < (interleaved ? 1 : 2); ++plane) {
+        const int stride = frame.strides[plane + 1];
+        libyuv::CopyPlane(m_chroma[plane] + band.top * m_chromaStride + left * bytes,
+                          m_chromaStride,
+                          frame.planes[plane + 1] + (origin.y() / 2 + band.top) * stride
+                              + (origin.x() / 2 + left) * bytes,
+                          stride, (right - left) * bytes, band.bottom - band.top);
+    }
+}
+
+} // namespace Velmar::Host
