@@ -68,6 +68,7 @@ if(TARGET xqosd)
     set_target_properties(xqosd PROPERTIES INSTALL_RPATH "$ORIGIN/${XQ_LIBRARIES_FROM_PROGRAM}")
     install(TARGETS xqosd RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}")
     if(EXISTS "${PROJECT_SOURCE_DIR}/data/demo")
-        install(DIRECTORY data/demo DESTINATION "${CMAKE_INSTALL_DATADIR}/xqosd")
+        install(DIRECTORY data/demo DESTINATION "${CMAKE_INSTALL_DATADIR}/xqosd"
+            FILES_MATCHING PATTERN "*.csv" PATTERN "*.png")
     endif()
 endif()

@@ -1,0 +1,44 @@
+# SPDX-License-Identifier: Apache-2.0
+# Shell functions of ./run and ./test; read with "." from the repository's root.
+
+# Programs read and write UTF-8 and need no display, whatever the machine is set to.
+export LC_ALL=C.UTF-8
+export QT_QPA_PLATFORM="${QT_QPA_PLATFORM:-offscreen}"
+
+say()
+{
+    printf '==> %s\n' "$*"
+}
+
+# Configures a preset where that is needed: the build itself notices changes of CMake files, but
+# neither other options, nor changed presets, nor that the repository was moved.
+configure() # PRESET [OPTION...]
+{
+    preset=$1
+    shift
+    dir=build/$preset
+    stamp="$dir/configured-with"
+    if [ -f "$dir/build.ninja" ] && [ "$stamp" -nt CMakePresets.json ] \
+        && [ "$(cat "$stamp")" = "$PWD $*" ]; then
+        return 0
+    fi
+    say "Configuring preset $preset"
+    if [ -f "$stamp" ] && [ "$(cut -d ' ' -f 1 "$stamp")" = "$PWD" ]; then
+        cmake --preset "$preset" "$@"
+    else
+        cmake --fresh --preset "$preset" "$@"
+    fi
+    echo "$PWD $*" >"$stamp"
+}
+
+build() # PRESET [TARGET...]
+{
+    preset=$1
+    shift
+    say "Building preset $preset"
+    if [ $# -gt 0 ]; then
+        cmake --build "build/$preset" --parallel "$(nproc)" --target "$@"
+    else
+        cmake --build "build/$preset" --parallel "$(nproc)"
+    fi
+}
