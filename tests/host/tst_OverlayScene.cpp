@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/display/OverlayScene.h"
 
+#include "tests/support/LoggedTest.h"
+
 #include <videooverlay/display/CVideoOverlayCapabilities.h>
 #include <videooverlay/display/CVideoOverlayControl.h>
 #include <videooverlay/display/VideoOverlaySettings.h>
@@ -60,7 +62,7 @@ QVector<int> shownIds(const OverlayScene &scene)
 
 } // namespace
 
-class tst_OverlayScene : public QObject
+class tst_OverlayScene : public Velmar::Test::LoggedTest
 {
     Q_OBJECT
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/OverlaySession.h"
 #include "host/display/GridFit.h"
+#include "tests/support/LoggedTest.h"
 
 #include <QDir>
 #include <QFile>
@@ -49,7 +50,7 @@ QString picturePath(const QTemporaryDir &directory)
 
 } // namespace
 
-class tst_OverlaySession : public QObject
+class tst_OverlaySession : public Velmar::Test::LoggedTest
 {
     Q_OBJECT
 
