@@ -308,14 +308,14 @@ void PipeRunRenderer::drawMetre(int metre)
             const float pore = pores.at(turns);
             const float frayed = fray.at(turns);
 
-            Texel texel {158.0F + tone + 14.0F * cloud + 11.0F * patch + 7.0F * streak
-                             + 11.0F * pore,
-                         -9.0F - 2.0F * cloud, 8.0F + 2.0F * patch};
-            if (pore < -0.72F)
-                texel.luma -= 32.0F;
+            Texel texel {142.0F + tone + 15.0F * cloud + 13.0F * patch + 9.0F * streak
+                             + 13.0F * pore + 7.0F * frayed,
+                         -8.0F - 2.0F * cloud, 6.0F + 2.0F * patch};
+            texel.luma -= 30.0F * ramp(0.62F, 1.05F, -pore - 0.25F * frayed);
 
             // Stains where the pattern of patches is strongest.
-            texel.mix(0.45F * ramp(0.25F, 0.75F, patch + 0.5F * cloud), 92.0F, -22.0F, 13.0F);
+            texel.mix(0.50F * ramp(0.20F, 0.85F, patch + 0.5F * cloud + 0.18F * frayed),
+                      84.0F + 12.0F * pore, -15.0F, 10.0F);
 
             // The sole: higher water has left a dark, slimy band with a pale line on top.
             const float fromSole = turnsBetween(turns, WaterCentre);
@@ -380,7 +380,8 @@ void PipeRunRenderer::drawMetre(int metre)
                 // What drips out of it has stained the wall below.
                 const float below
                     = fromSole > 0.0F ? turnsBetween(centre, turns) : turnsBetween(turns, centre);
-                if (r > 1.1F && below > 0.0F && height > WaterHalfWidth) {
+                const bool sameSide = (fromSole > 0.0F) == (centre > 0.5F);
+                if (r > 1.1F && sameSide && below > 0.0F) {
                     const float wet = ramp(0.05F, 0.02F, std::abs(y) + 0.012F * streak);
                     texel.mix(0.5F * wet, 78.0F + 25.0F * streak, -18.0F, 10.0F);
                 }
@@ -390,7 +391,7 @@ void PipeRunRenderer::drawMetre(int metre)
             const float water = fromSole < 0.0F ? waterLeft : waterRight;
             const float wet = ramp(water + 0.002F, water - 0.002F, height);
             const float bank = ramp(0.008F, 0.001F, std::abs(height - water));
-            texel.mix(0.88F * wet, 62.0F + 12.0F * cloud + 5.0F * streak, -13.0F, 2.0F);
+            texel.mix(0.90F * wet, 44.0F + 9.0F * cloud + 5.0F * streak, -8.0F, 2.0F);
             texel.mix(0.5F * bank, 150.0F, -7.0F, 4.0F);
 
             luma[std::size_t(row) * AngleCount + std::size_t(column)] = toByte(texel.luma);
@@ -443,11 +444,11 @@ PipeRunRenderer::Node PipeRunRenderer::castRay(const Camera &camera, double x, d
 
     // The lamps sit around the lens: the beam follows the view, and what it lights falls off with
     // the distance, less than with its square because the exposure and the wall's gloss help.
-    const float beam = 0.50F + 0.50F * std::exp(-2.2F * (sx * sx + sy * sy));
+    const float beam = 0.36F + 0.64F * std::exp(-1.7F * (sx * sx + sy * sy));
     const float falloff = 1.0F / (1.0F + std::pow(range / 0.85F, 1.9F));
     const float end = 1.0F - ramp(0.55F * sight, sight, reach);
     const float light
-        = 1.34F * beam * falloff * (0.15F + 0.85F * end) * (reach >= sight ? 0.6F : 1.0F);
+        = 1.36F * beam * falloff * (0.15F + 0.85F * end) * (reach >= sight ? 0.6F : 1.0F);
 
     Node node;
     const double turns = double(std::atan2(wallX, wallY)) / (2.0 * Pi);
@@ -550,13 +551,54 @@ void PipeRunRenderer::fillPixels(const Target &target, int x, int y, int size, c
     const std::uint8_t *const texture = m_luma[std::size_t(level)].data();
 
     // Only where the block touches the flow is there anything to glint.
-    const auto fromSole = [](const Node &node) {
-        return std::abs(std::int64_t(std::int32_t(node.angle - 0x80000000U)));
-    };
+    const auto fromSole
+        = [](const Node &node) { return std::abs(between(0x80000000U, node.angle)); };
     constexpr auto FlowEdge = std::int64_t(double(WaterHalfWidth) * 4294967296.0);
     const bool flow = std::min({fromSole(topLeft), fromSole(topRight), fromSole(bottomLeft),
                                 fromSole(bottomRight)})
         < FlowEdge + (FlowEdge >> 2);
+
+    // Reflectance times light, with the mirrored lamps but without noise.
+    const auto sample = [&](std::uint32_t u, std::uint32_t v, std::uint32_t l) {
+        const std::uint32_t column = u >> AngleShift;
+        const std::uint32_t nextColumn = (column + 1) & (AngleCount - 1);
+        const std::uint32_t line = v >> rowShift;
+        const std::uint8_t *const a = texture + std::size_t(line) * AngleCount;
+        const std::uint8_t *const b = texture + std::size_t((line + 1) & rowMask) * AngleCount;
+        const int fu = int(u >> (AngleShift - 8) & 255);
+        const int fv = int(v >> (rowShift - 8) & 255);
+        const int p = a[column] * (256 - fu) + a[nextColumn] * fu;
+        const int q = b[column] * (256 - fu) + b[nextColumn] * fu;
+        int value = (p * (256 - fv) + q * fv) >> 16;
+        if (flow) {
+            const std::int64_t off = std::abs(between(0x80000000U, u));
+            if (off < FlowEdge) {
+                // Where the crests of both layers meet, the lamps are mirrored.
+                constexpr std::uint32_t Mask = RipplesSize - 1;
+                const std::uint32_t across = u >> (AngleShift - 1);
+                const std::uint32_t along = v >> 20;
+                const std::uint32_t first = (along + target.ripplesA) & Mask;
+                const std::uint32_t second = (along * 2 + target.ripplesB) & Mask;
+                const int crest = m_ripples[first << RipplesBits | (across & Mask)]
+                    + m_ripples[second << RipplesBits | ((across + along) & Mask)] - 318;
+                if (crest > 0)
+                    value += std::min(crest * int((FlowEdge - off) >> 20) >> 5, 230);
+            }
+        }
+        // The light may come out just below zero, since the slopes are rounded.
+        return std::min(value * (std::int32_t(l) >> 8) >> 8, ToneCount - 1);
+    };
+    const auto shown = [&target](int value, std::int8_t noise) {
+        return target.tone[std::size_t(value + noise + NoiseMargin)];
+    };
+
+    // Where the wall is so near that texels are larger than pixels, every second pixel is as good
+    // as the mean of its neighbours.
+    const auto angleStep = std::max(std::abs(between(topLeft.angle, topRight.angle)),
+                                    std::abs(between(bottomLeft.angle, bottomRight.angle)))
+        / size;
+    const bool magnified = !flow && level == 0 && width % 2 == 0 && step <= (1U << RowShift) * 3 / 4
+        && angleStep <= (1 << AngleShift) * 3 / 4;
 
     std::uint32_t dice = hash(target.noiseKey + std::uint32_t(y) * 9176U + std::uint32_t(x));
     for (int row = 0; row < height; ++row) {
@@ -567,40 +609,24 @@ void PipeRunRenderer::fillPixels(const Target &target, int x, int y, int size, c
         const std::int8_t *noise = m_noise.data() + (dice >> 8) % (NoiseCount - BlockSize);
         std::uint8_t *out = frame.planes[0] + std::ptrdiff_t(y + row) * frame.strides[0] + x;
 
-        for (int i = 0; i < width; ++i) {
-            const std::uint32_t column = u >> AngleShift;
-            const std::uint32_t nextColumn = (column + 1) & (AngleCount - 1);
-            const std::uint32_t line = v >> rowShift;
-            const std::uint8_t *const a = texture + std::size_t(line) * AngleCount;
-            const std::uint8_t *const b = texture + std::size_t((line + 1) & rowMask) * AngleCount;
-            const int fu = int(u >> (AngleShift - 8) & 255);
-            const int fv = int(v >> (rowShift - 8) & 255);
-            const int p = a[column] * (256 - fu) + a[nextColumn] * fu;
-            const int q = b[column] * (256 - fu) + b[nextColumn] * fu;
-            int value = (p * (256 - fv) + q * fv) >> 16;
-            if (flow) {
-                const std::int64_t off = std::abs(std::int64_t(std::int32_t(u - 0x80000000U)));
-                if (off < FlowEdge) {
-                    // Where the crests of both layers meet, the lamps are mirrored.
-                    const std::uint32_t across = u >> (AngleShift - 1);
-                    const std::uint32_t along = v >> 20;
-                    const int r1
-                        = m_ripples[((along + target.ripplesA) & (RipplesSize - 1)) << RipplesBits
-                                    | (across & (RipplesSize - 1))];
-                    const int r2 = m_ripples[((along * 2 + target.ripplesB) & (RipplesSize - 1))
-                                                 << RipplesBits
-                                             | ((across + along) & (RipplesSize - 1))];
-                    const int crest = r1 + r2 - 300;
-                    const int shade = int((FlowEdge - off) >> 20);
-                    if (crest > 0)
-                        value += std::min(crest * shade >> 6, 190);
-                }
+        if (magnified) {
+            int value = sample(u, v, l);
+            for (int i = 0; i < width; i += 2) {
+                u += 2 * angle.slope;
+                v += 2 * depth.slope;
+                l += 2 * light.slope;
+                const int next = sample(u, v, l);
+                out[i] = shown(value, noise[i]);
+                out[i + 1] = shown((value + next) >> 1, noise[i + 1]);
+                value = next;
             }
-            value = std::min(int(value * (l >> 8)) >> 8, ToneCount - 1) + noise[i];
-            out[i] = target.tone[std::size_t(value + NoiseMargin)];
-            u += angle.slope;
-            v += depth.slope;
-            l += light.slope;
+        } else {
+            for (int i = 0; i < width; ++i) {
+                out[i] = shown(sample(u, v, l), noise[i]);
+                u += angle.slope;
+                v += depth.slope;
+                l += light.slope;
+            }
         }
         angle.nextRow();
         depth.nextRow();
@@ -624,7 +650,7 @@ void PipeRunRenderer::fillPixels(const Target &target, int x, int y, int size, c
             const std::uint16_t both
                 = m_chroma[std::size_t(v >> ChromaRowShift) << (AngleBits - ChromaShift)
                            | (u >> (AngleShift + ChromaShift))];
-            const int gain = int(std::min(l, 65536U) >> 8);
+            const int gain = std::clamp(std::int32_t(l), 0, 65536) >> 8;
             *blue = std::uint8_t(128 + ((int(both & 255) - 128) * gain >> 8));
             *red = std::uint8_t(128 + ((int(both >> 8) - 128) * gain >> 8));
             blue += step2;

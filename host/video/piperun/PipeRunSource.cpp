@@ -16,7 +16,7 @@ using ViewFunction = std::function<PipeRunRenderer::View(qint64)>;
 
 namespace {
 
-constexpr guint DefaultSeed = 2; ///< the pipe of the demonstration run
+constexpr guint DefaultSeed = 2;      ///< the pipe of the demonstration run
 constexpr double DefaultSpeed = 0.12; ///< [m/s]
 constexpr int DefaultWidth = 1920;
 constexpr int DefaultHeight = 1080;
@@ -29,10 +29,11 @@ enum Property {
 /// What an element holds besides its GObject part, which knows nothing of constructors.
 struct Source
 {
-    std::mutex mutex; ///< guards the next three, which other threads set or read
+    std::mutex mutex; ///< guards the next four, which other threads set or read
     guint seed = DefaultSeed;
     std::shared_ptr<const ViewFunction> viewAt;
-    GstClockTime known = GST_CLOCK_TIME_NONE; ///< how long the whole stream will be
+    int queryRateN = 0; ///< the frame rate once more, for queries; 0 before there is one
+    int queryRateD = 1;
 
     // The streaming thread's own:
     std::unique_ptr<PipeRunRenderer> renderer;
@@ -95,6 +96,11 @@ gboolean setCaps(GstBaseSrc *base, GstCaps *caps)
     source.info = info;
     source.negotiated = true;
     source.frames = 0;
+    {
+        const std::lock_guard<std::mutex> lock(source.mutex);
+        source.queryRateN = GST_VIDEO_INFO_FPS_N(&info);
+        source.queryRateD = GST_VIDEO_INFO_FPS_D(&info);
+    }
     gst_base_src_set_blocksize(base, guint(GST_VIDEO_INFO_SIZE(&info)));
     return TRUE;
 }
@@ -157,13 +163,17 @@ gboolean isSeekable(GstBaseSrc *)
 gboolean query(GstBaseSrc *base, GstQuery *query)
 {
     if (GST_QUERY_TYPE(query) == GST_QUERY_DURATION) {
-        const Source &source = *cast(base)->d;
+        Source &source = *cast(base)->d;
         GstFormat format = GST_FORMAT_UNDEFINED;
         gst_query_parse_duration(query, &format, nullptr);
         gint buffers = -1;
         g_object_get(base, "num-buffers", &buffers, nullptr);
-        if (format == GST_FORMAT_TIME && buffers >= 0 && source.negotiated) {
-            gst_query_set_duration(query, format, gint64(timeOfFrame(source, guint64(buffers))));
+        const std::lock_guard<std::mutex> lock(source.mutex);
+        if (format == GST_FORMAT_TIME && buffers >= 0 && source.queryRateN > 0) {
+            const guint64 time
+                = gst_util_uint64_scale(guint64(buffers), guint64(source.queryRateD) * GST_SECOND,
+                                        guint64(source.queryRateN));
+            gst_query_set_duration(query, format, gint64(time));
             return TRUE;
         }
     }

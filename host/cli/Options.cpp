@@ -1,0 +1,272 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "host/cli/Options.h"
+
+#include "host/video/EncoderChoice.h"
+
+#include <QCommandLineParser>
+#include <QRegularExpression>
+
+#include <cmath>
+
+namespace Velmar::Host {
+
+namespace {
+
+constexpr int LargestSide = 8192;
+constexpr int SmallestSide = 64;
+constexpr int MostFramesPerSecond = 240;
+constexpr int MostKbit = 400000;
+constexpr double LongestSeconds = 7.0 * 24 * 3600;
+constexpr double NsPerSecond = 1e9;
+
+QString usage()
+{
+    return QStringLiteral("Usage: xqosd COMMAND [OPTIONS]\n"
+                          "\n"
+                          "  record     burns the overlay into a video file\n"
+                          "  snapshot   writes one picture of the overlay\n"
+                          "\n"
+                          "xqosd COMMAND --help lists the options of a command.\n");
+}
+
+bool readSize(const QString &text, QSize *size, QString *error)
+{
+    static const QRegularExpression pattern(QStringLiteral("^([0-9]{1,5})x([0-9]{1,5})$"));
+    const QRegularExpressionMatch match = pattern.match(text);
+    const QSize read(match.captured(1).toInt(), match.captured(2).toInt());
+    if (!match.hasMatch() || qMin(read.width(), read.height()) < SmallestSide
+        || qMax(read.width(), read.height()) > LargestSide) {
+        *error = QStringLiteral("--size: \"%1\" is not WIDTHxHEIGHT with sides of %2 to %3 pixels")
+                     .arg(text)
+                     .arg(SmallestSide)
+                     .arg(LargestSide);
+        return false;
+    }
+    *size = read;
+    return true;
+}
+
+bool readInt(const QString &option, const QString &text, int least, int most, int *value,
+             QString *error)
+{
+    bool ok = false;
+    const int read = text.toInt(&ok);
+    if (!ok || read < least || read > most) {
+        *error = QStringLiteral("--%1: \"%2\" is not a whole number from %3 to %4")
+                     .arg(option, text)
+                     .arg(least)
+                     .arg(most);
+        return false;
+    }
+    *value = read;
+    return true;
+}
+
+enum class Zero {
+    Allowed,
+    Refused,
+};
+
+bool readSeconds(const QString &option, const QString &text, Zero zero, qint64 *ns, QString *error)
+{
+    bool ok = false;
+    const double read = text.toDouble(&ok);
+    if (!ok || !std::isfinite(read) || read < 0 || read > LongestSeconds
+        || (zero == Zero::Refused && read * NsPerSecond < 1)) {
+        *error = QStringLiteral("--%1: \"%2\" is not a number of seconds").arg(option, text);
+        return false;
+    }
+    *ns = std::llround(read * NsPerSecond);
+    return true;
+}
+
+/// The options that a command has, and what came of them.
+class CommandParser
+{
+public:
+    explicit CommandParser(const QString &description)
+    {
+        m_parser.setApplicationDescription(description);
+        // What the program is called with; a bare -h as well.
+        m_parser.addOption(
+            {{QStringLiteral("h"), QStringLiteral("help")}, QStringLiteral("Lists the options.")});
+    }
+
+    void add(const char *name, const char *value, const char *text,
+             const QString &fallback = QString())
+    {
+        m_parser.addOption({QString::fromLatin1(name), QString::fromLatin1(text),
+                            QString::fromLatin1(value), fallback});
+    }
+    void addFlag(const char *name, const char *text)
+    {
+        m_parser.addOption({QString::fromLatin1(name), QString::fromLatin1(text)});
+    }
+
+    bool parse(const QStringList &arguments, QString *error)
+    {
+        if (!m_parser.parse(arguments)) {
+            *error = m_parser.errorText();
+            return false;
+        }
+        if (!m_parser.positionalArguments().isEmpty()) {
+            *error = QStringLiteral("Unexpected argument: %1")
+                         .arg(m_parser.positionalArguments().constFirst());
+            return false;
+        }
+        return true;
+    }
+
+    bool isSet(const char *name) const { return m_parser.isSet(QString::fromLatin1(name)); }
+    QString value(const char *name) const { return m_parser.value(QString::fromLatin1(name)); }
+    QString helpText() const { return m_parser.helpText(); }
+
+private:
+    QCommandLineParser m_parser;
+};
+
+void addCommon(CommandParser &parser)
+{
+    parser.add("source", "SOURCE",
+               "Where the video comes from: a video file, a camera (/dev/video0), \"test\" or "
+               "\"pipe\", a drawn run through a pipe.",
+               QStringLiteral("pipe"));
+    parser.add("output", "FILE", "The file to write.");
+    parser.add("telemetry", "CSV", "Readings for the overlay's texts.");
+    parser.add("picture", "PNG", "A picture to lay over the video.");
+    parser.add("watermark", "PNG", "A watermark to lay over the video.");
+    parser.add("size", "WxH",
+               "Picture size. 1920x1080 for test and pipe; files and cameras keep their own.");
+    parser.add("fps", "N", "Frames per second of test, pipe and cameras.");
+    parser.add("seed", "N", "Which pipe is drawn.", QStringLiteral("1"));
+    parser.add("settings-dir", "DIR", "Where the program keeps its settings.");
+    parser.add("log", "FILE", "Writes the log there.");
+    parser.addFlag("quiet", "Prints errors only.");
+}
+
+bool readCommon(const CommandParser &parser, Options *options, QString *error)
+{
+    options->source = SourceSpec::fromText(parser.value("source"));
+    if (parser.value("source").isEmpty()) {
+        *error = QStringLiteral("--source: is empty");
+        return false;
+    }
+    if (parser.isSet("size") && !readSize(parser.value("size"), &options->source.size, error))
+        return false;
+    if (parser.isSet("fps")) {
+        if (options->source.kind == SourceSpec::Kind::File) {
+            *error = QStringLiteral("--fps: a file keeps its own");
+            return false;
+        }
+        if (!readInt(QStringLiteral("fps"), parser.value("fps"), 1, MostFramesPerSecond,
+                     &options->source.framesPerSecond, error))
+            return false;
+    }
+    bool ok = false;
+    options->source.seed = parser.value("seed").toUInt(&ok);
+    if (!ok) {
+        *error = QStringLiteral("--seed: \"%1\" is not a whole number").arg(parser.value("seed"));
+        return false;
+    }
+    if (!parser.isSet("output") || parser.value("output").isEmpty()) {
+        *error = QStringLiteral("--output is missing");
+        return false;
+    }
+    options->outputPath = parser.value("output");
+    options->telemetryPath = parser.value("telemetry");
+    options->picturePath = parser.value("picture");
+    options->watermarkPath = parser.value("watermark");
+    options->settingsDirectory = parser.value("settings-dir");
+    options->logPath = parser.value("log");
+    options->quiet = parser.isSet("quiet");
+    return true;
+}
+
+bool parseRecord(const QStringList &arguments, Options *options, QString *error)
+{
+    CommandParser parser(QStringLiteral("Burns the overlay into a video file."));
+    addCommon(parser);
+    parser.add("duration", "SECONDS", "Ends the recording there.");
+    parser.add("encoder", "NAME",
+               "GStreamer element that encodes the video; else the best installed one.");
+    parser.add("bitrate", "KBIT", "Constant bit rate [kbit/s]; else constant quality.");
+    parser.add("png", "FILE", "Also writes one frame as a picture.");
+    parser.add("png-at", "SECONDS", "Which frame that is.", QStringLiteral("0"));
+    if (!parser.parse(arguments, error))
+        return false;
+    if (parser.isSet("help")) {
+        options->helpText = parser.helpText();
+        return true;
+    }
+    options->command = Options::Command::Record;
+    if (!readCommon(parser, options, error))
+        return false;
+    Container container;
+    if (!containerFromPath(options->outputPath, &container, error))
+        return false;
+    if (parser.isSet("duration")
+        && !readSeconds(QStringLiteral("duration"), parser.value("duration"), Zero::Refused,
+                        &options->durationNs, error))
+        return false;
+    if (parser.isSet("bitrate")
+        && !readInt(QStringLiteral("bitrate"), parser.value("bitrate"), 1, MostKbit,
+                    &options->bitrateKbit, error))
+        return false;
+    options->encoder = parser.value("encoder").toUtf8();
+    options->pngPath = parser.value("png");
+    if (parser.isSet("png-at") && options->pngPath.isEmpty()) {
+        *error = QStringLiteral("--png-at: --png FILE is missing");
+        return false;
+    }
+    return readSeconds(QStringLiteral("png-at"), parser.value("png-at"), Zero::Allowed,
+                       &options->pngAtNs, error);
+}
+
+bool parseSnapshot(const QStringList &arguments, Options *options, QString *error)
+{
+    CommandParser parser(QStringLiteral("Writes one picture of the overlay."));
+    addCommon(parser);
+    parser.add("at", "SECONDS", "The moment that is shown.", QStringLiteral("0"));
+    parser.addFlag("transparent", "Shows the overlay alone, without a frame of the source.");
+    if (!parser.parse(arguments, error))
+        return false;
+    if (parser.isSet("help")) {
+        options->helpText = parser.helpText();
+        return true;
+    }
+    options->command = Options::Command::Snapshot;
+    options->transparent = parser.isSet("transparent");
+    return readCommon(parser, options, error)
+        && readSeconds(QStringLiteral("at"), parser.value("at"), Zero::Allowed, &options->atNs,
+                       error);
+}
+
+} // namespace
+
+bool parseOptions(const QStringList &arguments, Options *options, QString *error)
+{
+    if (arguments.size() < 2) {
+        *error = QStringLiteral("No command given; xqosd --help lists them");
+        return false;
+    }
+    const QString command = arguments.at(1);
+    // The parser takes its first argument for the program's name, which help shows.
+    const QStringList rest = QStringList(QStringLiteral("xqosd ") + command) + arguments.mid(2);
+    if (command == QLatin1String("record"))
+        return parseRecord(rest, options, error);
+    if (command == QLatin1String("snapshot"))
+        return parseSnapshot(rest, options, error);
+    if (command == QLatin1String("--help") || command == QLatin1String("-h")
+        || command == QLatin1String("help")) {
+        options->helpText = usage();
+        return true;
+    }
+    if (command == QLatin1String("--version")) {
+        options->command = Options::Command::Version;
+        return true;
+    }
+    *error = QStringLiteral("Unknown command: %1; xqosd --help lists them").arg(command);
+    return false;
+}
+
+} // namespace Velmar::Host

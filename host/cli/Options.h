@@ -1,0 +1,50 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include "host/video/VideoSource.h"
+
+#include <QByteArray>
+#include <QString>
+#include <QStringList>
+
+namespace Velmar::Host {
+
+/// What the operator asked the program for.
+struct Options
+{
+    enum class Command {
+        Help,
+        Version,
+        Record,
+        Snapshot,
+    };
+
+    Command command = Command::Help;
+    QString helpText; ///< to print for Help
+
+    SourceSpec source;
+    QString outputPath;
+    QString telemetryPath;     ///< empty: none
+    QString picturePath;       ///< empty: none
+    QString watermarkPath;     ///< empty: none
+    QString settingsDirectory; ///< empty: the user's own
+    QString logPath;           ///< empty: warnings on the standard error stream
+    bool quiet = false;
+
+    // record
+    qint64 durationNs = -1; ///< -1: all of the source
+    QByteArray encoder;     ///< empty: the best installed one
+    int bitrateKbit = 0;    ///< 0: constant quality
+    QString pngPath;        ///< empty: none
+    qint64 pngAtNs = 0;
+
+    // snapshot
+    qint64 atNs = 0;
+    bool transparent = false;
+};
+
+/// Reads the arguments, the program's name first. False, and a text in @p error, for arguments that
+/// make no sense.
+bool parseOptions(const QStringList &arguments, Options *options, QString *error);
+
+} // namespace Velmar::Host

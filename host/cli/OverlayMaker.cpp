@@ -1,0 +1,75 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "host/cli/OverlayMaker.h"
+
+#include "platform/logging/CLogger.h"
+
+#include <limits>
+
+namespace Velmar::Host {
+
+namespace {
+
+constexpr qint64 NsPerMs = 1000000;
+constexpr qint64 Never = std::numeric_limits<qint64>::max();
+
+// Where the picture stands: the right edge of the grid, above the lower texts.
+constexpr int PictureRow = 5;
+constexpr int PictureColumn = 42;
+constexpr int PictureRows = 6;
+
+} // namespace
+
+bool OverlayMaker::load(const Options &options, QSize expectedSize, QString *error)
+{
+    m_picturePath = options.picturePath;
+    m_watermarkPath = options.watermarkPath;
+    if (!options.telemetryPath.isEmpty() && !m_telemetry.load(options.telemetryPath, error))
+        return false;
+    return makeSession(expectedSize, error);
+}
+
+bool OverlayMaker::makeSession(QSize size, QString *error)
+{
+    m_size = size;
+    m_session = std::make_unique<OverlaySession>(size);
+    m_session->addTexts();
+    m_session->setTelemetry(m_telemetry);
+    if (!m_picturePath.isEmpty()
+        && !m_session->addPicture(m_picturePath, PictureRow, PictureColumn, PictureRows)) {
+        *error = QStringLiteral("%1: cannot be read as a picture").arg(m_picturePath);
+        return false;
+    }
+    if (!m_watermarkPath.isEmpty() && !m_session->setWatermark(m_watermarkPath)) {
+        *error = QStringLiteral("%1: cannot be read as a picture").arg(m_watermarkPath);
+        return false;
+    }
+    return true;
+}
+
+FrameGate::Answer OverlayMaker::at(qint64 timeNs, QSize size)
+{
+    QString error;
+    if (!size.isEmpty() && size != m_size && !makeSession(size, &error))
+        Logging::CLogger::logMessage(Logging::LogLevel::Warning, QStringLiteral("Host"), error);
+    m_session->advanceTo(timeNs / NsPerMs);
+    const qint64 nextMs = m_session->nextChangeMs();
+    return {m_session->scene()->snapshot(), nextMs > Never / NsPerMs ? Never : nextMs * NsPerMs};
+}
+
+std::function<PipeRunRenderer::View(qint64)> OverlayMaker::cameraView() const
+{
+    const QString distance = QStringLiteral("SECTION_DISTANCE_COUNTER");
+    if (!m_telemetry.names().contains(distance))
+        return {};
+    // A copy of the readings of its own: it is a streaming thread that asks.
+    return [telemetry = m_telemetry, distance, pan = QStringLiteral("CAMERA_PAN"),
+            tilt = QStringLiteral("CAMERA_TILT")](qint64 timeNs) {
+        PipeRunRenderer::View view;
+        view.distanceM = telemetry.interpolated(distance, timeNs / NsPerMs);
+        view.panDeg = telemetry.interpolated(pan, timeNs / NsPerMs);
+        view.tiltDeg = telemetry.interpolated(tilt, timeNs / NsPerMs);
+        return view;
+    };
+}
+
+} // namespace Velmar::Host

@@ -1,0 +1,39 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include "host/OverlaySession.h"
+#include "host/cli/Options.h"
+#include "host/video/FrameGate.h"
+
+#include <functional>
+#include <memory>
+
+namespace Velmar::Host {
+
+/// Makes the overlay that the options ask for, for whatever picture size the video turns out to
+/// have.
+class OverlayMaker
+{
+public:
+    /// Reads all files and lays the overlay out for @p expectedSize. False, and a text in @p error,
+    /// when one of them cannot be used.
+    bool load(const Options &options, QSize expectedSize, QString *error);
+
+    /// The overlay at @p timeNs on a picture of @p size.
+    FrameGate::Answer at(qint64 timeNs, QSize size);
+
+    /// Where the camera of a drawn run is according to the readings, so that a joint passes where
+    /// the counter says; null without readings of the distance. Callable on any thread.
+    std::function<PipeRunRenderer::View(qint64 timeNs)> cameraView() const;
+
+private:
+    bool makeSession(QSize size, QString *error);
+
+    QString m_picturePath;
+    QString m_watermarkPath;
+    TelemetryFile m_telemetry;
+    QSize m_size;
+    std::unique_ptr<OverlaySession> m_session;
+};
+
+} // namespace Velmar::Host

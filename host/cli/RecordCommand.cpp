@@ -1,0 +1,100 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "host/cli/RecordCommand.h"
+
+#include "host/cli/InterruptWatch.h"
+#include "host/cli/OverlayMaker.h"
+#include "host/cli/ProgressLine.h"
+#include "host/cli/Report.h"
+#include "host/video/RecordPipeline.h"
+#include "host/video/VideoErrors.h"
+
+#include <QEventLoop>
+#include <QTimer>
+
+#include <algorithm>
+
+namespace Velmar::Host {
+
+namespace {
+
+constexpr int ProgressIntervalMs = 200;
+constexpr double NsPerSecond = 1e9;
+constexpr QSize DefaultSize {1920, 1080};
+
+} // namespace
+
+int runRecord(const Options &options)
+{
+    QString error;
+    if (!initialiseVideo(&error))
+        return reportError(error);
+    OverlayMaker maker;
+    const QSize expected = options.source.size.isEmpty() ? DefaultSize : options.source.size;
+    if (!maker.load(options, expected, &error))
+        return reportError(error);
+    SourceSpec source = options.source;
+    source.view = maker.cameraView();
+
+    InterruptWatch interrupt;
+    ProgressLine progress(options.quiet ? ProgressLine::Mode::Off : ProgressLine::Mode::Terminal);
+    RecordPipeline pipeline(source, {options.outputPath, options.encoder, options.bitrateKbit},
+                            [&maker](qint64 ns, QSize size) { return maker.at(ns, size); });
+    pipeline.setRange(0, options.durationNs);
+    if (!options.pngPath.isEmpty())
+        pipeline.grabFrame(options.pngAtNs);
+
+    QEventLoop loop;
+    QString failure;
+    bool pngWritten = options.pngPath.isEmpty();
+    QObject::connect(&pipeline, &RecordPipeline::finished, &loop, &QEventLoop::quit);
+    QObject::connect(&pipeline, &RecordPipeline::failed, &loop, [&](const QString &reason) {
+        failure = reason;
+        loop.quit();
+    });
+    QObject::connect(&pipeline, &RecordPipeline::warned, &loop, [&](const QString &text) {
+        progress.clear();
+        reportWarning(text);
+    });
+    QObject::connect(&pipeline, &RecordPipeline::frameGrabbed, &loop, [&](const QImage &picture) {
+        pngWritten = true;
+        if (!savePng(picture, options.pngPath, &failure))
+            pipeline.stop();
+    });
+    QObject::connect(&interrupt, &InterruptWatch::interrupted, &pipeline, &RecordPipeline::stop);
+    QTimer timer;
+    QObject::connect(&timer, &QTimer::timeout, &loop, [&] {
+        progress.show(pipeline.frameCount(), pipeline.positionNs(), pipeline.durationNs());
+    });
+
+    if (!pipeline.start(&error))
+        return reportError(error);
+    timer.start(ProgressIntervalMs);
+    loop.exec();
+    timer.stop();
+    const double seconds = progress.seconds();
+    progress.clear();
+
+    const int frames = pipeline.frameCount();
+    if (!failure.isEmpty())
+        return reportError(failure);
+    if (frames == 0 && !interrupt.isInterrupted())
+        return reportError(QStringLiteral("%1: holds no frame").arg(source.name()));
+    if (!options.quiet && frames > 0) {
+        report(QStringLiteral("%1: %2 frames, %3 s, %4 fps, %5")
+                   .arg(options.outputPath)
+                   .arg(frames)
+                   .arg(pipeline.positionNs() / NsPerSecond, 0, 'f', 2)
+                   .arg(frames / std::max(seconds, 1e-3), 0, 'f', 1)
+                   .arg(QString::fromUtf8(pipeline.encoderName())));
+        if (!options.pngPath.isEmpty() && pngWritten)
+            report(options.pngPath);
+    }
+    if (interrupt.isInterrupted())
+        return InterruptWatch::ExitStatus;
+    if (!pngWritten)
+        return reportError(QStringLiteral("%1: not written: the recording ended before that frame")
+                               .arg(options.pngPath));
+    return 0;
+}
+
+} // namespace Velmar::Host

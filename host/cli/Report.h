@@ -1,0 +1,21 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <QImage>
+#include <QString>
+
+namespace Velmar::Host {
+
+/// The exit status of a command that could not do its work, and of one that was called wrongly.
+constexpr int FailureStatus = 1;
+constexpr int UsageStatus = 2;
+
+void report(const QString &line); ///< to the standard output
+/// One line to the standard error stream. Returns FailureStatus.
+int reportError(const QString &text);
+void reportWarning(const QString &text);
+
+/// Writes @p picture as PNG. False, and a text in @p error, when that fails.
+bool savePng(const QImage &picture, const QString &path, QString *error);
+
+} // namespace Velmar::Host

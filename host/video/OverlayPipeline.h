@@ -1,0 +1,122 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include "host/video/FrameGate.h"
+#include "host/video/GstRef.h"
+#include "host/video/VideoSource.h"
+
+#include <QElapsedTimer>
+#include <QImage>
+#include <QObject>
+#include <QSize>
+#include <QStringList>
+#include <QTimer>
+
+#include <atomic>
+
+namespace Velmar::Host {
+
+/// A source whose frames get the overlay burned in; a subclass says where they go. Lives on the
+/// thread of the elements and needs its event loop; emits exactly one of finished() and failed().
+class OverlayPipeline : public QObject, protected SourceReceiver
+{
+    Q_OBJECT
+public:
+    ~OverlayPipeline() override;
+
+    /// False, and a text in @p error, when it cannot start; neither signal comes then.
+    bool start(QString *error);
+
+    /// Ends the recording as if the source ended here. Returns at once; finished() follows.
+    void stop();
+
+    /// Frames before @p fromNs are left out, and those from @p toNs on. Before start() only.
+    void setRange(qint64 fromNs, qint64 toNs);
+
+    /// Announces the picture of the first frame that is shown at @p timeNs or later, with its
+    /// overlay, by frameGrabbed(). Before start() only.
+    void grabFrame(qint64 timeNs);
+
+    /// How long nothing may move before the pipeline counts as stuck; 15 s unless set.
+    void setStallLimit(int milliseconds);
+
+    int frameCount() const;    ///< frames burned so far
+    qint64 positionNs() const; ///< end of the last burned frame
+    qint64 durationNs() const; ///< of what is to be recorded; -1 when unknown
+    QSize frameSize() const;   ///< [px] of the burned frames; empty before the first
+    const FrameGate &gate() const;
+
+Q_SIGNALS:
+    void finished();
+    void failed(const QString &reason);
+    void warned(const QString &text);
+    void frameGrabbed(const QImage &picture);
+
+protected:
+    OverlayPipeline(SourceSpec source, FrameGate::Update update, QObject *parent);
+
+    /// Adds what follows the burned frames and links it to @p frames, a raw video pad of queued
+    /// frames. False, and a text in @p error, when that is impossible.
+    virtual bool addOutput(GstElement *frames, QString *error) = 0;
+    /// Audio that can be taken as it is; null: audio is left out.
+    virtual MiniObjectRef<GstCaps> audioCaps() const;
+    /// Called after the pipeline is gone, before failed().
+    virtual void cleanUp();
+    virtual QString outputName() const = 0; ///< for messages
+
+    GstBin *bin() const;
+    GstElement *add(const char *factory, QString *error);
+    /// Ends @p pad's stream where the range ends. Callable from every thread.
+    void limit(GstPad *pad);
+    void shutDown();
+    /// Both may be called from every thread.
+    void reportFailure(const QString &reason);
+    void reportWarning(const QString &text);
+
+    void videoPad(GstPad *pad) override;
+    void audioPad(GstPad *pad) override;
+    void noMorePads() override;
+
+private:
+    bool build(QString *error);
+    void onMessage(GstMessage *message);
+    void onWatch();
+    void fail(const QString &reason);
+    void finish();
+    void setUpFrames(GstCaps *caps);
+    void onBurned(GstPad *pad, GstBuffer *frame);
+
+    static GstBusSyncReply handleMessage(GstBus *bus, GstMessage *message, gpointer user);
+    static GstPadProbeReturn limitProbe(GstPad *pad, GstPadProbeInfo *info, gpointer user);
+    static GstPadProbeReturn capsProbe(GstPad *pad, GstPadProbeInfo *info, gpointer user);
+    static GstPadProbeReturn burnedProbe(GstPad *pad, GstPadProbeInfo *info, gpointer user);
+
+    SourceSpec m_source;
+    std::shared_ptr<FrameGate> m_gate;
+    ObjectRef<GstElement> m_pipeline;
+    GstElement *m_entry = nullptr;  ///< takes the source's video; owned by the pipeline
+    GstElement *m_crop = nullptr;   ///< owned by the pipeline
+    GstElement *m_filter = nullptr; ///< owned by the pipeline
+    QStringList m_missing;          ///< descriptions of plugins asked for in vain
+    QTimer m_watch;
+    QElapsedTimer m_quiet; ///< since something moved
+    int m_stallLimitMs = 15000;
+    quint64 m_lastActivity = 0;
+    bool m_running = false;
+    bool m_stopping = false;
+    qint64 m_fromNs = 0;
+    qint64 m_grabNs = -1;
+
+    // Shared with the streaming threads.
+    std::atomic<bool> m_hasVideo {false};
+    std::atomic<qint64> m_toNs;
+    std::atomic<bool> m_stopNow {false};
+    std::atomic<bool> m_grabbed {false};
+    std::atomic<quint64> m_activity {0};
+    std::atomic<int> m_frameCount {0};
+    std::atomic<qint64> m_positionNs {0};
+    std::atomic<int> m_width {0};
+    std::atomic<int> m_height {0};
+};
+
+} // namespace Velmar::Host

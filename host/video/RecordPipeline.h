@@ -1,0 +1,45 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include "host/video/EncoderChoice.h"
+#include "host/video/OverlayPipeline.h"
+
+namespace Velmar::Host {
+
+/// Records a source with its overlay into a Matroska or MP4 file; audio of a file is passed on.
+class RecordPipeline : public OverlayPipeline
+{
+    Q_OBJECT
+public:
+    struct Output
+    {
+        QString path;        ///< ends in .mkv or .mp4
+        QByteArray encoder;  ///< name of a GStreamer element; empty: the best installed one
+        int bitrateKbit = 0; ///< 0: constant quality
+    };
+
+    RecordPipeline(SourceSpec source, Output output, FrameGate::Update update,
+                   QObject *parent = nullptr);
+    ~RecordPipeline() override;
+
+    QByteArray encoderName() const; ///< what encodes the video, once started
+
+protected:
+    bool addOutput(GstElement *frames, QString *error) override;
+    MiniObjectRef<GstCaps> audioCaps() const override;
+    void audioPad(GstPad *pad) override;
+    void cleanUp() override;
+    QString outputName() const override;
+
+private:
+    bool addAudio(GstPad *pad, const char *const *names, int count, QString *error);
+
+    Output m_output;
+    QString m_sourcePath;
+    Container m_container = Container::Matroska;
+    QByteArray m_encoderName;
+    GstElement *m_muxer = nullptr; ///< owned by the pipeline
+    bool m_existedBefore = false;  ///< somebody else's file was there
+};
+
+} // namespace Velmar::Host
