@@ -110,7 +110,7 @@ double ffmpegSeconds(QSize size, const QByteArray &file, const QByteArray &filte
                          "-i",
                          file,
                          "-frames:v",
-                         QByteArray::number(framesPerRun),
+                         QByteArray::number(frames),
                          "-vf",
                          filter,
                          "-f",

@@ -41,12 +41,33 @@ BlendTable blendTable(QRgb text, QRgb background, QRgb untouched)
     for (int alpha = 1; alpha < 256; ++alpha) {
         const int backShare = qAlpha(background) * (255 - alpha);
         const int sum = alpha * 255 + backShare;
-        table[size_t(alpha)] = qRgba(channel(qRed(text), alpha, qRed(background), backShare, sum),
-                                     channel(qGreen(text), alpha, qGreen(background), backShare, sum),
-                                     channel(qBlue(text), alpha, qBlue(background), backShare, sum),
-                                     (sum + 127) / 255);
+        table[size_t(alpha)] = qRgba(
+            channel(qRed(text), alpha, qRed(background), backShare, sum),
+            channel(qGreen(text), alpha, qGreen(background), backShare, sum),
+            channel(qBlue(text), alpha, qBlue(background), backShare, sum), (sum + 127) / 255);
     }
     return table;
+}
+
+/// The table for text on a box. The elements of a display mostly share their colours, so the last
+/// one is kept: its divisions cost as much as a third of painting the text.
+const BlendTable &boxTable(QRgb text, QRgb box)
+{
+    struct Kept
+    {
+        bool valid = false;
+        QRgb text = 0;
+        QRgb box = 0;
+        BlendTable table;
+    };
+    thread_local Kept kept;
+    if (!kept.valid || kept.text != text || kept.box != box) {
+        kept.table = blendTable(text, box, qAlpha(box) == 0 ? ground : box);
+        kept.text = text;
+        kept.box = box;
+        kept.valid = true;
+    }
+    return kept.table;
 }
 
 void drawLines(QPainter &painter, const QVector<Line> &lines, const QFont &font,
@@ -67,17 +88,39 @@ void drawBoxes(QPainter &painter, const QVector<Line> &lines, const QColor &colo
         painter.drawRect(line.box);
 }
 
-/// Replaces the alpha-only reading of @p pixels from @p first up to @p last by table entries.
-void applyTable(QRgb *pixels, int first, int last, const BlendTable &table)
+/// Makes text over a box of the pixels from @p first up to @p last. Most of them hold no text,
+/// which eight at a time are found out quickly.
+void finishBox(QRgb *pixels, int first, int last, const BlendTable &table)
 {
-    for (int x = first; x < last; ++x)
+    constexpr int step = 8;
+    int x = first;
+    for (; x + step <= last; x += step) {
+        QRgb any = 0;
+        for (int i = 0; i < step; ++i)
+            any |= pixels[x + i];
+        if (any == 0) {
+            std::fill_n(pixels + x, step, table[0]);
+            continue;
+        }
+        for (int i = 0; i < step; ++i)
+            pixels[x + i] = table[size_t(qAlpha(pixels[x + i]))];
+    }
+    for (; x < last; ++x)
         pixels[x] = table[size_t(qAlpha(pixels[x]))];
 }
 
+/// The same where there is no box: the text's own colour, as far as it covers the pixel.
+void finishGround(QRgb *pixels, int first, int last, QRgb text)
+{
+    for (int x = first; x < last; ++x) {
+        const QRgb alpha = pixels[x] & 0xff000000;
+        pixels[x] = alpha == 0 ? ground : (alpha | (text & 0x00ffffff));
+    }
+}
+
 /// Turns @p image, which holds premultiplied text, into the finished straight-alpha picture:
-/// @p inside holds within the boxes, @p outside elsewhere. A null @p inside leaves the boxes alone.
-void finish(QImage &image, const QVector<Line> &lines, const BlendTable *inside,
-            const BlendTable &outside)
+/// @p inside holds within the boxes. A null @p inside leaves the boxes alone.
+void finish(QImage &image, const QVector<Line> &lines, const BlendTable *inside, QRgb text)
 {
     QVector<QRect> boxOfRow(image.height());
     for (const Line &line : lines) {
@@ -85,16 +128,27 @@ void finish(QImage &image, const QVector<Line> &lines, const BlendTable *inside,
         for (int y = box.top(); y <= box.bottom(); ++y)
             boxOfRow[y] = box;
     }
+    const int width = image.width();
     for (int y = 0; y < image.height(); ++y) {
         auto *pixels = reinterpret_cast<QRgb *>(image.scanLine(y));
         const QRect box = boxOfRow.at(y);
         const int begin = box.isEmpty() ? 0 : box.left();
         const int end = box.isEmpty() ? 0 : box.right() + 1;
-        applyTable(pixels, 0, begin, outside);
+        finishGround(pixels, 0, begin, text);
         if (inside)
-            applyTable(pixels, begin, end, *inside);
-        applyTable(pixels, end, image.width(), outside);
+            finishBox(pixels, begin, end, *inside);
+        finishGround(pixels, end, width, text);
     }
+}
+
+/// True for text of Latin letters, digits and signs alone, in which no character depends on its
+/// place in the line, as tabulators and combining marks do.
+bool isPlain(const QString &text)
+{
+    return std::all_of(text.cbegin(), text.cend(), [](QChar c) {
+        const ushort code = c.unicode();
+        return (code >= 0x20 && code < 0x7f) || (code >= 0xa0 && code <= 0xff && code != 0xad);
+    });
 }
 
 bool canBePainted(const QImage &image)
@@ -269,7 +323,8 @@ void CVideoOverlayText::typeset()
     QMutexLocker lock(&m_mutex);
     const VideoOverlaySettings *grid = settings();
     const QString blank = QStringLiteral(" ");
-    const auto width = [this](const QString &text) { return m_fontMetrics.horizontalAdvance(text); };
+    const auto width
+        = [this](const QString &text) { return m_fontMetrics.horizontalAdvance(text); };
 
     m_lines.clear();
     int widest = 0;
@@ -285,6 +340,16 @@ void CVideoOverlayText::typeset()
         }
         const QRectF margins = grid->marginRect();
         const int available = int(margins.left() + margins.width() - x()) + 1;
+        // Measuring is what costs here, and mostly one line is far from full. Measured in parts it
+        // is a few pixels wider than as a whole, nowhere near the height of a line for each blank.
+        if (isPlain(paragraph)) {
+            const int whole = width(paragraph);
+            const int slack = m_fontMetrics.height() * (paragraph.count(QLatin1Char(' ')) + 1);
+            if (whole + slack < available) {
+                append(paragraph, whole);
+                continue;
+            }
+        }
         // As text, not as a character: only so does a blank include the font's letter spacing. And
         // the parts are measured one by one, because the joined line can be a pixel narrower.
         const int blankWidth = width(blank);
@@ -326,7 +391,8 @@ void CVideoOverlayText::renderText(QImage &image) const
             continue;
         const int y = int(i * rowHeight);
         const QRect bounds = m_fontMetrics.boundingRect(QRect(0, y, 0, 0), 0, text);
-        lines.append({text, bounds, QRect(bounds.left(), bounds.top(), bounds.width(), int(rowHeight))});
+        lines.append(
+            {text, bounds, QRect(bounds.left(), bounds.top(), bounds.width(), int(rowHeight))});
     }
 
     // The painter writes premultiplied bytes for text, whatever an ARGB32 image says it holds. So
@@ -350,14 +416,7 @@ void CVideoOverlayText::renderText(QImage &image) const
         return;
 
     const QRgb text = m_textColor.rgba();
-    const BlendTable outside = blendTable(text, 0, ground);
-    if (opaqueBoxes) {
-        finish(image, lines, nullptr, outside);
-    } else {
-        const QRgb box = m_backgroundColor.rgba();
-        const BlendTable inside = blendTable(text, box, qAlpha(box) == 0 ? ground : box);
-        finish(image, lines, &inside, outside);
-    }
+    finish(image, lines, opaqueBoxes ? nullptr : &boxTable(text, m_backgroundColor.rgba()), text);
 }
 
 } // namespace Velmar::VideoOverlay
