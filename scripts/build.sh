@@ -11,23 +11,23 @@ say()
 }
 
 # Configures a preset where that is needed: the build itself notices changes of CMake files, but
-# neither other options, nor changed presets, nor that the repository was moved.
+# neither other options, nor changed presets, nor that the repository was moved. A build that was
+# configured with these options and more after them will do.
 configure() # PRESET [OPTION...]
 {
     preset=$1
     shift
-    dir=build/$preset
-    stamp="$dir/configured-with"
-    if [ -f "$dir/build.ninja" ] && [ "$stamp" -nt CMakePresets.json ] \
-        && [ "$(cat "$stamp")" = "$PWD $*" ]; then
-        return 0
+    stamp=build/$preset/configured-with
+    if [ -f "build/$preset/build.ninja" ] && [ "$stamp" -nt CMakePresets.json ]; then
+        case "$(cat "$stamp") " in
+        "$PWD $* "*) return 0 ;;
+        esac
     fi
     say "Configuring preset $preset"
-    if [ -f "$stamp" ] && [ "$(cut -d ' ' -f 1 "$stamp")" = "$PWD" ]; then
-        cmake --preset "$preset" "$@"
-    else
-        cmake --fresh --preset "$preset" "$@"
-    fi
+    case "$(cat "$stamp" 2>/dev/null)" in
+    "$PWD "*) cmake --preset "$preset" "$@" ;;
+    *) cmake --fresh --preset "$preset" "$@" ;;
+    esac
     echo "$PWD $*" >"$stamp"
 }
 
