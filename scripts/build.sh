@@ -18,7 +18,8 @@ configure() # PRESET [OPTION...]
     preset=$1
     shift
     stamp=build/$preset/configured-with
-    if [ -f "build/$preset/build.ninja" ] && [ "$stamp" -nt CMakePresets.json ]; then
+    if [ -f "build/$preset/build.ninja" ] && [ -f "$stamp" ] \
+        && [ -z "$(find CMakePresets.json -newer "$stamp")" ]; then
         case "$(cat "$stamp") " in
         "$PWD $* "*) return 0 ;;
         esac

@@ -42,7 +42,9 @@ give_up() # REASON
 }
 
 if ! command -v dpkg-query >/dev/null 2>&1; then
-    missing=$(echo $wanted)
+    # shellcheck disable=SC2086 # one word per package
+    set -- $wanted
+    missing=$*
     give_up "this is not a Debian system (there is no dpkg-query)."
 fi
 
