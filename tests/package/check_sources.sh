@@ -7,7 +7,7 @@ cd "$1"
 clang_format=$2
 status=0
 
-folders="videooverlay platform host tests cmake scripts .ci"
+folders="videooverlay platform host tests data cmake scripts .ci"
 for folder in bench fuzz tools; do
     if [ -d "$folder" ]; then folders="$folders $folder"; fi
 done
