@@ -136,7 +136,7 @@ void drawText(benchmark::State &state)
             ? QByteArray("text='Distance %{eif\\:n\\:d\\:6} m'")
             : "expansion=none:text='" + boxText(0).toUtf8() + '\'';
         filters.append("drawtext=font='DejaVu Sans Mono':fontsize=35:fontcolor=white:box=1:"
-                       "boxborderw=2:boxcolor=black@"
+                       "boxborderw=6:boxcolor=black@"
                        + QByteArray::number(boxAlpha / 255.0)
                        + ":x=" + QByteArray::number(boxPosition(i).x())
                        + ":y=" + QByteArray::number(boxPosition(i).y()) + ':' + text);

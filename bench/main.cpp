@@ -28,9 +28,12 @@ public:
     {
         benchmark::ConsoleReporter::ReportRuns(runs);
         for (const Run &run : runs) {
-            if (run.aggregate_name == "median" && !run.error_occurred)
-                m_medians[run.run_name.function_name + '/' + run.run_name.args]
-                    = run.GetAdjustedRealTime();
+            if (run.aggregate_name != "median" || run.error_occurred)
+                continue;
+            // Where a benchmark takes its time itself, it is CPU time that it took.
+            const bool manual = run.run_name.time_type == "manual_time";
+            m_medians[run.run_name.function_name + '/' + run.run_name.args]
+                = manual ? run.GetAdjustedRealTime() : run.GetAdjustedCPUTime();
         }
     }
 

@@ -9,6 +9,7 @@
 #include <QColor>
 #include <QRectF>
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 
@@ -21,31 +22,33 @@ using VideoOverlay::VideoOverlaySettings;
 
 namespace {
 
+const QLatin1String videoTimeName("VIDEO_TIME_COUNTER");
+
 /// How a value of the run is written. The width keeps the box from jumping while digits come and
-/// go.
+/// go, and makes the boxes of a column end at the same cell.
 struct ValueFormat
 {
     const char *name;
     const char *caption;
-    const char *unit;
+    const char *unit; ///< UTF-8
     int decimals;
-    int width; ///< [characters] of value and unit
+    int width; ///< [characters] of the whole text
 };
 
 constexpr ValueFormat formats[] = {
-    {"SECTION_DISTANCE_COUNTER", "Distance", "m", 2, 9},
-    {"TOTAL_DISTANCE_COUNTER", "Total", "m", 2, 9},
-    {"SPEED", "Speed", "m/min", 1, 10},
-    {"VIDEO_TIME_COUNTER", "Video", "", 0, 8},
-    {"CAMERA_PAN", "Pan", "°", 0, 5},
-    {"CAMERA_TILT", "Tilt", "°", 0, 5},
-    {"CAMERA_PRESSURE", "Camera", "mbar", 0, 9},
-    {"CAMERA_TEMPERATURE", "Camera", "°C", 1, 7},
-    {"CRAWLER_PITCH", "Pitch", "°", 1, 6},
-    {"CRAWLER_ROLL", "Roll", "°", 1, 6},
-    {"CRAWLER_PRESSURE", "Crawler", "mbar", 0, 9},
-    {"CRAWLER_TEMPERATURE", "Crawler", "°C", 1, 7},
-    {"OBJECT_TEMPERATURE", "Wall", "°C", 1, 7},
+    {"SECTION_DISTANCE_COUNTER", "Distance", " m", 2, 19},
+    {"SPEED", "Speed", " m/min", 1, 19},
+    {"VIDEO_TIME_COUNTER", "Video", "", 0, 16},
+    {"TOTAL_DISTANCE_COUNTER", "Total", " m", 2, 16},
+    {"CAMERA_PAN", "Pan", "\u00B0", 0, 18},
+    {"CAMERA_TILT", "Tilt", "\u00B0", 0, 18},
+    {"CAMERA_PRESSURE", "Camera", " mbar", 0, 18},
+    {"CAMERA_TEMPERATURE", "Camera", " \u00B0C", 1, 18},
+    {"CRAWLER_PITCH", "Pitch", "\u00B0", 1, 19},
+    {"CRAWLER_ROLL", "Roll", "\u00B0", 1, 19},
+    {"CRAWLER_PRESSURE", "Crawler", " mbar", 0, 19},
+    {"CRAWLER_TEMPERATURE", "Crawler", " \u00B0C", 1, 19},
+    {"OBJECT_TEMPERATURE", "Wall", " \u00B0C", 1, 18},
 };
 
 const ValueFormat *formatOf(const QString &name)
@@ -57,24 +60,31 @@ const ValueFormat *formatOf(const QString &name)
     return nullptr;
 }
 
-QString number(double value, int decimals)
+QString decimal(double value, int decimals)
 {
     const QString text = QString::number(value, 'f', decimals);
     // A value that rounds to nothing has no sign worth showing.
     return text.toDouble() == 0.0 ? QString::number(0.0, 'f', decimals) : text;
 }
 
+/// Hours, minutes and seconds; the hours go on counting beyond a day.
+QString elapsedText(qint64 timeMs)
+{
+    const qint64 seconds = timeMs / 1000;
+    const auto two
+        = [](qint64 number) { return QString::number(number).rightJustified(2, QLatin1Char('0')); };
+    return QStringLiteral("%1:%2:%3")
+        .arg(two(seconds / 3600), two(seconds / 60 % 60), two(seconds % 60));
+}
+
 QString valueText(const ValueFormat &format, const QVariant &value)
 {
-    QString body = value.type() == QVariant::Double ? number(value.toDouble(), format.decimals)
-                                                    : value.toString();
-    const QString unit = QString::fromUtf8(format.unit);
-    if (unit == QLatin1String("°"))
-        body += unit;
-    else if (!unit.isEmpty())
-        body += QLatin1Char(' ') + unit;
-    return QString::fromUtf8(format.caption) + QStringLiteral(": ")
-        + body.rightJustified(format.width);
+    const QString caption = QString::fromLatin1(format.caption) + QStringLiteral(": ");
+    const QString number = value.type() == QVariant::Double
+        ? decimal(value.toDouble(), format.decimals)
+        : value.toString();
+    const QString body = number + QString::fromUtf8(format.unit);
+    return caption + body.rightJustified(format.width - caption.size());
 }
 
 } // namespace
@@ -116,7 +126,7 @@ void OverlaySession::addTexts()
     addValue(QStringLiteral("SECTION_DISTANCE_COUNTER"), 1, 0);
     addValue(QStringLiteral("SPEED"), 2, 0);
     addValue(QStringLiteral("VIDEO_TIME_COUNTER"), 1, 38);
-    addValue(QStringLiteral("TOTAL_DISTANCE_COUNTER"), 2, 37);
+    addValue(QStringLiteral("TOTAL_DISTANCE_COUNTER"), 2, 38);
     addValue(QStringLiteral("CAMERA_PAN"), 22, 0);
     addValue(QStringLiteral("CAMERA_TILT"), 23, 0);
     addValue(QStringLiteral("CAMERA_PRESSURE"), 24, 0);
@@ -173,14 +183,19 @@ void OverlaySession::advanceTo(qint64 timeMs)
     m_timeMs = timeMs;
     while (m_nextReading < readings.size() && readings.at(m_nextReading).timeMs <= timeMs)
         show(readings.at(m_nextReading++));
+    show(videoTimeName, elapsedText(timeMs));
     m_scene->flush();
 }
 
 qint64 OverlaySession::nextChangeMs() const
 {
     const QVector<TelemetryFile::Reading> &readings = m_telemetry.readings();
-    return m_nextReading < readings.size() ? readings.at(m_nextReading).timeMs
-                                           : std::numeric_limits<qint64>::max();
+    qint64 next = std::numeric_limits<qint64>::max();
+    if (m_nextReading < readings.size())
+        next = readings.at(m_nextReading).timeMs;
+    if (m_values.contains(videoTimeName)) // shows whole seconds
+        next = std::min(next, m_timeMs < 0 ? 0 : (m_timeMs / 1000 + 1) * 1000);
+    return next;
 }
 
 void OverlaySession::addText(const QString &text, int row, int column, QColor background,
@@ -251,10 +266,16 @@ bool OverlaySession::loadPicture(CVideoOverlayImage &image, const QString &path,
 void OverlaySession::show(const TelemetryFile::Reading &reading)
 {
     const QString name = m_telemetry.names().at(reading.column);
+    if (name != videoTimeName) // the video's own time, not that of another recording
+        show(name, reading.value);
+}
+
+void OverlaySession::show(const QString &name, const QVariant &value)
+{
     CVideoOverlayText *element = m_values.value(name);
     const ValueFormat *format = formatOf(name);
     if (element && format)
-        element->setText(valueText(*format, reading.value));
+        element->setText(valueText(*format, value));
 }
 
 } // namespace Velmar::Host

@@ -49,10 +49,10 @@ public:
 
     /// The run that the texts follow from now on.
     void setTelemetry(TelemetryFile telemetry);
-    /// Brings every text to its reading at @p timeMs of the run, backwards as well, and publishes
-    /// the result on the scene.
+    /// Brings every text to its reading at @p timeMs of the run, backwards as well, the video's
+    /// time to @p timeMs itself, and publishes the result on the scene.
     void advanceTo(qint64 timeMs);
-    /// When the next reading is due [ms]; the largest number when none is left.
+    /// When the next text changes [ms]; the largest number when none will.
     qint64 nextChangeMs() const;
 
 private:
@@ -63,6 +63,7 @@ private:
     void place(VideoOverlay::CVideoOverlayElement &element);
     bool loadPicture(VideoOverlay::CVideoOverlayImage &image, const QString &path, int height);
     void show(const TelemetryFile::Reading &reading);
+    void show(const QString &name, const QVariant &value);
 
     std::shared_ptr<OverlayScene> m_scene;
     VideoOverlay::CVideoOverlayCapabilities m_capabilities;

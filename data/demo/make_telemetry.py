@@ -94,7 +94,8 @@ def main():
             for at in (3.48, 8.51, 14.44, 19.60, 26.52)
         )
         turned = min(1.0, math.hypot(pan, tilt) / 45)
-        wall += 0.2 * (11.2 + 0.02 * distance + 4.6 * near * (0.35 + 0.65 * turned) - wall) if rows else 11.2
+        target = 11.2 + 0.02 * distance + 4.6 * near * (0.35 + 0.65 * turned)
+        wall = wall + 0.2 * (target - wall) if rows else 11.2
         columns.update(
             TOTAL_DISTANCE_COUNTER=cell(COUNTER_AT_START + distance, 3),
             SECTION_DISTANCE_COUNTER=cell(distance, 3),
@@ -106,7 +107,7 @@ def main():
             CRAWLER_PITCH=cell(fall + pitch_noise, 1),
             CRAWLER_ROLL=cell(lean + roll_noise, 1),
             CRAWLER_TEMPERATURE=cell(21.8 + 0.012 * t + motor_heat, 1),
-            CRAWLER_PRESSURE=cell(1146 + 0.9 * motor_heat + 0.7 * math.sin(t / 5 + 1), 0),
+            CRAWLER_PRESSURE=cell(1145 + 0.9 * motor_heat + 1.6 * math.sin(t / 6 + 1), 0),
             OBJECT_TEMPERATURE=cell(wall + rng.gauss(0, 0.03), 1),
         )
         rows.append(

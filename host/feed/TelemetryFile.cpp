@@ -90,7 +90,7 @@ bool TelemetryFile::load(const QString &path, QString *error)
     int lineNumber = 1;
     const auto fail = [&](const QString &reason) {
         if (error)
-            *error = QStringLiteral("%1:%2: %3").arg(path).arg(lineNumber).arg(reason);
+            *error = QStringLiteral("%1:%2: %3").arg(path, QString::number(lineNumber), reason);
         return false;
     };
 

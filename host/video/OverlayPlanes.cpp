@@ -1,12 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/video/OverlayPlanes.h"
 
-#include <libyuv/convert_from_argb.h>
+#include <libyuv/cpu_id.h>
 #include <libyuv/planar_functions.h>
 #include <libyuv/scale_argb.h>
 
 #include <algorithm>
 #include <cstring>
+#include <utility>
 
 namespace Velmar::Host {
 
@@ -56,10 +57,17 @@ const Weights &weightsFor(PlanarFrame::Matrix matrix, PlanarFrame::Range range)
 // The two row conversions below stand here because libyuv converts from RGB with the BT.601 matrix
 // only. All sums fit 16 bits without a sign (luma up to 256 * 255 + 128, chroma from 255 to 65535),
 // which lets compilers turn each loop into vector code that handles eight pixels at a time or more.
+// On x86 they are compiled twice, because the plain instruction set halves the width of a vector.
+
+#if defined(__GNUC__)
+#define XQ_INLINE inline __attribute__((always_inline))
+#else
+#define XQ_INLINE inline
+#endif
 
 /// Luma of @p count BGRA pixels.
-void lumaRow(const std::uint8_t *__restrict bgra, std::uint8_t *__restrict luma, int count,
-             const Weights &weights)
+XQ_INLINE void lumaLoop(const std::uint8_t *__restrict bgra, std::uint8_t *__restrict luma,
+                        int count, const Weights &weights)
 {
     const Weights w = weights;
     for (int i = 0; i < count; ++i) {
@@ -71,8 +79,8 @@ void lumaRow(const std::uint8_t *__restrict bgra, std::uint8_t *__restrict luma,
 }
 
 /// U and V of @p count BGRA pixels.
-void chromaRow(const std::uint8_t *__restrict bgra, std::uint8_t *__restrict u,
-               std::uint8_t *__restrict v, int count, const Weights &weights)
+XQ_INLINE void chromaLoop(const std::uint8_t *__restrict bgra, std::uint8_t *__restrict u,
+                          std::uint8_t *__restrict v, int count, const Weights &weights)
 {
     const Weights w = weights;
     for (int i = 0; i < count; ++i) {
@@ -86,6 +94,51 @@ void chromaRow(const std::uint8_t *__restrict bgra, std::uint8_t *__restrict u,
         u[i] = std::uint8_t(uSum >> 8);
         v[i] = std::uint8_t(vSum >> 8);
     }
+}
+
+using LumaRow = void (*)(const std::uint8_t *, std::uint8_t *, int, const Weights &);
+using ChromaRow
+    = void (*)(const std::uint8_t *, std::uint8_t *, std::uint8_t *, int, const Weights &);
+
+void lumaRow(const std::uint8_t *bgra, std::uint8_t *luma, int count, const Weights &weights)
+{
+    lumaLoop(bgra, luma, count, weights);
+}
+
+void chromaRow(const std::uint8_t *bgra, std::uint8_t *u, std::uint8_t *v, int count,
+               const Weights &weights)
+{
+    chromaLoop(bgra, u, v, count, weights);
+}
+
+#if defined(__x86_64__) && defined(__GNUC__)
+__attribute__((target("avx2"))) void lumaRowAvx2(const std::uint8_t *bgra, std::uint8_t *luma,
+                                                 int count, const Weights &weights)
+{
+    lumaLoop(bgra, luma, count, weights);
+}
+
+__attribute__((target("avx2"))) void chromaRowAvx2(const std::uint8_t *bgra, std::uint8_t *u,
+                                                   std::uint8_t *v, int count,
+                                                   const Weights &weights)
+{
+    chromaLoop(bgra, u, v, count, weights);
+}
+
+const bool hasAvx2 = libyuv::TestCpuFlag(libyuv::kCpuHasAVX2) != 0;
+const LumaRow convertLumaRow = hasAvx2 ? lumaRowAvx2 : lumaRow;
+const ChromaRow convertChromaRow = hasAvx2 ? chromaRowAvx2 : chromaRow;
+#else
+constexpr LumaRow convertLumaRow = lumaRow;
+constexpr ChromaRow convertChromaRow = chromaRow;
+#endif
+
+bool isOpaque(const std::uint8_t *alpha, int count)
+{
+    std::uint8_t all = 255; // no early end: so the loop runs on vectors
+    for (int i = 0; i < count; ++i)
+        all &= alpha[i];
+    return all == 255;
 }
 
 void multiplyRow(std::uint8_t *values, int count, int factor)
@@ -136,13 +189,62 @@ const OverlayPlanes::Form &OverlayPlanes::form() const
 
 void OverlayPlanes::prepare(const QImage &image, const Form &form, Scratch &scratch)
 {
+    QImage straight = image.convertToFormat(QImage::Format_ARGB32); // mostly it is already
+    const QRect changed = changedRect(straight, form);
     m_form = form;
+    m_image = std::move(straight);
+    if (changed.isEmpty())
+        return;
     allocate();
-    convertLuma(image);
+    convertLuma(changed);
     padAlpha();
-    convertChroma(image, scratch);
-    applyOpacity();
+    convertChroma(changed, scratch);
+    applyOpacity(changed);
     findBands();
+}
+
+/// Where the planes hold the part; around it is padding up to the chroma grid.
+QRect OverlayPlanes::partInPlanes() const
+{
+    return QRect(QPoint(m_form.oddX, m_form.oddY), m_form.part.size());
+}
+
+/// What must be converted for @p image [px of the planes]: whole chroma samples, or nothing.
+QRect OverlayPlanes::changedRect(const QImage &image, const Form &form) const
+{
+    const QRect &part = form.part;
+    const QRect all(0, 0, (form.oddX + part.width() + 1) / 2 * 2,
+                    (form.oddY + part.height() + 1) / 2 * 2);
+    Form sameRevision = form;
+    sameRevision.revision = m_form.revision;
+    if (m_image.size() != image.size() || !(sameRevision == m_form))
+        return all;
+
+    const auto row = [&part](const QImage &image, int y) {
+        return reinterpret_cast<const QRgb *>(image.constScanLine(part.y() + y)) + part.x();
+    };
+    int left = part.width();
+    int right = 0; // exclusive, like bottom
+    int top = part.height();
+    int bottom = 0;
+    for (int y = 0; y < part.height(); ++y) {
+        const QRgb *before = row(m_image, y);
+        const QRgb *after = row(image, y);
+        if (std::memcmp(before, after, size_t(part.width()) * sizeof(QRgb)) == 0)
+            continue;
+        top = std::min(top, y);
+        bottom = y + 1;
+        left = int(std::mismatch(before, before + left, after).first - before);
+        int end = part.width();
+        while (end > right && before[end - 1] == after[end - 1])
+            --end;
+        right = std::max(right, end);
+    }
+    if (top >= bottom)
+        return QRect();
+    const QPoint first((form.oddX + left) / 2 * 2, (form.oddY + top) / 2 * 2);
+    const QPoint end((form.oddX + right + 1) / 2 * 2, (form.oddY + bottom + 1) / 2 * 2);
+    return QRect(first, end - QPoint(1, 1));
 }
 
 void OverlayPlanes::allocate()
@@ -163,24 +265,26 @@ void OverlayPlanes::allocate()
     m_chromaAlpha = m_chroma[1] + chroma;
 }
 
-void OverlayPlanes::convertLuma(const QImage &image)
+void OverlayPlanes::convertLuma(const QRect &area)
 {
     const Weights &weights = weightsFor(m_form.matrix, m_form.range);
-    const QRect &part = m_form.part;
-    const std::uint8_t *pixels = image.constBits() + part.y() * image.bytesPerLine() + part.x() * 4;
-    const int offset = m_form.oddY * m_stride + m_form.oddX;
-    for (int y = 0; y < part.height(); ++y)
-        lumaRow(pixels + y * image.bytesPerLine(), m_luma + offset + y * m_stride, part.width(),
-                weights);
-    libyuv::ARGBExtractAlpha(pixels, image.bytesPerLine(), m_alpha + offset, m_stride, part.width(),
-                             part.height());
+    const QRect inside = area & partInPlanes();
+    const QPoint from = inside.topLeft() - partInPlanes().topLeft() + m_form.part.topLeft();
+    const std::uint8_t *pixels = m_image.constScanLine(from.y()) + from.x() * 4;
+    const int stride = m_image.bytesPerLine();
+    const int offset = inside.y() * m_stride + inside.x();
+    for (int y = 0; y < inside.height(); ++y)
+        convertLumaRow(pixels + y * stride, m_luma + offset + y * m_stride, inside.width(),
+                       weights);
+    libyuv::ARGBExtractAlpha(pixels, stride, m_alpha + offset, m_stride, inside.width(),
+                             inside.height());
 }
 
 /// What lies beside the part, up to the chroma grid, is transparent. Only at the edge of a frame
 /// with an odd number of pixels the part is continued, for nothing lies beside it there.
 void OverlayPlanes::padAlpha()
 {
-    const QRect part(m_form.oddX, m_form.oddY, m_form.part.width(), m_form.part.height());
+    const QRect part = partInPlanes();
     const int width = m_chromaSize.width() * 2;
     const int height = m_chromaSize.height() * 2;
     for (int y = part.top(); y <= part.bottom(); ++y) {
@@ -199,23 +303,16 @@ void OverlayPlanes::padAlpha()
         else
             std::memset(last, 0, size_t(width));
     }
-
-    const std::uint8_t *alpha = m_alpha + part.y() * m_stride + part.x();
-    m_opaque = true;
-    for (int y = 0; m_opaque && y < part.height(); ++y, alpha += m_stride)
-        m_opaque
-            = std::all_of(alpha, alpha + part.width(), [](std::uint8_t a) { return a == 255; });
 }
 
 /// Averages 2 x 2 pixels, each with the weight of its alpha: the colour of a transparent pixel (the
 /// ground of a text is green) must not tint its neighbours.
-void OverlayPlanes::convertChroma(const QImage &image, Scratch &scratch)
+void OverlayPlanes::convertChroma(const QRect &area, Scratch &scratch)
 {
-    const QRect part(m_form.oddX, m_form.oddY, m_form.part.width(), m_form.part.height());
-    const int columns = m_chromaSize.width();
-    const int rows = m_chromaSize.height();
-    const int width = columns * 2;
-    const int height = rows * 2;
+    const int width = area.width();
+    const int height = area.height();
+    const int columns = width / 2;
+    const int rows = height / 2;
     const int stride = aligned(width * 4);
     const int halfStride = aligned(columns * 4);
     const int planeStride = aligned(columns);
@@ -227,71 +324,78 @@ void OverlayPlanes::convertChroma(const QImage &image, Scratch &scratch)
     std::uint8_t *const padded = scratch.data();
     std::uint8_t *const averaged = padded + full;
 
+    const QRect part = partInPlanes() & area;
+    const QPoint from = part.topLeft() - partInPlanes().topLeft() + m_form.part.topLeft();
+    const QRect inside = part.translated(-area.topLeft());
+    const std::uint8_t *alphaRow = m_alpha + part.y() * m_stride + part.x();
+    bool opaque = true;
+    for (int y = 0; opaque && y < part.height(); ++y, alphaRow += m_stride)
+        opaque = isOpaque(alphaRow, part.width());
+
     // Multiplied by alpha, averaged, divided again. Where everything is opaque the plain average is
     // the same thing, as long as the padding has the colour of its neighbours.
-    const std::uint8_t *pixels
-        = image.constBits() + m_form.part.y() * image.bytesPerLine() + m_form.part.x() * 4;
-    std::uint8_t *const inside = padded + part.y() * stride + part.x() * 4;
-    if (m_opaque)
-        libyuv::ARGBCopy(pixels, image.bytesPerLine(), inside, stride, part.width(), part.height());
-    else
-        libyuv::ARGBAttenuate(pixels, image.bytesPerLine(), inside, stride, part.width(),
-                              part.height());
+    const auto multiply = opaque ? libyuv::ARGBCopy : libyuv::ARGBAttenuate;
+    multiply(m_image.constScanLine(from.y()) + from.x() * 4, m_image.bytesPerLine(),
+             padded + inside.y() * stride + inside.x() * 4, stride, inside.width(),
+             inside.height());
 
-    const auto pad = [this](std::uint8_t *to, const std::uint8_t *from, int count, bool frameEnds) {
-        if (m_opaque || frameEnds)
-            std::memcpy(to, from, size_t(count) * 4);
-        else
-            std::memset(to, 0, size_t(count) * 4);
-        for (int i = 0; m_opaque && !frameEnds && i < count; ++i)
-            to[4 * i + 3] = 0;
-    };
-    for (int y = part.top(); y <= part.bottom(); ++y) {
+    const auto pad
+        = [opaque](std::uint8_t *to, const std::uint8_t *from, int count, bool frameEnds) {
+              if (opaque || frameEnds)
+                  std::memcpy(to, from, size_t(count) * 4);
+              else
+                  std::memset(to, 0, size_t(count) * 4);
+              for (int i = 0; opaque && !frameEnds && i < count; ++i)
+                  to[4 * i + 3] = 0;
+          };
+    for (int y = inside.top(); y <= inside.bottom(); ++y) {
         std::uint8_t *row = padded + y * stride;
-        if (part.left() > 0)
+        if (inside.left() > 0)
             pad(row, row + 4, 1, false);
-        if (part.right() + 1 < width)
+        if (inside.right() + 1 < width)
             pad(row + (width - 1) * 4, row + (width - 2) * 4, 1, m_form.frameEndsX);
     }
-    if (part.top() > 0)
+    if (inside.top() > 0)
         pad(padded, padded + stride, width, false);
-    if (part.bottom() + 1 < height)
+    if (inside.bottom() + 1 < height)
         pad(padded + (height - 1) * stride, padded + (height - 2) * stride, width,
             m_form.frameEndsY);
 
     libyuv::ARGBScale(padded, stride, width, height, averaged, halfStride, columns, rows,
                       libyuv::kFilterBox);
-    if (!m_opaque)
+    if (!opaque)
         libyuv::ARGBUnattenuate(averaged, halfStride, averaged, halfStride, columns, rows);
 
     const bool interleaved = m_form.layout == PlanarFrame::Layout::NV12;
-    std::uint8_t *const u = interleaved ? averaged + half : m_chroma[0];
-    std::uint8_t *const v = interleaved ? u + plane : m_chroma[1];
-    std::uint8_t *const alpha = interleaved ? v + plane : m_chromaAlpha;
+    const int bytes = interleaved ? 2 : 1;
+    const int offset = area.y() / 2 * m_chromaStride + area.x() / 2 * bytes;
+    std::uint8_t *const u = interleaved ? averaged + half : m_chroma[0] + offset;
+    std::uint8_t *const v = interleaved ? u + plane : m_chroma[1] + offset;
+    std::uint8_t *const alpha = interleaved ? v + plane : m_chromaAlpha + offset;
+    const int uvStride = interleaved ? planeStride : m_chromaStride;
     const Weights &weights = weightsFor(m_form.matrix, m_form.range);
     for (int y = 0; y < rows; ++y)
-        chromaRow(averaged + y * halfStride, u + y * planeStride, v + y * planeStride, columns,
-                  weights);
-    libyuv::ARGBExtractAlpha(averaged, halfStride, alpha, planeStride, columns, rows);
+        convertChromaRow(averaged + y * halfStride, u + y * uvStride, v + y * uvStride, columns,
+                         weights);
+    libyuv::ARGBExtractAlpha(averaged, halfStride, alpha, uvStride, columns, rows);
     if (interleaved) {
-        libyuv::MergeUVPlane(u, planeStride, v, planeStride, m_chroma[0], m_chromaStride, columns,
-                             rows);
-        libyuv::MergeUVPlane(alpha, planeStride, alpha, planeStride, m_chromaAlpha, m_chromaStride,
+        libyuv::MergeUVPlane(u, uvStride, v, uvStride, m_chroma[0] + offset, m_chromaStride,
                              columns, rows);
+        libyuv::MergeUVPlane(alpha, uvStride, alpha, uvStride, m_chromaAlpha + offset,
+                             m_chromaStride, columns, rows);
     }
 }
 
-void OverlayPlanes::applyOpacity()
+void OverlayPlanes::applyOpacity(const QRect &area)
 {
     if (m_form.opacity >= 255)
         return;
-    const int chromaBytes = m_form.layout == PlanarFrame::Layout::NV12 ? 2 * m_chromaSize.width()
-                                                                       : m_chromaSize.width();
-    for (int y = 0; y < m_chromaSize.height(); ++y) {
-        multiplyRow(m_alpha + 2 * y * m_stride, 2 * m_chromaSize.width(), m_form.opacity);
-        multiplyRow(m_alpha + (2 * y + 1) * m_stride, 2 * m_chromaSize.width(), m_form.opacity);
-        multiplyRow(m_chromaAlpha + y * m_chromaStride, chromaBytes, m_form.opacity);
-    }
+    for (int y = area.top(); y <= area.bottom(); ++y)
+        multiplyRow(m_alpha + y * m_stride + area.x(), area.width(), m_form.opacity);
+    const int bytes = m_form.layout == PlanarFrame::Layout::NV12 ? 2 : 1;
+    for (int y = area.top() / 2; y <= area.bottom() / 2; ++y)
+        multiplyRow(m_chromaAlpha + y * m_chromaStride + area.x() / 2 * bytes,
+                    area.width() / 2 * bytes, m_form.opacity);
 }
 
 OverlayPlanes::Band OverlayPlanes::bandOfRow(int row) const
@@ -397,9 +501,8 @@ void OverlayPlanes::blendColumns(const PlanarFrame &frame, QPoint origin, const 
     if (left == right)
         return;
     // Luma of the padding is not there in a frame with an odd size.
-    const QRect part(m_form.oddX, m_form.oddY, m_form.part.width(), m_form.part.height());
-    const QRect luma
-        = part & QRect(2 * left, 2 * band.top, 2 * (right - left), 2 * (band.bottom - band.top));
+    const QRect luma = partInPlanes()
+        & QRect(2 * left, 2 * band.top, 2 * (right - left), 2 * (band.bottom - band.top));
     const int from = luma.y() * m_stride + luma.x();
     std::uint8_t *to
         = frame.planes[0] + (origin.y() + luma.y()) * frame.strides[0] + origin.x() + luma.x();
@@ -422,9 +525,8 @@ void OverlayPlanes::blendColumns(const PlanarFrame &frame, QPoint origin, const 
 void OverlayPlanes::copyColumns(const PlanarFrame &frame, QPoint origin, const Band &band, int left,
                                 int right) const
 {
-    const QRect part(m_form.oddX, m_form.oddY, m_form.part.width(), m_form.part.height());
-    const QRect luma
-        = part & QRect(2 * left, 2 * band.top, 2 * (right - left), 2 * (band.bottom - band.top));
+    const QRect luma = partInPlanes()
+        & QRect(2 * left, 2 * band.top, 2 * (right - left), 2 * (band.bottom - band.top));
     libyuv::CopyPlane(m_luma + luma.y() * m_stride + luma.x(), m_stride,
                       frame.planes[0] + (origin.y() + luma.y()) * frame.strides[0] + origin.x()
                           + luma.x(),

@@ -45,7 +45,8 @@ public:
     /// Working memory of a conversion; one for all conversions of a thread.
     using Scratch = std::vector<std::uint8_t>;
 
-    /// Converts @p image, which is ARGB32 with straight alpha.
+    /// Converts @p image; of a picture that comes in place of
+    /// another one only what differs, which mostly is a digit or two.
     void prepare(const QImage &image, const Form &form, Scratch &scratch);
     const Form &form() const;
 
@@ -68,10 +69,12 @@ private:
     };
 
     void allocate();
-    void convertLuma(const QImage &image);
-    void convertChroma(const QImage &image, Scratch &scratch);
+    QRect partInPlanes() const;
+    QRect changedRect(const QImage &image, const Form &form) const;
+    void convertLuma(const QRect &area);
     void padAlpha();
-    void applyOpacity();
+    void convertChroma(const QRect &area, Scratch &scratch);
+    void applyOpacity(const QRect &area);
     void findBands();
     Band bandOfRow(int row) const;
     void blendColumns(const PlanarFrame &frame, QPoint origin, const Band &band, int left,
@@ -80,8 +83,8 @@ private:
                      int right) const;
 
     Form m_form;
+    QImage m_image;                     ///< what the planes were made of
     QSize m_chromaSize;                 ///< [samples]; the luma planes are twice as wide and high
-    bool m_opaque = false;              ///< the part is, before opacity
     int m_stride = 0;                   ///< of the luma planes [bytes]
     int m_chromaStride = 0;             ///< of the chroma planes [bytes]
     std::vector<std::uint8_t> m_memory; ///< of the planes below

@@ -111,7 +111,7 @@ private Q_SLOTS:
                             qRound(settings.topMargin() + 2 * settings.rowHeight())));
         QVERIFY(speed);
         QCOMPARE(speed->opacity, 255);
-        QCOMPARE(overlay->items.size(), 2); // the heading, and no box without a reading
+        QCOMPARE(overlay->items.size(), 3); // heading, speed, time: no box without a reading
         QCOMPARE(overlay->clip, settings.marginRect().toAlignedRect());
     }
 
@@ -129,8 +129,10 @@ private Q_SLOTS:
         session.advanceTo(200);
         QVERIFY(session.scene()->snapshot() != first);
         QCOMPARE(session.scene()->snapshot()->items.size(), first->items.size() + 1);
-        session.advanceTo(1000);
-        QCOMPARE(session.nextChangeMs(), std::numeric_limits<qint64>::max());
+        session.advanceTo(999);
+        QCOMPARE(session.nextChangeMs(), 1000); // the video's time, in whole seconds
+        session.advanceTo(2500);
+        QCOMPARE(session.nextChangeMs(), 3000);
 
         // Back to the start: the speed of then.
         const auto end = session.scene()->snapshot();
@@ -145,7 +147,16 @@ private Q_SLOTS:
         session.addTexts();
         session.setTelemetry(telemetry("t_ms,NOT_A_VALUE\n0,1\n"));
         session.advanceTo(0);
-        QCOMPARE(session.scene()->snapshot()->items.size(), 1);
+        QCOMPARE(session.scene()->snapshot()->items.size(), 2); // the heading and the time
+    }
+
+    void readingsWithoutTexts()
+    {
+        OverlaySession session(QSize(1920, 1080));
+        session.setTelemetry(telemetry("t_ms,SPEED\n0,1\n"));
+        session.advanceTo(0);
+        QCOMPARE(session.scene()->snapshot()->items.size(), 0);
+        QCOMPARE(session.nextChangeMs(), std::numeric_limits<qint64>::max());
     }
 
     void picturesScaleToTheGrid()

@@ -25,6 +25,8 @@ constexpr qint64 maximumDecodedBytes = qint64(512) * 1024 * 1024;
 /// Null when the file is no picture, or one whose decoded size no device should be asked for.
 QImage loadPicture(const QString &path)
 {
+    if (path.isEmpty()) // no picture chosen: nothing that Qt should warn about
+        return QImage();
     QImageReader reader(path);
     reader.setDecideFormatFromContent(true); // a picture under a wrong file name is still a picture
     // The header is enough to refuse a monster; formats that do not tell their size are small ones.

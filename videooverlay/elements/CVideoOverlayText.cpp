@@ -26,28 +26,19 @@ struct Line
     QRect box;
 };
 
-/// What a text pixel of every coverage becomes over one kind of background, 0 to 255.
-using BlendTable = std::array<QRgb, 256>;
-
-/// Straight-alpha result of text over an area of one colour. A pixel that the text does not touch
-/// keeps @p untouched, so that colours survive to the bit.
-BlendTable blendTable(QRgb text, QRgb background, QRgb untouched)
+/// Straight-alpha result of @p color, seen with @p alpha (not 0), over @p below.
+QRgb over(QRgb color, int alpha, QRgb below)
 {
-    const auto channel = [](int text, int textAlpha, int back, int backShare, int sum) {
-        return (text * textAlpha * 255 + back * backShare + sum / 2) / sum;
-    };
-    BlendTable table;
-    table[0] = untouched;
-    for (int alpha = 1; alpha < 256; ++alpha) {
-        const int backShare = qAlpha(background) * (255 - alpha);
-        const int sum = alpha * 255 + backShare;
-        table[size_t(alpha)] = qRgba(
-            channel(qRed(text), alpha, qRed(background), backShare, sum),
-            channel(qGreen(text), alpha, qGreen(background), backShare, sum),
-            channel(qBlue(text), alpha, qBlue(background), backShare, sum), (sum + 127) / 255);
-    }
-    return table;
+    const int share = qAlpha(below) * (255 - alpha);
+    const int sum = alpha * 255 + share;
+    const auto channel
+        = [=](int front, int back) { return (front * alpha * 255 + back * share + sum / 2) / sum; };
+    return qRgba(channel(qRed(color), qRed(below)), channel(qGreen(color), qGreen(below)),
+                 channel(qBlue(color), qBlue(below)), (sum + 127) / 255);
 }
+
+/// What becomes of a box's pixel under text of every coverage, 0 to 255.
+using BlendTable = std::array<QRgb, 256>;
 
 /// The table for text on a box. The elements of a display mostly share their colours, so the last
 /// one is kept: its divisions cost as much as a third of painting the text.
@@ -62,7 +53,9 @@ const BlendTable &boxTable(QRgb text, QRgb box)
     };
     thread_local Kept kept;
     if (!kept.valid || kept.text != text || kept.box != box) {
-        kept.table = blendTable(text, box, qAlpha(box) == 0 ? ground : box);
+        kept.table[0] = box;
+        for (int alpha = 1; alpha < 256; ++alpha)
+            kept.table[size_t(alpha)] = over(text, alpha, box);
         kept.text = text;
         kept.box = box;
         kept.valid = true;
@@ -70,57 +63,34 @@ const BlendTable &boxTable(QRgb text, QRgb box)
     return kept.table;
 }
 
-void drawLines(QPainter &painter, const QVector<Line> &lines, const QFont &font,
-               const QColor &color, int alignment)
+QRgb *row(QImage &image, int y)
 {
-    painter.setFont(font);
-    painter.setBrush(color);
-    painter.setPen(color);
-    for (const Line &line : lines)
-        painter.drawText(line.bounds.translated(1, -1), alignment | Qt::AlignVCenter, line.text);
+    return reinterpret_cast<QRgb *>(image.scanLine(y));
 }
 
-void drawBoxes(QPainter &painter, const QVector<Line> &lines, const QColor &color)
+/// The letters' own colour where there is no box, as far as they cover the pixel.
+QRgb onGround(QRgb letters, QRgb text)
+{
+    const QRgb alpha = letters & 0xff000000;
+    return alpha == 0 ? ground : (alpha | (text & 0x00ffffff));
+}
+
+void drawBox(QPainter &painter, const Line &line, const QColor &color)
 {
     painter.setPen(Qt::NoPen);
     painter.setBrush(color);
-    for (const Line &line : lines)
-        painter.drawRect(line.box);
+    painter.drawRect(line.box);
 }
 
-/// Makes text over a box of the pixels from @p first up to @p last. Most of them hold no text,
-/// which eight at a time are found out quickly.
-void finishBox(QRgb *pixels, int first, int last, const BlendTable &table)
+void drawLetters(QPainter &painter, const Line &line, const QColor &color, int alignment)
 {
-    constexpr int step = 8;
-    int x = first;
-    for (; x + step <= last; x += step) {
-        QRgb any = 0;
-        for (int i = 0; i < step; ++i)
-            any |= pixels[x + i];
-        if (any == 0) {
-            std::fill_n(pixels + x, step, table[0]);
-            continue;
-        }
-        for (int i = 0; i < step; ++i)
-            pixels[x + i] = table[size_t(qAlpha(pixels[x + i]))];
-    }
-    for (; x < last; ++x)
-        pixels[x] = table[size_t(qAlpha(pixels[x]))];
+    painter.setBrush(color);
+    painter.setPen(color);
+    painter.drawText(line.bounds.translated(1, -1), alignment | Qt::AlignVCenter, line.text);
 }
 
-/// The same where there is no box: the text's own colour, as far as it covers the pixel.
-void finishGround(QRgb *pixels, int first, int last, QRgb text)
-{
-    for (int x = first; x < last; ++x) {
-        const QRgb alpha = pixels[x] & 0xff000000;
-        pixels[x] = alpha == 0 ? ground : (alpha | (text & 0x00ffffff));
-    }
-}
-
-/// Turns @p image, which holds premultiplied text, into the finished straight-alpha picture:
-/// @p inside holds within the boxes. A null @p inside leaves the boxes alone.
-void finish(QImage &image, const QVector<Line> &lines, const BlendTable *inside, QRgb text)
+/// Makes straight alpha of letters that were painted premultiplied beside opaque boxes.
+void finishOutside(QImage &image, const QVector<Line> &lines, QRgb text)
 {
     QVector<QRect> boxOfRow(image.height());
     for (const Line &line : lines) {
@@ -128,16 +98,63 @@ void finish(QImage &image, const QVector<Line> &lines, const BlendTable *inside,
         for (int y = box.top(); y <= box.bottom(); ++y)
             boxOfRow[y] = box;
     }
-    const int width = image.width();
     for (int y = 0; y < image.height(); ++y) {
-        auto *pixels = reinterpret_cast<QRgb *>(image.scanLine(y));
+        QRgb *pixels = row(image, y);
         const QRect box = boxOfRow.at(y);
         const int begin = box.isEmpty() ? 0 : box.left();
         const int end = box.isEmpty() ? 0 : box.right() + 1;
-        finishGround(pixels, 0, begin, text);
-        if (inside)
-            finishBox(pixels, begin, end, *inside);
-        finishGround(pixels, end, width, text);
+        for (int x = 0; x < begin; ++x)
+            pixels[x] = onGround(pixels[x], text);
+        for (int x = end; x < image.width(); ++x)
+            pixels[x] = onGround(pixels[x], text);
+    }
+}
+
+/// Lays a box of @p color over what is there: the ground, and here and there the foot of a letter
+/// of the line above.
+void layBox(QImage &image, const QRect &box, QRgb color)
+{
+    if (qAlpha(color) == 0)
+        return;
+    for (int y = box.top(); y <= box.bottom(); ++y) {
+        QRgb *const begin = row(image, y) + box.left();
+        std::transform(begin, begin + box.width(), begin, [color](QRgb below) {
+            return below == ground ? color : over(color, qAlpha(color), below);
+        });
+    }
+}
+
+/// Lays @p letters, painted premultiplied, over what is there, and wipes them.
+void layLetters(QImage &image, QImage &letters, QRgb text, QRgb box)
+{
+    constexpr int step = 8; // most pixels hold no letter: eight at a time are found out quickly
+    const BlendTable &onBox = boxTable(text, box);
+    const auto lay = [&](QRgb &letter, QRgb &pixel) {
+        const int alpha = qAlpha(letter);
+        if (alpha == 0)
+            return;
+        if (pixel == box)
+            pixel = onBox[size_t(alpha)];
+        else if (pixel == ground)
+            pixel = onGround(letter, text);
+        else
+            pixel = over(text, alpha, pixel);
+        letter = 0;
+    };
+    const int width = image.width();
+    for (int y = 0; y < image.height(); ++y) {
+        QRgb *const from = row(letters, y);
+        QRgb *const to = row(image, y);
+        int x = 0;
+        for (; x + step <= width; x += step) {
+            QRgb any = 0;
+            for (int i = 0; i < step; ++i)
+                any |= from[x + i];
+            for (int i = 0; any != 0 && i < step; ++i)
+                lay(from[x + i], to[x + i]);
+        }
+        for (; x < width; ++x)
+            lay(from[x], to[x]);
     }
 }
 
@@ -395,28 +412,39 @@ void CVideoOverlayText::renderText(QImage &image) const
             {text, bounds, QRect(bounds.left(), bounds.top(), bounds.width(), int(rowHeight))});
     }
 
-    // The painter writes premultiplied bytes for text, whatever an ARGB32 image says it holds. So
-    // paint on a premultiplied view of the same memory, and make straight alpha of it afterwards.
+    // The painter writes premultiplied bytes for text, whatever an ARGB32 image says it holds. Over
+    // opaque boxes that is the same thing, and only what lies beside them needs a second look. Over
+    // others the letters are painted apart, and put together in straight alpha.
     const bool straightAlpha = image.format() == QImage::Format_ARGB32;
-    const bool opaqueBoxes = m_backgroundColor.alpha() == 255;
-    image.fill(straightAlpha ? QColor(0, 0, 0, 0) : QColor::fromRgba(ground));
-    QImage view = straightAlpha ? QImage(image.bits(), image.width(), image.height(),
-                                         image.bytesPerLine(), QImage::Format_ARGB32_Premultiplied)
-                                : QImage();
+    const bool apart = straightAlpha && m_backgroundColor.alpha() < 255;
+    image.fill(straightAlpha && !apart ? QColor(0, 0, 0, 0) : QColor::fromRgba(ground));
+    QImage canvas;
+    if (apart) {
+        canvas = QImage(image.size(), QImage::Format_ARGB32_Premultiplied);
+        canvas.fill(0);
+    } else if (straightAlpha) {
+        canvas = QImage(image.bits(), image.width(), image.height(), image.bytesPerLine(),
+                        QImage::Format_ARGB32_Premultiplied);
+    }
     QPainter painter;
-    if (!painter.begin(straightAlpha ? &view : &image)) {
+    if (!painter.begin(straightAlpha ? &canvas : &image)) {
         image = QImage();
         return;
     }
-    if (!straightAlpha || opaqueBoxes)
-        drawBoxes(painter, lines, m_backgroundColor);
-    drawLines(painter, lines, m_font, m_textColor, m_alignment);
-    painter.end();
-    if (!straightAlpha)
-        return;
-
+    painter.setFont(m_font);
     const QRgb text = m_textColor.rgba();
-    finish(image, lines, opaqueBoxes ? nullptr : &boxTable(text, m_backgroundColor.rgba()), text);
+    for (const Line &line : qAsConst(lines)) {
+        if (!apart)
+            drawBox(painter, line, m_backgroundColor);
+        drawLetters(painter, line, m_textColor, m_alignment);
+        if (apart) {
+            layBox(image, line.box & image.rect(), m_backgroundColor.rgba());
+            layLetters(image, canvas, text, m_backgroundColor.rgba());
+        }
+    }
+    painter.end();
+    if (straightAlpha && !apart)
+        finishOutside(image, lines, text);
 }
 
 } // namespace Velmar::VideoOverlay

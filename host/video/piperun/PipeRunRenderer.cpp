@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <climits>
 #include <cmath>
+#include <utility>
 
 namespace Velmar::Host {
 
@@ -19,14 +20,16 @@ constexpr int RowCount = 1 << RowBits;
 constexpr int RingBits = 3;
 constexpr int ChromaShift = 1; ///< chroma has half as many columns and rows
 
-constexpr int RipplesBits = 7;
+constexpr int RipplesBits = 8;
 constexpr int RipplesSize = 1 << RipplesBits;
 constexpr int NoiseCount = 1 << 14;
 constexpr int NoiseMargin = 32; ///< noise stays below
 constexpr int ToneCount = 512;
 
-constexpr int BlockSize = 16;  ///< [px] between two rays that are really cast
-constexpr double SightM = 4.6; ///< nothing is seen beyond
+constexpr int BlockSize = 16;        ///< [px] between two rays that are really cast
+constexpr double SightM = 4.6;       ///< nothing is seen beyond
+constexpr double BackSightM = 1.9;   ///< the same behind the camera
+constexpr double TexelReachM = 0.13; ///< a row of the coarsest level, which is blended in beyond
 
 constexpr float WaterCentre = 0.5F;      ///< [turns] the bottom of the pipe
 constexpr float WaterHalfWidth = 0.055F; ///< [turns]
@@ -87,7 +90,14 @@ public:
         , m_around(around)
         , m_along(along)
         , m_row(std::size_t(around) + 1)
+        , m_columns(AngleCount)
     {
+        for (int i = 0; i < AngleCount; ++i) {
+            const float position = (float(i) + 0.5F) / AngleCount * float(around);
+            Column &column = m_columns[std::size_t(i)];
+            column.cell = std::uint32_t(position);
+            column.t = smooth(position - float(column.cell));
+        }
     }
 
     void setRow(int metre, float share)
@@ -96,9 +106,16 @@ public:
         const int cell = int(position);
         const float t = smooth(position - float(cell));
         const auto row = std::uint32_t(metre * m_along + cell);
+        if (m_pair.empty() || row != m_pairRow) {
+            m_pairRow = row;
+            m_pair.resize(std::size_t(m_around));
+            for (int i = 0; i < m_around; ++i) {
+                const auto key = std::uint32_t(i);
+                m_pair[std::size_t(i)] = {random(m_seed, row, key), random(m_seed, row + 1, key)};
+            }
+        }
         for (int i = 0; i < m_around; ++i) {
-            const float a = random(m_seed, row, std::uint32_t(i));
-            const float b = random(m_seed, row + 1, std::uint32_t(i));
+            const auto &[a, b] = m_pair[std::size_t(i)];
             m_row[std::size_t(i)] = 2.0F * (a + (b - a) * t) - 1.0F;
         }
         m_row.back() = m_row.front();
@@ -108,15 +125,35 @@ public:
     {
         const float position = turns * float(m_around);
         const auto cell = std::size_t(position);
-        const float t = smooth(position - float(cell));
-        return m_row[cell] + (m_row[cell + 1] - m_row[cell]) * t;
+        return between(cell, smooth(position - float(cell)));
+    }
+
+    /// In the middle of a column of the texture.
+    float atColumn(int column) const
+    {
+        const Column &place = m_columns[std::size_t(column)];
+        return between(place.cell, place.t);
     }
 
 private:
+    struct Column
+    {
+        std::uint32_t cell;
+        float t;
+    };
+
+    float between(std::size_t cell, float t) const
+    {
+        return m_row[cell] + (m_row[cell + 1] - m_row[cell]) * t;
+    }
+
     std::uint32_t m_seed;
     int m_around;
     int m_along;
+    std::uint32_t m_pairRow = 0;
+    std::vector<std::pair<float, float>> m_pair; ///< the two rows of cells around the current one
     std::vector<float> m_row;
+    std::vector<Column> m_columns;
 };
 
 /// Reflectance 0 to 255 and the two colour differences of one place on the wall.
@@ -165,6 +202,125 @@ struct Defects
     bool offset;        ///< the joint gapes on one side
     float tone;         ///< pipes of different batches
 };
+
+/// One place on the wall and the noise there.
+struct Spot
+{
+    float turns;
+    float along;    ///< [m] from the beginning of its metre
+    float joint;    ///< [m] from the nearest joint, which may lie before or behind
+    float fromSole; ///< [turns] signed
+    float height;   ///< [turns] the same without sign
+    float cloud;
+    float patch;
+    float streak;
+    float pore;
+    float frayed;
+};
+
+Texel bareWall(const Spot &at, float tone)
+{
+    Texel texel {142.0F + tone + 15.0F * at.cloud + 13.0F * at.patch + 9.0F * at.streak
+                     + 13.0F * at.pore + 7.0F * at.frayed,
+                 -8.0F - 2.0F * at.cloud, 6.0F + 2.0F * at.patch};
+    texel.luma -= 30.0F * ramp(0.62F, 1.05F, -at.pore - 0.25F * at.frayed);
+    // Stains where the pattern of patches is strongest.
+    texel.mix(0.50F * ramp(0.20F, 0.85F, at.patch + 0.5F * at.cloud + 0.18F * at.frayed),
+              84.0F + 12.0F * at.pore, -15.0F, 10.0F);
+    return texel;
+}
+
+/// Higher water has left a dark, slimy band with a pale line on top.
+void paintSole(Texel &texel, const Spot &at)
+{
+    const float line = 0.135F + 0.012F * at.patch + 0.006F * at.frayed;
+    texel.mix(0.55F * (1.0F - ramp(line - 0.05F, line, at.height)), 84.0F + 18.0F * at.streak,
+              -17.0F, 5.0F);
+    texel.mix(0.35F * ramp(0.010F, 0.002F, std::abs(at.height - line)), 205.0F, -6.0F, 4.0F);
+}
+
+/// A shadowed gap between two lit edges.
+void paintJoint(Texel &texel, const Spot &at, const Defects &defects)
+{
+    const float gap = defects.offset && turnsBetween(at.turns, 0.15F) > 0.0F ? 0.016F : 0.009F;
+    const float distance = std::abs(at.joint + 0.0012F * at.frayed);
+    if (distance >= 0.06F)
+        return;
+    texel.mix(0.30F * ramp(0.06F, 0.03F, distance), 110.0F, -14.0F, 8.0F);
+    texel.mix(0.75F * ramp(gap + 0.016F, gap + 0.006F, distance), 222.0F, -5.0F, 4.0F);
+    texel.mix(0.94F * ramp(gap + 0.003F, gap - 0.001F, distance), 24.0F, -4.0F, 4.0F);
+}
+
+/// Lime that has run out of the joint and down the wall.
+void paintLime(Texel &texel, const Spot &at, const Defects &defects)
+{
+    const float across = std::abs(turnsBetween(at.turns, defects.depositTurns))
+        / (defects.depositWidth * (1.0F + 0.4F * at.streak));
+    const float along
+        = std::abs(at.joint) / std::max(0.01F, 0.07F + 0.05F * at.frayed + 0.03F * at.patch);
+    const float amount = 1.0F - ramp(0.5F, 1.0F, std::max(across, along));
+    texel.mix(0.80F * amount, 226.0F + 14.0F * at.pore, -5.0F, 3.0F);
+}
+
+/// Thin dark threads that hang out of the joint.
+void paintRoots(Texel &texel, const Spot &at, const Defects &defects)
+{
+    const float across = turnsBetween(at.turns, defects.rootsTurns);
+    const float length = 0.16F * (1.0F - 120.0F * across * across);
+    if (length <= 0.01F)
+        return;
+    const float thread = std::abs(at.streak + 0.35F * at.frayed);
+    const float amount
+        = ramp(length, 0.4F * length, std::abs(at.joint)) * ramp(0.30F, 0.10F, thread);
+    texel.mix(0.85F * amount, 48.0F + 40.0F * ramp(0.05F, 0.0F, thread), -15.0F, 12.0F);
+}
+
+/// A crack wanders along the pipe; @p wander is -1 to 1.
+void paintCrack(Texel &texel, const Spot &at, const Defects &defects, float wander)
+{
+    if (at.along <= defects.crackFrom || at.along >= defects.crackTo)
+        return;
+    const float taper = ramp(defects.crackFrom, defects.crackFrom + 0.08F, at.along)
+        * ramp(defects.crackTo, defects.crackTo - 0.08F, at.along);
+    const float centre = defects.crackTurns + 0.030F * wander + 0.004F * at.frayed;
+    const float off = std::abs(turnsBetween(at.turns, centre));
+    const float width = std::max(1e-6F, 0.0035F * taper);
+    texel.mix(0.35F * ramp(5.0F * width, width, off), 96.0F, -12.0F, 8.0F);
+    texel.mix(0.90F * ramp(width, 0.4F * width, off), 22.0F, -4.0F, 4.0F);
+}
+
+/// A cut edge around a dark bore whose far wall still gets some light. The lateral's centre is at
+/// @p centreTurns and @p centreAlong, as a spot counts them.
+void paintLateral(Texel &texel, const Spot &at, float centreTurns, float centreAlong, float radius)
+{
+    const float x
+        = turnsBetween(at.turns, centreTurns) * float(2.0 * Pi * PipeRunRenderer::PipeRadiusM);
+    const float y = at.along - centreAlong;
+    const float r = std::sqrt(x * x + y * y) / radius + 0.02F * at.frayed;
+    texel.mix(0.7F * ramp(1.40F, 1.12F, r), 100.0F + 20.0F * at.patch, -14.0F, 9.0F);
+    texel.mix(ramp(1.16F, 1.11F, r), 205.0F + 20.0F * at.pore, -7.0F, 6.0F);
+    const float far = ramp(0.1F, 1.0F, y / radius) * ramp(0.3F, 0.95F, r);
+    texel.mix(ramp(1.04F, 0.98F, r), 10.0F + 95.0F * far + 10.0F * far * at.patch,
+              -3.0F - 8.0F * far, 3.0F + 6.0F * far);
+
+    // What drips out of it has stained the wall below.
+    const bool sameSide = (at.fromSole > 0.0F) == (centreTurns > 0.5F);
+    const float below = at.fromSole > 0.0F ? turnsBetween(centreTurns, at.turns)
+                                           : turnsBetween(at.turns, centreTurns);
+    if (r > 1.1F && sameSide && below > 0.0F) {
+        const float wet = ramp(0.05F, 0.02F, std::abs(y) + 0.012F * at.streak);
+        texel.mix(0.5F * wet, 78.0F + 25.0F * at.streak, -18.0F, 10.0F);
+    }
+}
+
+/// The water reaches up to @p edge [turns] from the middle of the sole.
+void paintFlow(Texel &texel, const Spot &at, float edge)
+{
+    const float wet = ramp(edge + 0.002F, edge - 0.002F, at.height);
+    const float bank = ramp(0.008F, 0.001F, std::abs(at.height - edge));
+    texel.mix(0.90F * wet, 44.0F + 9.0F * at.cloud + 5.0F * at.streak, -8.0F, 2.0F);
+    texel.mix(0.5F * bank, 150.0F, -7.0F, 4.0F);
+}
 
 std::uint8_t toByte(float value)
 {
@@ -229,7 +385,7 @@ PipeRunRenderer::PipeRunRenderer(quint32 seed)
         fine.setRow(0, share);
         for (int x = 0; x < RipplesSize; ++x) {
             const float turns = float(x) / RipplesSize;
-            m_ripples[std::size_t(y * RipplesSize + x)]
+            m_ripples[std::size_t(y) * RipplesSize + std::size_t(x)]
                 = toByte(128.0F + 75.0F * coarse.at(turns) + 50.0F * fine.at(turns));
         }
     }
@@ -262,9 +418,10 @@ PipeRunRenderer::Lateral PipeRunRenderer::lateralIn(quint32 seed, int metre)
     return lateral;
 }
 
-void PipeRunRenderer::prepareMetres(int first)
+void PipeRunRenderer::prepareMetres(int first, int last)
 {
-    for (int metre = first; metre < first + RingMetres; ++metre) {
+    Q_ASSERT(last - first < RingMetres);
+    for (int metre = first; metre <= last; ++metre) {
         if (m_metres[std::size_t(metre & (RingMetres - 1))] != metre)
             drawMetre(metre);
     }
@@ -294,105 +451,38 @@ void PipeRunRenderer::drawMetre(int metre)
             noise->setRow(metre, share);
 
         const bool nearNext = share > 0.5F;
-        const float joint = nearNext ? share - 1.0F : share; // [m] from the nearest joint
         const Defects &atJoint = nearNext ? next : here;
         const float waterLeft = WaterHalfWidth + 0.007F * edge.at(0.1F);
         const float waterRight = WaterHalfWidth + 0.007F * edge.at(0.6F);
-        const float tone = here.tone;
+        const float wander = edge.at(0.3F);
 
         for (int column = 0; column < AngleCount; ++column) {
-            const float turns = (float(column) + 0.5F) / AngleCount;
-            const float cloud = clouds.at(turns);
-            const float patch = patches.at(turns);
-            const float streak = streaks.at(turns);
-            const float pore = pores.at(turns);
-            const float frayed = fray.at(turns);
+            Spot spot;
+            spot.turns = (float(column) + 0.5F) / AngleCount;
+            spot.along = share;
+            spot.joint = nearNext ? share - 1.0F : share;
+            spot.fromSole = turnsBetween(spot.turns, WaterCentre);
+            spot.height = std::abs(spot.fromSole);
+            spot.cloud = clouds.atColumn(column);
+            spot.patch = patches.atColumn(column);
+            spot.streak = streaks.atColumn(column);
+            spot.pore = pores.atColumn(column);
+            spot.frayed = fray.atColumn(column);
 
-            Texel texel {142.0F + tone + 15.0F * cloud + 13.0F * patch + 9.0F * streak
-                             + 13.0F * pore + 7.0F * frayed,
-                         -8.0F - 2.0F * cloud, 6.0F + 2.0F * patch};
-            texel.luma -= 30.0F * ramp(0.62F, 1.05F, -pore - 0.25F * frayed);
-
-            // Stains where the pattern of patches is strongest.
-            texel.mix(0.50F * ramp(0.20F, 0.85F, patch + 0.5F * cloud + 0.18F * frayed),
-                      84.0F + 12.0F * pore, -15.0F, 10.0F);
-
-            // The sole: higher water has left a dark, slimy band with a pale line on top.
-            const float fromSole = turnsBetween(turns, WaterCentre);
-            const float height = std::abs(fromSole);
-            const float lineAt = 0.135F + 0.012F * patch + 0.006F * frayed;
-            texel.mix(0.55F * (1.0F - ramp(lineAt - 0.05F, lineAt, height)), 84.0F + 18.0F * streak,
-                      -17.0F, 5.0F);
-            texel.mix(0.35F * ramp(0.010F, 0.002F, std::abs(height - lineAt)), 205.0F, -6.0F, 4.0F);
-
-            // The joint: a shadowed gap between two lit edges.
-            const float gap = atJoint.offset && turnsBetween(turns, 0.15F) > 0.0F ? 0.016F : 0.009F;
-            const float fromJoint = std::abs(joint + 0.0012F * frayed);
-            if (fromJoint < 0.06F) {
-                texel.mix(0.30F * ramp(0.06F, 0.03F, fromJoint), 110.0F, -14.0F, 8.0F);
-                texel.mix(0.75F * ramp(gap + 0.016F, gap + 0.006F, fromJoint), 222.0F, -5.0F, 4.0F);
-                texel.mix(0.94F * ramp(gap + 0.003F, gap - 0.001F, fromJoint), 24.0F, -4.0F, 4.0F);
-            }
-
-            // Lime that has run out of the joint and down the wall.
-            if (atJoint.deposit) {
-                const float across = std::abs(turnsBetween(turns, atJoint.depositTurns))
-                    / (atJoint.depositWidth * (1.0F + 0.4F * streak));
-                const float along = std::abs(joint) / (0.07F + 0.05F * frayed + 0.03F * patch);
-                const float amount = 1.0F - ramp(0.5F, 1.0F, std::max(across, along));
-                texel.mix(0.80F * amount, 226.0F + 14.0F * pore, -5.0F, 3.0F);
-            }
-
-            // Roots: thin dark threads that hang out of the joint.
-            if (atJoint.roots) {
-                const float across = turnsBetween(turns, atJoint.rootsTurns);
-                const float length = 0.16F * (1.0F - 60.0F * across * across * 2.0F);
-                const float thread = std::abs(streak + 0.35F * frayed);
-                const float amount = ramp(length, 0.4F * length, std::abs(joint))
-                    * ramp(0.30F, 0.10F, thread) * (length > 0.01F ? 1.0F : 0.0F);
-                texel.mix(0.85F * amount, 48.0F + 40.0F * ramp(0.05F, 0.0F, thread), -15.0F, 12.0F);
-            }
-
-            // A crack wanders along the pipe.
-            if (here.crack && share > here.crackFrom && share < here.crackTo) {
-                const float taper = ramp(here.crackFrom, here.crackFrom + 0.08F, share)
-                    * ramp(here.crackTo, here.crackTo - 0.08F, share);
-                const float at = here.crackTurns + 0.030F * edge.at(0.3F) + 0.004F * frayed;
-                const float off = std::abs(turnsBetween(turns, at));
-                const float width = 0.0035F * taper;
-                texel.mix(0.35F * ramp(5.0F * width, width, off), 96.0F, -12.0F, 8.0F);
-                texel.mix(0.90F * ramp(width, 0.4F * width, off), 22.0F, -4.0F, 4.0F);
-            }
-
-            // The lateral: a cut edge around a dark bore whose far wall still gets some light.
+            Texel texel = bareWall(spot, here.tone);
+            paintSole(texel, spot);
+            paintJoint(texel, spot, atJoint);
+            if (atJoint.deposit)
+                paintLime(texel, spot, atJoint);
+            if (atJoint.roots)
+                paintRoots(texel, spot, atJoint);
+            if (here.crack)
+                paintCrack(texel, spot, here, wander);
             if (lateral.exists) {
-                const float centre = float(lateral.clockHours) / 12.0F;
-                const float x = turnsBetween(turns, centre) * float(2.0 * Pi * PipeRadiusM);
-                const float y = share - float(lateral.distanceM - metre);
-                const float r = std::sqrt(x * x + y * y) / float(lateral.radiusM) + 0.02F * frayed;
-                texel.mix(0.7F * ramp(1.40F, 1.12F, r), 100.0F + 20.0F * patch, -14.0F, 9.0F);
-                texel.mix(ramp(1.16F, 1.11F, r), 205.0F + 20.0F * pore, -7.0F, 6.0F);
-                const float inside = ramp(1.04F, 0.98F, r);
-                const float far
-                    = ramp(0.1F, 1.0F, y / float(lateral.radiusM)) * ramp(0.3F, 0.95F, r);
-                texel.mix(inside, 10.0F + 95.0F * far + 10.0F * far * patch, -3.0F - 8.0F * far,
-                          3.0F + 6.0F * far);
-                // What drips out of it has stained the wall below.
-                const float below
-                    = fromSole > 0.0F ? turnsBetween(centre, turns) : turnsBetween(turns, centre);
-                const bool sameSide = (fromSole > 0.0F) == (centre > 0.5F);
-                if (r > 1.1F && sameSide && below > 0.0F) {
-                    const float wet = ramp(0.05F, 0.02F, std::abs(y) + 0.012F * streak);
-                    texel.mix(0.5F * wet, 78.0F + 25.0F * streak, -18.0F, 10.0F);
-                }
+                paintLateral(texel, spot, float(lateral.clockHours) / 12.0F,
+                             float(lateral.distanceM - metre), float(lateral.radiusM));
             }
-
-            // The flow covers everything else.
-            const float water = fromSole < 0.0F ? waterLeft : waterRight;
-            const float wet = ramp(water + 0.002F, water - 0.002F, height);
-            const float bank = ramp(0.008F, 0.001F, std::abs(height - water));
-            texel.mix(0.90F * wet, 44.0F + 9.0F * cloud + 5.0F * streak, -8.0F, 2.0F);
-            texel.mix(0.5F * bank, 150.0F, -7.0F, 4.0F);
+            paintFlow(texel, spot, spot.fromSole < 0.0F ? waterLeft : waterRight);
 
             luma[std::size_t(row) * AngleCount + std::size_t(column)] = toByte(texel.luma);
             if ((row & 1) == 0 && (column & 1) == 0) {
@@ -405,19 +495,25 @@ void PipeRunRenderer::drawMetre(int metre)
         }
     }
 
-    // Farther levels: only along the pipe, since that is the direction in which distance squeezes.
+    shrinkMetre(slot);
+    m_metres[std::size_t(slot)] = metre;
+}
+
+void PipeRunRenderer::shrinkMetre(int slot)
+{
+    constexpr std::ptrdiff_t PairBytes = std::ptrdiff_t(2) * AngleCount;
+    // Only along the pipe, since that is the direction in which distance squeezes.
     for (int level = 1; level < Levels; ++level) {
         const int rows = RowCount >> level;
         const std::uint8_t *from = m_luma[std::size_t(level) - 1].data()
             + std::size_t(slot) * std::size_t(rows) * 2 * AngleCount;
         std::uint8_t *to = m_luma[std::size_t(level)].data()
             + std::size_t(slot) * std::size_t(rows) * AngleCount;
-        for (int row = 0; row < rows; ++row, from += 2 * AngleCount, to += AngleCount) {
+        for (int row = 0; row < rows; ++row, from += PairBytes, to += AngleCount) {
             for (int column = 0; column < AngleCount; ++column)
                 to[column] = std::uint8_t((from[column] + from[column + AngleCount] + 1) / 2);
         }
     }
-    m_metres[std::size_t(slot)] = metre;
 }
 
 PipeRunRenderer::Node PipeRunRenderer::castRay(const Camera &camera, double x, double y) const
@@ -437,8 +533,7 @@ PipeRunRenderer::Node PipeRunRenderer::castRay(const Camera &camera, double x, d
     const float wallX = camera.x + t * d[0];
     const float wallY = camera.y + t * d[1];
     const float reach = std::abs(t * d[2]);
-    // Behind the camera fewer metres are kept than ahead of it.
-    const float sight = d[2] < 0.0F ? 1.9F : float(SightM);
+    const float sight = float(d[2] < 0.0F ? BackSightM : SightM);
     const float depth = std::copysign(std::min(reach, sight), d[2]);
     const float range = std::min(t, 20.0F);
 
@@ -502,7 +597,7 @@ struct Plane
         , leftStep(std::uint32_t(between(topLeft, bottomLeft) / size))
         , slope(std::uint32_t(between(topLeft, topRight) / size))
         , slopeStep(std::uint32_t((between(bottomLeft, bottomRight) - between(topLeft, topRight))
-                                  / (size * size)))
+                                  / (std::int64_t(size) * size)))
     {
     }
 
@@ -575,8 +670,8 @@ void PipeRunRenderer::fillPixels(const Target &target, int x, int y, int size, c
             if (off < FlowEdge) {
                 // Where the crests of both layers meet, the lamps are mirrored.
                 constexpr std::uint32_t Mask = RipplesSize - 1;
-                const std::uint32_t across = u >> (AngleShift - 1);
-                const std::uint32_t along = v >> 20;
+                const std::uint32_t across = u >> (AngleShift - 2);
+                const std::uint32_t along = v >> 19;
                 const std::uint32_t first = (along + target.ripplesA) & Mask;
                 const std::uint32_t second = (along * 2 + target.ripplesB) & Mask;
                 const int crest = m_ripples[first << RipplesBits | (across & Mask)]
@@ -589,48 +684,82 @@ void PipeRunRenderer::fillPixels(const Target &target, int x, int y, int size, c
         return std::min(value * (std::int32_t(l) >> 8) >> 8, ToneCount - 1);
     };
     const auto shown = [&target](int value, std::int8_t noise) {
-        return target.tone[std::size_t(value + noise + NoiseMargin)];
+        const int index = value + noise + NoiseMargin;
+        return target.tone[std::size_t(index)];
     };
 
-    // Where the wall is so near that texels are larger than pixels, every second pixel is as good
-    // as the mean of its neighbours.
-    const auto angleStep = std::max(std::abs(between(topLeft.angle, topRight.angle)),
-                                    std::abs(between(bottomLeft.angle, bottomRight.angle)))
+    // Where the wall is so near that texels are larger than pixels, every second pixel of every
+    // second line is sampled, and the rest are means of their neighbours.
+    const auto angleStep = std::max({std::abs(between(topLeft.angle, topRight.angle)),
+                                     std::abs(between(topLeft.angle, bottomLeft.angle)),
+                                     std::abs(between(bottomLeft.angle, bottomRight.angle))})
         / size;
-    const bool magnified = !flow && level == 0 && width % 2 == 0 && step <= (1U << RowShift) * 3 / 4
-        && angleStep <= (1 << AngleShift) * 3 / 4;
+    const bool magnified = !flow && level == 0 && width % 2 == 0 && height % 2 == 0
+        && step <= (1U << RowShift) * 3 / 4 && angleStep <= (1 << AngleShift) * 3 / 4;
 
     std::uint32_t dice = hash(target.noiseKey + std::uint32_t(y) * 9176U + std::uint32_t(x));
-    for (int row = 0; row < height; ++row) {
-        std::uint32_t u = angle.left - (1U << (AngleShift - 1));
-        std::uint32_t v = depth.left - (1U << (rowShift - 1));
-        std::uint32_t l = light.left;
+    const auto nextNoise = [this, &dice] {
         dice = dice * 1664525U + 1013904223U;
-        const std::int8_t *noise = m_noise.data() + (dice >> 8) % (NoiseCount - BlockSize);
-        std::uint8_t *out = frame.planes[0] + std::ptrdiff_t(y + row) * frame.strides[0] + x;
+        return m_noise.data() + (dice >> 8) % (NoiseCount - BlockSize);
+    };
+    const auto lineAt = [&frame, x, y](int row) {
+        return frame.planes[0] + std::ptrdiff_t(y + row) * frame.strides[0] + x;
+    };
+    constexpr std::uint32_t HalfColumn = 1U << (AngleShift - 1);
+    const std::uint32_t halfRow = 1U << (rowShift - 1);
 
-        if (magnified) {
-            int value = sample(u, v, l);
-            for (int i = 0; i < width; i += 2) {
+    if (magnified) {
+        constexpr int GridSize = BlockSize / 2 + 1;
+        int grid[2][GridSize];
+        const auto sampleLine = [&](int *to) {
+            std::uint32_t u = angle.left - HalfColumn;
+            std::uint32_t v = depth.left - halfRow;
+            std::uint32_t l = light.left;
+            for (int i = 0; i <= width / 2; ++i) {
+                to[i] = sample(u, v, l);
                 u += 2 * angle.slope;
                 v += 2 * depth.slope;
                 l += 2 * light.slope;
-                const int next = sample(u, v, l);
-                out[i] = shown(value, noise[i]);
-                out[i + 1] = shown((value + next) >> 1, noise[i + 1]);
-                value = next;
             }
-        } else {
+            for (Plane *plane : {&angle, &depth, &light}) {
+                plane->nextRow();
+                plane->nextRow();
+            }
+        };
+        sampleLine(grid[0]);
+        for (int row = 0; row < height; row += 2) {
+            const int *const above = grid[row / 2 % 2];
+            int *const below = grid[1 - row / 2 % 2];
+            sampleLine(below);
+            std::uint8_t *const upper = lineAt(row);
+            std::uint8_t *const lower = lineAt(row + 1);
+            const std::int8_t *const upperNoise = nextNoise();
+            const std::int8_t *const lowerNoise = nextNoise();
+            for (std::ptrdiff_t i = 0; i < width / 2; ++i) {
+                const int left = above[i] + below[i];
+                const int right = above[i + 1] + below[i + 1];
+                upper[2 * i] = shown(above[i], upperNoise[2 * i]);
+                upper[2 * i + 1] = shown((above[i] + above[i + 1]) >> 1, upperNoise[2 * i + 1]);
+                lower[2 * i] = shown(left >> 1, lowerNoise[2 * i]);
+                lower[2 * i + 1] = shown((left + right) >> 2, lowerNoise[2 * i + 1]);
+            }
+        }
+    } else {
+        for (int row = 0; row < height; ++row) {
+            std::uint32_t u = angle.left - HalfColumn;
+            std::uint32_t v = depth.left - halfRow;
+            std::uint32_t l = light.left;
+            std::uint8_t *const out = lineAt(row);
+            const std::int8_t *const noise = nextNoise();
             for (int i = 0; i < width; ++i) {
                 out[i] = shown(sample(u, v, l), noise[i]);
                 u += angle.slope;
                 v += depth.slope;
                 l += light.slope;
             }
+            for (Plane *plane : {&angle, &depth, &light})
+                plane->nextRow();
         }
-        angle.nextRow();
-        depth.nextRow();
-        light.nextRow();
     }
 
     angle = firstAngle;
@@ -643,7 +772,8 @@ void PipeRunRenderer::fillPixels(const Target &target, int x, int y, int size, c
         std::uint32_t v = depth.left;
         std::uint32_t l = light.left;
         const std::ptrdiff_t line = (y + row) / 2;
-        std::uint8_t *blue = frame.planes[1] + line * frame.strides[1] + x / 2 * step2;
+        std::uint8_t *blue
+            = frame.planes[1] + line * frame.strides[1] + std::ptrdiff_t(x / 2) * step2;
         std::uint8_t *red
             = step2 == 1 ? frame.planes[2] + line * frame.strides[2] + x / 2 : blue + 1;
         for (int i = 0; i < width; i += 2) {
@@ -673,12 +803,9 @@ void PipeRunRenderer::render(const PlanarFrame &frame, const View &view)
         return;
     const double distance
         = std::isfinite(view.distanceM) ? std::clamp(view.distanceM, -100000.0, 100000.0) : 0.0;
-    const double time = std::isfinite(view.timeS) ? view.timeS : 0.0;
+    const double time = std::isfinite(view.timeS) ? std::clamp(view.timeS, -1e9, 1e9) : 0.0;
     const double pan = std::isfinite(view.panDeg) ? std::clamp(view.panDeg, -180.0, 180.0) : 0.0;
     const double tilt = std::isfinite(view.tiltDeg) ? std::clamp(view.tiltDeg, -90.0, 90.0) : 0.0;
-
-    const int metre = int(std::floor(distance));
-    prepareMetres(metre - 2);
 
     // The crawler sways as it drives over what lies on the sole: by the way, not by the time.
     const double sway
@@ -708,6 +835,15 @@ void PipeRunRenderer::render(const PlanarFrame &frame, const View &view)
     camera.centreX = 0.5F * float(frame.width);
     camera.centreY = 0.5F * float(frame.height);
 
+    // What lies behind is drawn only for a camera that turns so far that a corner shows it.
+    const double back = double(camera.forward[2])
+        - double(std::abs(camera.right[2]) * (camera.centreX + BlockSize)
+                 + std::abs(camera.up[2]) * (camera.centreY + BlockSize))
+            / double(camera.focal);
+    const double behind = back > 0.0 ? 0.0 : BackSightM;
+    prepareMetres(int(std::floor(distance - behind - TexelReachM)),
+                  int(std::floor(distance + SightM + TexelReachM)));
+
     Target target;
     target.frame = &frame;
     target.chromaStep = frame.layout == PlanarFrame::Layout::NV12 ? 2 : 1;
@@ -720,8 +856,8 @@ void PipeRunRenderer::render(const PlanarFrame &frame, const View &view)
     }
     const auto tick = std::uint32_t(std::int64_t(std::llround(time * 1000.0)));
     target.noiseKey = hash(m_key, tick, 7);
-    target.ripplesA = std::uint32_t(std::int64_t(-time * 45.0));
-    target.ripplesB = std::uint32_t(std::int64_t(-time * 120.0));
+    target.ripplesA = std::uint32_t(std::int64_t(-time * 90.0));
+    target.ripplesB = std::uint32_t(std::int64_t(-time * 240.0));
 
     const int columns = (frame.width + BlockSize - 1) / BlockSize;
     std::vector<Node> above(std::size_t(columns) + 1);

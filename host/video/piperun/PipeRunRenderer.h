@@ -60,11 +60,12 @@ private:
     struct Camera;
     struct Target;
 
-    static constexpr int RingMetres = 8; ///< metres kept: two behind the camera, the rest ahead
+    static constexpr int RingMetres = 8; ///< metres kept: what is in sight, both ways
     static constexpr int Levels = 7;     ///< each half as fine along the pipe as the one before
 
-    void prepareMetres(int first);
+    void prepareMetres(int first, int last);
     void drawMetre(int metre);
+    void shrinkMetre(int slot); ///< makes the coarser levels
     Node castRay(const Camera &camera, double x, double y) const;
     void fillBlock(const Camera &camera, const Target &target, int x, int y, int size,
                    const Node &topLeft, const Node &topRight, const Node &bottomLeft,

@@ -145,6 +145,8 @@ gboolean start(GstBaseSrc *base)
     source.negotiated = false;
     source.frames = 0;
     source.offset = 0;
+    const std::lock_guard<std::mutex> lock(source.mutex);
+    source.queryRateN = 0;
     return TRUE;
 }
 
