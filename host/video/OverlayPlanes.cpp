@@ -238,7 +238,7 @@ QRect OverlayPlanes::changedRect(const QImage &image, const Form &form) const
         int end = part.width();
         while (end > right && before[end - 1] == after[end - 1])
             --end;
-        right = std::max(right, end);
+        right = end;
     }
     if (top >= bottom)
         return QRect();
