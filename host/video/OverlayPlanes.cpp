@@ -20,6 +20,9 @@ constexpr int alignment = 32;
 /// costs about as much as they do.
 constexpr int samplesPerCall = 64;
 
+/// Chroma samples that any row function of libyuv takes at once, and more.
+constexpr int samplesPerVector = 16;
+
 int aligned(int bytes)
 {
     return (bytes + alignment - 1) / alignment * alignment;
@@ -133,12 +136,17 @@ constexpr LumaRow convertLumaRow = lumaRow;
 constexpr ChromaRow convertChromaRow = chromaRow;
 #endif
 
-bool isOpaque(const std::uint8_t *alpha, int count)
+bool isOpaque(const QImage &image, const QRect &part)
 {
-    std::uint8_t all = 255; // no early end: so the loop runs on vectors
-    for (int i = 0; i < count; ++i)
-        all &= alpha[i];
-    return all == 255;
+    for (int y = part.top(); y <= part.bottom(); ++y) {
+        const auto *pixels = reinterpret_cast<const QRgb *>(image.constScanLine(y)) + part.x();
+        QRgb all = 0xff000000; // no early end within a row: so the loop runs on vectors
+        for (int x = 0; x < part.width(); ++x)
+            all &= pixels[x];
+        if (all != 0xff000000)
+            return false;
+    }
+    return true;
 }
 
 void multiplyRow(std::uint8_t *values, int count, int factor)
@@ -190,8 +198,10 @@ const OverlayPlanes::Form &OverlayPlanes::form() const
 void OverlayPlanes::prepare(const QImage &image, const Form &form, Scratch &scratch)
 {
     QImage straight = image.convertToFormat(QImage::Format_ARGB32); // mostly it is already
-    const QRect changed = changedRect(straight, form);
+    const bool opaque = isOpaque(straight, form.part);
+    const QRect changed = changedRect(straight, form, opaque);
     m_form = form;
+    m_opaque = opaque;
     m_image = std::move(straight);
     if (changed.isEmpty())
         return;
@@ -210,14 +220,14 @@ QRect OverlayPlanes::partInPlanes() const
 }
 
 /// What must be converted for @p image [px of the planes]: whole chroma samples, or nothing.
-QRect OverlayPlanes::changedRect(const QImage &image, const Form &form) const
+QRect OverlayPlanes::changedRect(const QImage &image, const Form &form, bool opaque) const
 {
     const QRect &part = form.part;
     const QRect all(0, 0, (form.oddX + part.width() + 1) / 2 * 2,
                     (form.oddY + part.height() + 1) / 2 * 2);
     Form sameRevision = form;
     sameRevision.revision = m_form.revision;
-    if (m_image.size() != image.size() || !(sameRevision == m_form))
+    if (m_image.size() != image.size() || opaque != m_opaque || !(sameRevision == m_form))
         return all;
 
     const auto row = [&part](const QImage &image, int y) {
@@ -320,8 +330,11 @@ void OverlayPlanes::convertChroma(const QRect &area, Scratch &scratch)
     const int height = area.height();
     const int columns = width / 2;
     const int rows = height / 2;
-    const int stride = aligned(width * 4);
-    const int halfStride = aligned(columns * 4);
+    // libyuv rounds another way in the columns that do not fill a vector, so there are none: the
+    // same picture gives the same planes, whatever was shown before.
+    const int halfWidth = (columns + samplesPerVector - 1) / samplesPerVector * samplesPerVector;
+    const int stride = halfWidth * 2 * 4;
+    const int halfStride = halfWidth * 4;
     const int planeStride = aligned(columns);
     const size_t full = size_t(stride) * size_t(height);
     const size_t half = size_t(halfStride) * size_t(rows);
@@ -334,17 +347,13 @@ void OverlayPlanes::convertChroma(const QRect &area, Scratch &scratch)
     const QRect part = partInPlanes() & area;
     const QPoint from = part.topLeft() - partInPlanes().topLeft() + m_form.part.topLeft();
     const QRect inside = part.translated(-area.topLeft());
-    const std::uint8_t *alphaRow = m_alpha + part.y() * m_stride + part.x();
-    bool opaque = true;
-    for (int y = 0; opaque && y < part.height(); ++y, alphaRow += m_stride)
-        opaque = isOpaque(alphaRow, part.width());
-
     // Multiplied by alpha, averaged, divided again. Where everything is opaque the plain average is
-    // the same thing, as long as the padding has the colour of its neighbours.
-    const auto multiply = opaque ? libyuv::ARGBCopy : libyuv::ARGBAttenuate;
-    multiply(m_image.constScanLine(from.y()) + from.x() * 4, m_image.bytesPerLine(),
-             padded + inside.y() * stride + inside.x() * 4, stride, inside.width(),
-             inside.height());
+    // the same thing, as long as the padding has the colour of its neighbours. Everything: decided
+    // by the changed area alone, the rounding would depend on what was shown before.
+    const bool opaque = m_opaque;
+    libyuv::ARGBCopy(m_image.constScanLine(from.y()) + from.x() * 4, m_image.bytesPerLine(),
+                     padded + inside.y() * stride + inside.x() * 4, stride, inside.width(),
+                     inside.height());
 
     const auto pad
         = [opaque](std::uint8_t *to, const std::uint8_t *from, int count, bool frameEnds) {
@@ -368,10 +377,12 @@ void OverlayPlanes::convertChroma(const QRect &area, Scratch &scratch)
         pad(padded + (height - 1) * stride, padded + (height - 2) * stride, width,
             m_form.frameEndsY);
 
-    libyuv::ARGBScale(padded, stride, width, height, averaged, halfStride, columns, rows,
+    if (!opaque)
+        libyuv::ARGBAttenuate(padded, stride, padded, stride, halfWidth * 2, height);
+    libyuv::ARGBScale(padded, stride, halfWidth * 2, height, averaged, halfStride, halfWidth, rows,
                       libyuv::kFilterBox);
     if (!opaque)
-        libyuv::ARGBUnattenuate(averaged, halfStride, averaged, halfStride, columns, rows);
+        libyuv::ARGBUnattenuate(averaged, halfStride, averaged, halfStride, halfWidth, rows);
 
     const bool interleaved = m_form.layout == PlanarFrame::Layout::NV12;
     const int bytes = interleaved ? 2 : 1;

@@ -70,7 +70,7 @@ private:
 
     void allocate();
     QRect partInPlanes() const;
-    QRect changedRect(const QImage &image, const Form &form) const;
+    QRect changedRect(const QImage &image, const Form &form, bool opaque) const;
     void convertLuma(const QRect &area);
     void padAlpha();
     void convertChroma(const QRect &area, Scratch &scratch);
@@ -84,6 +84,7 @@ private:
 
     Form m_form;
     QImage m_image;                     ///< what the planes were made of
+    bool m_opaque = false;              ///< the part of it that shows is, before opacity
     QSize m_chromaSize;                 ///< [samples]; the luma planes are twice as wide and high
     int m_stride = 0;                   ///< of the luma planes [bytes]
     int m_chromaStride = 0;             ///< of the chroma planes [bytes]

@@ -691,15 +691,14 @@ void tst_FrameBurner::changedPictureEqualsNewOne()
                 TestFrame expected = frame.clone();
                 burner.burn(frame.planes(), snapshotOf({changed}, clip));
                 FrameBurner().burn(expected.planes(), snapshotOf({changed}, clip));
-                // Luma to the bit. Averages may differ by a step, for libyuv rounds them another
-                // way in the last columns of an area than before.
+                // To the bit: a recording does not depend on when it was begun.
                 for (int y = 0; y < frameSize.height(); ++y)
                     for (int x = 0; x < frameSize.width(); ++x)
                         QCOMPARE(frame.y(x, y), expected.y(x, y));
                 for (int y = 0; y < frame.chromaSize().height(); ++y) {
                     for (int x = 0; x < frame.chromaSize().width(); ++x) {
-                        QVERIFY(std::abs(frame.u(x, y) - expected.u(x, y)) <= 1);
-                        QVERIFY(std::abs(frame.v(x, y) - expected.v(x, y)) <= 1);
+                        QCOMPARE(frame.u(x, y), expected.u(x, y));
+                        QCOMPARE(frame.v(x, y), expected.v(x, y));
                     }
                 }
                 QVERIFY(frame.guardsEqual(expected));
