@@ -230,15 +230,22 @@ QRect OverlayPlanes::changedRect(const QImage &image, const Form &form) const
     for (int y = 0; y < part.height(); ++y) {
         const QRgb *before = row(m_image, y);
         const QRgb *after = row(image, y);
-        if (std::memcmp(before, after, size_t(part.width()) * sizeof(QRgb)) == 0)
+        const auto differ = [before, after](int from, int to) {
+            return std::memcmp(before + from, after + from, size_t(to - from) * sizeof(QRgb)) != 0;
+        };
+        if (!differ(0, part.width()))
             continue;
         top = std::min(top, y);
         bottom = y + 1;
-        left = int(std::mismatch(before, before + left, after).first - before);
-        int end = part.width();
-        while (end > right && before[end - 1] == after[end - 1])
-            --end;
-        right = std::max(right, end);
+        // Pixel by pixel only where that widens the rectangle.
+        if (differ(0, left))
+            left = int(std::mismatch(before, before + left, after).first - before);
+        if (differ(right, part.width())) {
+            int end = part.width();
+            while (before[end - 1] == after[end - 1])
+                --end;
+            right = end;
+        }
     }
     if (top >= bottom)
         return QRect();

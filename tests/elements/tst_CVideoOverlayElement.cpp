@@ -934,10 +934,8 @@ private Q_SLOTS:
             startTimeout(element, 5);
             timerOf(element)->start(1);
         });
-        QSignalSpy finished(&thread, &QThread::finished);
         thread.start();
-        QVERIFY(finished.wait(10000));
-        QVERIFY(thread.wait());
+        QVERIFY(thread.wait(10000));
         QCOMPARE(firedOn, &thread);
     }
 
