@@ -109,6 +109,17 @@ public:
         return other;
     }
 
+    /// Guard bytes included; 0 for a plane that there is not.
+    int largestDifference(const TestFrame &other, size_t plane) const
+    {
+        const auto *mine = reinterpret_cast<const quint8 *>(m_memory[plane].constData());
+        const auto *others = reinterpret_cast<const quint8 *>(other.m_memory[plane].constData());
+        int largest = 0;
+        for (int i = 0; i < m_memory[plane].size(); ++i)
+            largest = std::max(largest, std::abs(mine[i] - others[i]));
+        return largest;
+    }
+
     bool operator==(const TestFrame &other) const { return m_memory == other.m_memory; }
 
     /// Nothing but the rows of the planes may ever be written.
@@ -693,16 +704,9 @@ void tst_FrameBurner::changedPictureEqualsNewOne()
                 FrameBurner().burn(expected.planes(), snapshotOf({changed}, clip));
                 // Luma to the bit. Averages may differ by a step, for libyuv rounds them another
                 // way in the last columns of an area than before.
-                for (int y = 0; y < frameSize.height(); ++y)
-                    for (int x = 0; x < frameSize.width(); ++x)
-                        QCOMPARE(frame.y(x, y), expected.y(x, y));
-                for (int y = 0; y < frame.chromaSize().height(); ++y) {
-                    for (int x = 0; x < frame.chromaSize().width(); ++x) {
-                        QVERIFY(std::abs(frame.u(x, y) - expected.u(x, y)) <= 1);
-                        QVERIFY(std::abs(frame.v(x, y) - expected.v(x, y)) <= 1);
-                    }
-                }
-                QVERIFY(frame.guardsEqual(expected));
+                QCOMPARE(frame.largestDifference(expected, 0), 0);
+                QVERIFY(frame.largestDifference(expected, 1) <= 1);
+                QVERIFY(frame.largestDifference(expected, 2) <= 1);
             }
         }
     }
