@@ -169,19 +169,7 @@ void tst_xqosd::snapshotOfAFrameShowsWhatTheRecordingShows()
     QCOMPARE(outcome.out, path("snapshot.png") + QLatin1Char('\n'));
     const QImage snapshot(path("snapshot.png"));
     QCOMPARE(snapshot.size(), QSize(640, 480));
-    const QImage recorded(path("both.png"));
-    QCOMPARE(recorded.size(), snapshot.size());
-    // Of a text that changes, only the changed part is converted anew, and that rounds the colour
-    // of its edge by a step or two.
-    for (int y = 0; y < snapshot.height(); ++y) {
-        for (int x = 0; x < snapshot.width(); ++x) {
-            const QRgb a = snapshot.pixel(x, y);
-            const QRgb b = recorded.pixel(x, y);
-            const int apart = qMax(qAbs(qRed(a) - qRed(b)),
-                                   qMax(qAbs(qGreen(a) - qGreen(b)), qAbs(qBlue(a) - qBlue(b))));
-            QVERIFY2(apart <= 4, qPrintable(QStringLiteral("%1, %2").arg(x).arg(y)));
-        }
-    }
+    QCOMPARE(snapshot, QImage(path("both.png")));
 }
 
 void tst_xqosd::snapshotOnTransparency()
