@@ -268,6 +268,62 @@ private Q_SLOTS:
         Directories::setReadonlyConfigDirectory(QString());
     }
 
+    void shippedCaptions_data()
+    {
+        QTest::addColumn<QString>("code");
+        QTest::addColumn<QString>("speedText");
+        QTest::newRow("en") << "ENG"
+                            << "Speed";
+        QTest::newRow("de") << "DEU"
+                            << "Geschwindigkeit";
+        QTest::newRow("fr") << "FRA"
+                            << "Vitesse";
+        QTest::newRow("es") << "SPA"
+                            << "Velocidad";
+        QTest::newRow("it") << "ITA" << QStringLiteral("Velocit\u00E0");
+        QTest::newRow("nl") << "NLD"
+                            << "Snelheid";
+        QTest::newRow("pl") << "POL" << QStringLiteral("Pr\u0119dko\u015B\u0107");
+        QTest::newRow("cs") << "CES"
+                            << "Rychlost";
+        QTest::newRow("sv") << "SWE"
+                            << "Hastighet";
+    }
+
+    void shippedCaptions()
+    {
+        QFETCH(QString, code);
+        Test::RecordedLog log;
+        TranslationStore &store = TranslationStore::instance();
+        store.setDirectory(QFINDTESTDATA("../../data/translations"));
+        QCOMPARE(store.availableLocales().size(), 9);
+        const QLocale locale(QString::fromLatin1(QTest::currentDataTag()));
+        QVERIFY(store.availableLocales().contains(locale));
+        store.setLocale(locale);
+
+        const QString captions = QStringLiteral("Velmar.Corvane.App.OsdSystemTextCaption");
+        const QStringList keys = QStringLiteral("SECTION_DISTANCE_COUNTER TOTAL_DISTANCE_COUNTER "
+                                                "SAT_DISTANCE_COUNTER SPEED DATE TIME "
+                                                "VIDEO_TIME_COUNTER CAMERA_TILT "
+                                                "CAMERA_TEMPERATURE CAMERA_PAN CAMERA_PRESSURE "
+                                                "CRAWLER_PITCH CRAWLER_ROLL CRAWLER_TEMPERATURE "
+                                                "CRAWLER_PRESSURE OBJECT_TEMPERATURE")
+                                     .split(QLatin1Char(' '));
+        CTranslator *translator = CTranslator::instance();
+        translator->updateTranslationForGivenKeys(code, keys);
+        QSet<QString> different;
+        for (const QString &key : keys) {
+            const QString text = translator->txt(captions, key, QString(), {});
+            QVERIFY2(!text.isEmpty(), qPrintable(key));
+            QCOMPARE(translator->translate(captions + CTranslator::TXT_PART + key, QString(), code),
+                     text);
+            different.insert(text);
+        }
+        QCOMPARE(different.size(), keys.size());
+        QTEST(translator->txt(captions, QStringLiteral("SPEED"), QString(), {}), "speedText");
+        QCOMPARE(log.take(), QStringList());
+    }
+
 private:
     QString path(const char *name) const
     {
