@@ -57,6 +57,7 @@ QString AngleUnitsConverter::getSuffix(QString unit)
     return QString();
 }
 
+// NOLINTNEXTLINE(performance-unnecessary-value-param): by value, like those of convert()
 double AngleUnitsConverter::convertToBase(double value, QString unit)
 {
     return table().toBase(value, unit);

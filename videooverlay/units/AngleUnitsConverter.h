@@ -22,9 +22,11 @@ public:
 
     /// A value of an unknown unit comes back as it is.
     double convertToBase(double value, QString unit);
+    // NOLINTBEGIN(bugprone-reserved-identifier): hosts call them by these names
     double convertBaseTo__hour(double value);
     double convertBaseTo__degrees(double value);
     double convertBaseTo__percent(double value);
+    // NOLINTEND(bugprone-reserved-identifier)
 
     /// Runs fixed cases through convert() and keeps the outcome to itself.
     void selfTest();

@@ -43,6 +43,7 @@ QString PressureUnitsConverter::getSuffix(QString unit)
     return unit.isEmpty() ? CLocaleSupport::getPressureUnitString() : unit;
 }
 
+// NOLINTNEXTLINE(performance-unnecessary-value-param): by value, like those of convert()
 double PressureUnitsConverter::convertToBase(double value, QString unit)
 {
     return table().toBase(value, unit);

@@ -18,9 +18,11 @@ public:
 
     /// A value of an unknown unit comes back as it is.
     double convertToBase(double value, QString unit);
+    // NOLINTBEGIN(bugprone-reserved-identifier): hosts call them by these names
     double convertBaseTo__mbar(double value);
     double convertBaseTo__atm(double value);
     double convertBaseTo__Pa(double value);
+    // NOLINTEND(bugprone-reserved-identifier)
 
     /// Runs fixed cases through convert() and keeps the outcome to itself.
     void selfTest();

@@ -45,6 +45,7 @@ QString SpeedUnitsConverter::getSuffix(QString unit)
     return unit.isEmpty() ? CLocaleSupport::getSpeedUnitString() : unit;
 }
 
+// NOLINTNEXTLINE(performance-unnecessary-value-param): by value, like those of convert()
 double SpeedUnitsConverter::convertToBase(double value, QString unit)
 {
     return table().toBase(value, unit);

@@ -21,6 +21,7 @@ public:
 
     /// A value of an unknown unit comes back as it is, and is logged as an error.
     double convertToBase(double value, QString unit);
+    // NOLINTBEGIN(bugprone-reserved-identifier): hosts call them by these names
     double convertBaseTo__m_per_min(double value);
     double convertBaseTo__ft_per_sec(double value);
     double convertBaseTo__inch_per_sec(double value);
@@ -28,6 +29,7 @@ public:
     double convertBaseTo__cm_per_sec(double value);
     double convertBaseTo__inch_per_min(double value);
     double convertBaseTo__m_per_sec(double value);
+    // NOLINTEND(bugprone-reserved-identifier)
 
     /// Runs fixed cases through convert() and keeps the outcome to itself. Those that start from
     /// inches per second expect the physical factor and do not match.
