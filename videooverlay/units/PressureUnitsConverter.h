@@ -1,0 +1,34 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include "videooverlay/units/UnitsProvider.h"
+
+namespace Velmar::VideoOverlay {
+
+/// Pressures, with a decimal point. The base unit is the millibar.
+class XQVIDEOOVERLAY_EXPORT PressureUnitsConverter : public UnitsProvider
+{
+public:
+    explicit PressureUnitsConverter(int decimals);
+
+    /// An empty @p to is unknown: the value in its own unit is shown.
+    QString convert(QVariant value, QString from, QString to) override;
+    /// An empty @p unit stands for the user's.
+    QString getSuffix(QString unit) override;
+
+    /// A value of an unknown unit comes back as it is.
+    double convertToBase(double value, QString unit);
+    // NOLINTBEGIN(bugprone-reserved-identifier): hosts call them by these names
+    double convertBaseTo__mbar(double value);
+    double convertBaseTo__atm(double value);
+    double convertBaseTo__Pa(double value);
+    // NOLINTEND(bugprone-reserved-identifier)
+
+    /// Runs fixed cases through convert() and keeps the outcome to itself.
+    void selfTest();
+
+private:
+    int m_decimals;
+};
+
+} // namespace Velmar::VideoOverlay
