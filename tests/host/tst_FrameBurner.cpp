@@ -109,6 +109,17 @@ public:
         return other;
     }
 
+    /// Guard bytes included; 0 for a plane that there is not.
+    int largestDifference(const TestFrame &other, size_t plane) const
+    {
+        const auto *mine = reinterpret_cast<const quint8 *>(m_memory[plane].constData());
+        const auto *others = reinterpret_cast<const quint8 *>(other.m_memory[plane].constData());
+        int largest = 0;
+        for (int i = 0; i < m_memory[plane].size(); ++i)
+            largest = std::max(largest, std::abs(mine[i] - others[i]));
+        return largest;
+    }
+
     bool operator==(const TestFrame &other) const { return m_memory == other.m_memory; }
 
     /// Nothing but the rows of the planes may ever be written.
@@ -692,16 +703,8 @@ void tst_FrameBurner::changedPictureEqualsNewOne()
                 burner.burn(frame.planes(), snapshotOf({changed}, clip));
                 FrameBurner().burn(expected.planes(), snapshotOf({changed}, clip));
                 // To the bit: a recording does not depend on when it was begun.
-                for (int y = 0; y < frameSize.height(); ++y)
-                    for (int x = 0; x < frameSize.width(); ++x)
-                        QCOMPARE(frame.y(x, y), expected.y(x, y));
-                for (int y = 0; y < frame.chromaSize().height(); ++y) {
-                    for (int x = 0; x < frame.chromaSize().width(); ++x) {
-                        QCOMPARE(frame.u(x, y), expected.u(x, y));
-                        QCOMPARE(frame.v(x, y), expected.v(x, y));
-                    }
-                }
-                QVERIFY(frame.guardsEqual(expected));
+                for (int plane = 0; plane < 3; ++plane)
+                    QCOMPARE(frame.largestDifference(expected, plane), 0);
             }
         }
     }
