@@ -225,6 +225,9 @@ template <typename Step> GstFlowReturn guarded(GstBaseTransform *transform, Step
     } catch (const std::exception &error) {
         GST_ELEMENT_ERROR(transform, RESOURCE, FAILED, ("The overlay could not be drawn."),
                           ("%s", error.what()));
+    } catch (...) {
+        GST_ELEMENT_ERROR(transform, RESOURCE, FAILED, ("The overlay could not be drawn."),
+                          (nullptr));
     }
     return GST_FLOW_ERROR;
 }
