@@ -5,6 +5,7 @@
 #include <QMutexLocker>
 #include <QPainter>
 
+#include <algorithm>
 #include <cmath>
 
 // Needed where the library is linked statically: nothing else would pull the resource in.
@@ -31,7 +32,9 @@ QImage loadPicture(const QString &path)
     reader.setDecideFormatFromContent(true); // a picture under a wrong file name is still a picture
     // The header is enough to refuse a monster; formats that do not tell their size are small ones.
     const QSize size = reader.size();
-    if (size.isValid() && qint64(size.width()) * size.height() > maximumDecodedBytes / 4)
+    const int bitsPerPixel = QImage::toPixelFormat(reader.imageFormat()).bitsPerPixel();
+    const qint64 bytesPerPixel = std::max(4, bitsPerPixel / 8); // as much as it takes in use
+    if (size.isValid() && size.width() * bytesPerPixel > maximumDecodedBytes / size.height())
         return QImage();
     return reader.read();
 }
