@@ -14,6 +14,7 @@ namespace {
 
 constexpr int MaxLineLength = 64 * 1024; ///< [bytes] without the line end
 constexpr int Utf8Mib = 106;
+constexpr qint64 LongestRampMs = 1000;
 
 /// Decodes @p line; false when it is not UTF-8.
 bool decode(const QByteArray &line, QString &text)
@@ -217,7 +218,11 @@ double TelemetryFile::interpolated(const QString &name, qint64 timeMs, double fa
     const double before = track->values.at(index);
     if (next == times.cend())
         return before;
-    const double share = double(timeMs - times.at(index)) / double(*next - times.at(index));
+    // A value that was not written for long has stood still, and moves only now.
+    const qint64 from = std::max(times.at(index), *next - LongestRampMs);
+    if (timeMs <= from)
+        return before;
+    const double share = double(timeMs - from) / double(*next - from);
     return before + (track->values.at(index + 1) - before) * share;
 }
 

@@ -34,9 +34,9 @@ public:
     const QVector<Reading> &readings() const; ///< in order of time
     qint64 durationMs() const;                ///< time of the last line
 
-    /// The value of the numeric column @p name at @p timeMs, interpolated between its readings;
-    /// @p fallback where there is no such column or no number yet. A column is numeric when all its
-    /// readings are numbers.
+    /// The value of the numeric column @p name at @p timeMs, interpolated between its readings over
+    /// a second at most: before that it is held. @p fallback where there is no such column or no
+    /// number yet. A column is numeric when all its readings are numbers.
     double interpolated(const QString &name, qint64 timeMs, double fallback = 0.0) const;
 
 private:

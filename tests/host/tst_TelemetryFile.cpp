@@ -232,6 +232,8 @@ private Q_SLOTS:
         row("always blank", "BLANK", 400, -1.0);
         row("unknown", "C", 400, -1.0);
         row("the time itself", "t_ms", 400, -1.0);
+        row("held while it rests", "RESTING", 4000, 10.0);
+        row("moving at last", "RESTING", 4500, 15.0);
     }
 
     void interpolated()
@@ -239,13 +241,14 @@ private Q_SLOTS:
         QFETCH(QString, name);
         QFETCH(qint64, timeMs);
         QFETCH(double, value);
-        write("t_ms,A,MIXED,TEXT,BLANK\n"
-              "0,,1,a,\n"
-              "100,10,2,,\n"
-              "200,,x,,\n"
-              "300,20,4,,\n"
-              "400,30,5,,\n"
-              "400,40,6,,\n");
+        write("t_ms,A,MIXED,TEXT,BLANK,RESTING\n"
+              "0,,1,a,,10\n"
+              "100,10,2,,,\n"
+              "200,,x,,,\n"
+              "300,20,4,,,\n"
+              "400,30,5,,,\n"
+              "400,40,6,,,\n"
+              "5000,,,,,20\n");
         TelemetryFile file;
         QVERIFY(file.load(m_path, nullptr));
         QCOMPARE(file.interpolated(name, timeMs, -1.0), value);
