@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 namespace Velmar::VideoOverlay {
 
@@ -53,7 +54,7 @@ const BlendTable &boxTable(QRgb text, QRgb box)
     };
     thread_local Kept kept;
     if (!kept.valid || kept.text != text || kept.box != box) {
-        kept.table[0] = box;
+        kept.table[0] = qAlpha(box) == 0 ? ground : box;
         for (int alpha = 1; alpha < 256; ++alpha)
             kept.table[size_t(alpha)] = over(text, alpha, box);
         kept.text = text;
@@ -61,18 +62,6 @@ const BlendTable &boxTable(QRgb text, QRgb box)
         kept.valid = true;
     }
     return kept.table;
-}
-
-QRgb *row(QImage &image, int y)
-{
-    return reinterpret_cast<QRgb *>(image.scanLine(y));
-}
-
-/// The letters' own colour where there is no box, as far as they cover the pixel.
-QRgb onGround(QRgb letters, QRgb text)
-{
-    const QRgb alpha = letters & 0xff000000;
-    return alpha == 0 ? ground : (alpha | (text & 0x00ffffff));
 }
 
 void drawBox(QPainter &painter, const Line &line, const QColor &color)
@@ -89,74 +78,114 @@ void drawLetters(QPainter &painter, const Line &line, const QColor &color, int a
     painter.drawText(line.bounds.translated(1, -1), alignment | Qt::AlignVCenter, line.text);
 }
 
-/// Makes straight alpha of letters that were painted premultiplied beside opaque boxes.
-void finishOutside(QImage &image, const QVector<Line> &lines, QRgb text)
+/// Puts boxes and letters together in straight alpha. Letters come painted premultiplied, and only
+/// their coverage is used.
+class Composer
 {
-    QVector<QRect> boxOfRow(image.height());
-    for (const Line &line : lines) {
-        const QRect box = line.box & image.rect();
-        for (int y = box.top(); y <= box.bottom(); ++y)
-            boxOfRow[y] = box;
+public:
+    Composer(QImage &image, QRgb text, QRgb box)
+        : m_image(image)
+        , m_text(text)
+        , m_box(box)
+    {
     }
-    for (int y = 0; y < image.height(); ++y) {
-        QRgb *pixels = row(image, y);
-        const QRect box = boxOfRow.at(y);
-        const int begin = box.isEmpty() ? 0 : box.left();
-        const int end = box.isEmpty() ? 0 : box.right() + 1;
-        for (int x = 0; x < begin; ++x)
-            pixels[x] = onGround(pixels[x], text);
-        for (int x = end; x < image.width(); ++x)
-            pixels[x] = onGround(pixels[x], text);
-    }
-}
 
-/// Lays a box of @p color over what is there: the ground, and here and there the foot of a letter
-/// of the line above.
-void layBox(QImage &image, const QRect &box, QRgb color)
-{
-    if (qAlpha(color) == 0)
-        return;
-    for (int y = box.top(); y <= box.bottom(); ++y) {
-        QRgb *const begin = row(image, y) + box.left();
-        std::transform(begin, begin + box.width(), begin, [color](QRgb below) {
-            return below == ground ? color : over(color, qAlpha(color), below);
-        });
+    /// The letters of the only @p line stand in the picture itself; lays its box under them.
+    void layOnlyLine(const Line &line)
+    {
+        const BlendTable &onBox = boxTable(m_text, m_box);
+        const QRect box = line.box & m_image.rect();
+        for (int y = 0; y < m_image.height(); ++y) {
+            const bool inBox = y >= box.top() && y <= box.bottom();
+            const int begin = inBox ? box.left() : 0;
+            const int end = inBox ? box.left() + box.width() : 0;
+            QRgb *pixels = row(m_image, y);
+            finishGround(pixels, 0, begin);
+            finishBox(pixels, begin, end, onBox);
+            finishGround(pixels, end, m_image.width());
+        }
     }
-}
 
-/// Lays @p letters, painted premultiplied, over what is there, and wipes them.
-void layLetters(QImage &image, QImage &letters, QRgb text, QRgb box)
-{
-    constexpr int step = 8; // most pixels hold no letter: eight at a time are found out quickly
-    const BlendTable &onBox = boxTable(text, box);
-    const auto lay = [&](QRgb &letter, QRgb &pixel) {
-        const int alpha = qAlpha(letter);
-        if (alpha == 0)
-            return;
-        if (pixel == box)
-            pixel = onBox[size_t(alpha)];
-        else if (pixel == ground)
-            pixel = onGround(letter, text);
-        else
-            pixel = over(text, alpha, pixel);
-        letter = 0;
-    };
-    const int width = image.width();
-    for (int y = 0; y < image.height(); ++y) {
-        QRgb *const from = row(letters, y);
-        QRgb *const to = row(image, y);
-        int x = 0;
-        for (; x + step <= width; x += step) {
+    /// Lays @p line, its box first, over what is there, and wipes its @p letters.
+    void layLine(QImage &letters, const Line &line)
+    {
+        const QRect box = line.box & m_image.rect();
+        for (int y = box.top(); qAlpha(m_box) > 0 && y <= box.bottom(); ++y) {
+            QRgb *pixels = row(m_image, y);
+            for (int x = box.left(); x <= box.right(); ++x)
+                pixels[x] = pixels[x] == ground ? m_box : over(m_box, qAlpha(m_box), pixels[x]);
+        }
+        const BlendTable &onBox = boxTable(m_text, m_box);
+        // High letters reach into the rows around.
+        const int top = std::max(0, line.bounds.top() - line.bounds.height());
+        const int bottom
+            = std::min(m_image.height() - 1, line.bounds.bottom() + line.bounds.height());
+        for (int y = top; y <= bottom; ++y) {
+            QRgb *from = row(letters, y);
+            QRgb *to = row(m_image, y);
+            for (int x = 0; x < m_image.width(); ++x) {
+                const int alpha = qAlpha(std::exchange(from[x], 0));
+                if (alpha == 0)
+                    continue;
+                to[x] = to[x] == m_box ? onBox[size_t(alpha)] : over(m_text, alpha, to[x]);
+            }
+        }
+    }
+
+    /// Boxes and letters stand in the picture already; makes straight alpha of what lies beside the
+    /// opaque boxes of @p lines.
+    void finishBeside(const QVector<Line> &lines)
+    {
+        QVector<QRect> boxOfRow(m_image.height());
+        for (const Line &line : lines) {
+            const QRect box = line.box & m_image.rect();
+            for (int y = box.top(); y <= box.bottom(); ++y)
+                boxOfRow[y] = box;
+        }
+        for (int y = 0; y < m_image.height(); ++y) {
+            const QRect box = boxOfRow.at(y);
+            QRgb *pixels = row(m_image, y);
+            finishGround(pixels, 0, box.isEmpty() ? 0 : box.left());
+            finishGround(pixels, box.isEmpty() ? 0 : box.left() + box.width(), m_image.width());
+        }
+    }
+
+private:
+    static QRgb *row(QImage &image, int y) { return reinterpret_cast<QRgb *>(image.scanLine(y)); }
+
+    /// Most pixels hold no letter, which eight at a time are found out quickly.
+    static void finishBox(QRgb *pixels, int begin, int end, const BlendTable &onBox)
+    {
+        constexpr int step = 8;
+        int x = begin;
+        for (; x + step <= end; x += step) {
             QRgb any = 0;
             for (int i = 0; i < step; ++i)
-                any |= from[x + i];
-            for (int i = 0; any != 0 && i < step; ++i)
-                lay(from[x + i], to[x + i]);
+                any |= pixels[x + i];
+            if (any == 0) {
+                std::fill_n(pixels + x, step, onBox[0]);
+                continue;
+            }
+            for (int i = 0; i < step; ++i)
+                pixels[x + i] = onBox[size_t(qAlpha(pixels[x + i]))];
         }
-        for (; x < width; ++x)
-            lay(from[x], to[x]);
+        for (; x < end; ++x)
+            pixels[x] = onBox[size_t(qAlpha(pixels[x]))];
     }
-}
+
+    /// Where there is no box: the letters' own colour, as far as they cover the pixel.
+    void finishGround(QRgb *pixels, int begin, int end) const
+    {
+        for (int x = begin; x < end; ++x) {
+            const QRgb alpha = pixels[x] & 0xff000000;
+            pixels[x] = alpha == 0 ? ground : (alpha | (m_text & 0x00ffffff));
+        }
+    }
+
+    QImage &m_image;
+    QRgb m_text;
+    QRgb m_box;
+};
 
 /// True for text of Latin letters, digits and signs alone, in which no character depends on its
 /// place in the line, as tabulators and combining marks do.
@@ -412,11 +441,17 @@ void CVideoOverlayText::renderText(QImage &image) const
             {text, bounds, QRect(bounds.left(), bounds.top(), bounds.width(), int(rowHeight))});
     }
 
+    if (lines.isEmpty()) {
+        image.fill(QColor::fromRgba(ground));
+        return;
+    }
+
     // The painter writes premultiplied bytes for text, whatever an ARGB32 image says it holds. Over
     // opaque boxes that is the same thing, and only what lies beside them needs a second look. Over
     // others the letters are painted apart, and put together in straight alpha.
     const bool straightAlpha = image.format() == QImage::Format_ARGB32;
-    const bool apart = straightAlpha && m_backgroundColor.alpha() < 255;
+    const bool painterLaysBoxes = !straightAlpha || m_backgroundColor.alpha() == 255;
+    const bool apart = !painterLaysBoxes && lines.size() > 1; // a line's box may cover letters
     image.fill(straightAlpha && !apart ? QColor(0, 0, 0, 0) : QColor::fromRgba(ground));
     QImage canvas;
     if (apart) {
@@ -432,19 +467,21 @@ void CVideoOverlayText::renderText(QImage &image) const
         return;
     }
     painter.setFont(m_font);
-    const QRgb text = m_textColor.rgba();
+    Composer composer(image, m_textColor.rgba(), m_backgroundColor.rgba());
     for (const Line &line : qAsConst(lines)) {
-        if (!apart)
+        if (painterLaysBoxes)
             drawBox(painter, line, m_backgroundColor);
         drawLetters(painter, line, m_textColor, m_alignment);
-        if (apart) {
-            layBox(image, line.box & image.rect(), m_backgroundColor.rgba());
-            layLetters(image, canvas, text, m_backgroundColor.rgba());
-        }
+        if (apart)
+            composer.layLine(canvas, line);
     }
     painter.end();
-    if (straightAlpha && !apart)
-        finishOutside(image, lines, text);
+    if (!straightAlpha || apart)
+        return;
+    if (painterLaysBoxes)
+        composer.finishBeside(lines);
+    else
+        composer.layOnlyLine(lines.first());
 }
 
 } // namespace Velmar::VideoOverlay
