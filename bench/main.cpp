@@ -8,6 +8,7 @@
 #include <QGuiApplication>
 
 #include <algorithm>
+#include <cmath>
 #include <cstdio>
 #include <limits>
 #include <map>
@@ -46,6 +47,8 @@ public:
             const std::string arguments = "box alpha:" + std::to_string(alpha);
             const double element = median("text/element/" + arguments);
             const double painter = median("text/painter/" + arguments);
+            if (std::isnan(element / painter))
+                continue;
             std::printf("| %s | %.1f | %.1f | %.1f |\n", alpha == 255 ? "opaque" : "translucent",
                         element, painter, element / painter);
         }
@@ -60,6 +63,8 @@ public:
                 const double ours = median("burn/ours/" + arguments);
                 const double textOverlay = median("burn/textoverlay/" + arguments);
                 const double drawText = median("burn/drawtext/" + arguments);
+                if (std::isnan(ours + textOverlay + drawText))
+                    continue;
                 std::printf("| %dp | %d | %.1f | %.0f | %.0f | %.1f |\n", height, changing, ours,
                             textOverlay, drawText, std::min(textOverlay, drawText) / ours);
             }
@@ -67,7 +72,7 @@ public:
     }
 
 private:
-    /// NaN where it was not measured.
+    /// NaN where it was not measured; such rows are left out of the tables.
     double median(const std::string &name) const
     {
         const auto found = m_medians.find(name);
