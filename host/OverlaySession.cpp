@@ -125,8 +125,8 @@ void OverlaySession::addTexts()
     addText(QStringLiteral("Section 4711-4712   DN 300 concrete   downstream"), 0, 0, blue, white);
     addValue(QStringLiteral("SECTION_DISTANCE_COUNTER"), 1, 0);
     addValue(QStringLiteral("SPEED"), 2, 0);
-    addValue(QStringLiteral("VIDEO_TIME_COUNTER"), 1, 38);
-    addValue(QStringLiteral("TOTAL_DISTANCE_COUNTER"), 2, 38);
+    addValue(QStringLiteral("VIDEO_TIME_COUNTER"), 1, 37);
+    addValue(QStringLiteral("TOTAL_DISTANCE_COUNTER"), 2, 37);
     addValue(QStringLiteral("CAMERA_PAN"), 22, 0);
     addValue(QStringLiteral("CAMERA_TILT"), 23, 0);
     addValue(QStringLiteral("CAMERA_PRESSURE"), 24, 0);

@@ -5,6 +5,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QRegion>
 #include <QTemporaryDir>
 #include <QtTest>
 
@@ -139,6 +140,42 @@ private Q_SLOTS:
         session.advanceTo(0);
         QVERIFY(session.scene()->snapshot() != end);
         QVERIFY(session.scene()->snapshot()->items.at(1).image == first->items.at(1).image);
+    }
+
+    void demonstrationIsTidyOnEveryPicture_data()
+    {
+        QTest::addColumn<QSize>("size");
+        QTest::newRow("640x480") << QSize(640, 480);
+        QTest::newRow("1280x720") << QSize(1280, 720);
+        QTest::newRow("1920x1080") << QSize(1920, 1080);
+        QTest::newRow("3840x2160") << QSize(3840, 2160);
+    }
+
+    /// No text is broken, none covers another, and none leaves the picture.
+    void demonstrationIsTidyOnEveryPicture()
+    {
+        QFETCH(QSize, size);
+        TelemetryFile run;
+        QString error;
+        QVERIFY2(run.load(QStringLiteral(DEMO_DIRECTORY "/telemetry.csv"), &error),
+                 qPrintable(error));
+        OverlaySession session(size);
+        session.addTexts();
+        session.setTelemetry(run);
+        const QRect picture(QPoint(0, 0), size);
+        for (qint64 timeMs = 0; timeMs <= run.durationMs(); timeMs += 1000) {
+            session.advanceTo(timeMs);
+            QRegion taken;
+            for (const OverlayItem &item : session.scene()->snapshot()->items) {
+                const QRect box(item.position, item.image.size());
+                QVERIFY2(box.height() <= int(session.settings().rowHeight()),
+                         qPrintable(QStringLiteral("item %1 at %2 ms").arg(item.id).arg(timeMs)));
+                QVERIFY(picture.contains(box));
+                QVERIFY(!taken.intersects(box));
+                taken += box;
+            }
+        }
+        QCOMPARE(session.scene()->snapshot()->items.size(), 14);
     }
 
     void unknownNamesAreIgnored()
