@@ -10,6 +10,7 @@
 #include <QGuiApplication>
 #include <QTextCodec>
 
+#include <csignal>
 #include <memory>
 
 using namespace Velmar;
@@ -43,9 +44,9 @@ bool setUpLog(const Options &options, QString *error)
 int main(int argc, char **argv)
 {
     qInstallMessageHandler(logQtMessage);
+    std::signal(SIGXFSZ, SIG_IGN); // a file that may not grow is an error, not the end
     // These commands paint, but show nothing: they must also run where nobody has a screen.
-    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM") && qEnvironmentVariableIsEmpty("DISPLAY")
-        && qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY"))
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
     QGuiApplication application(argc, argv);
     QGuiApplication::setApplicationName(QStringLiteral("xqosd"));

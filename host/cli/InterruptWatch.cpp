@@ -18,10 +18,27 @@ constexpr int Signals[] = {SIGINT, SIGTERM, SIGHUP};
 int pipeEnds[2] = {-1, -1};
 volatile std::sig_atomic_t signalCount = 0;
 
+timespec firstSignal {};
+
+/// A second signal ends the program at once. One that comes with the first is the same one: some
+/// programs signal their child and then its group.
+bool isRepetition()
+{
+    timespec now {};
+    clock_gettime(CLOCK_MONOTONIC, &now);
+    const auto ms
+        = (now.tv_sec - firstSignal.tv_sec) * 1000 + (now.tv_nsec - firstSignal.tv_nsec) / 1000000;
+    return ms < 1000;
+}
+
 void onSignal(int)
 {
-    if (signalCount != 0)
-        _exit(InterruptWatch::ExitStatus);
+    if (signalCount != 0) {
+        if (!isRepetition())
+            _exit(InterruptWatch::ExitStatus);
+        return;
+    }
+    clock_gettime(CLOCK_MONOTONIC, &firstSignal);
     signalCount = 1;
     const char byte = 1;
     // Full or closed, nothing can be done about it here.

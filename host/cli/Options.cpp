@@ -37,9 +37,7 @@ bool readSize(const QString &text, QSize *size, QString *error)
     if (!match.hasMatch() || qMin(read.width(), read.height()) < SmallestSide
         || qMax(read.width(), read.height()) > LargestSide) {
         *error = QStringLiteral("--size: \"%1\" is not WIDTHxHEIGHT with sides of %2 to %3 pixels")
-                     .arg(text)
-                     .arg(SmallestSide)
-                     .arg(LargestSide);
+                     .arg(text, QString::number(SmallestSide), QString::number(LargestSide));
         return false;
     }
     *size = read;
@@ -53,9 +51,7 @@ bool readInt(const QString &option, const QString &text, int least, int most, in
     const int read = text.toInt(&ok);
     if (!ok || read < least || read > most) {
         *error = QStringLiteral("--%1: \"%2\" is not a whole number from %3 to %4")
-                     .arg(option, text)
-                     .arg(least)
-                     .arg(most);
+                     .arg(option, text, QString::number(least), QString::number(most));
         return false;
     }
     *value = read;

@@ -81,11 +81,10 @@ int runRecord(const Options &options)
         return reportError(QStringLiteral("%1: holds no frame").arg(source.name()));
     if (!options.quiet && frames > 0) {
         report(QStringLiteral("%1: %2 frames, %3 s, %4 fps, %5")
-                   .arg(options.outputPath)
-                   .arg(frames)
-                   .arg(pipeline.positionNs() / NsPerSecond, 0, 'f', 2)
-                   .arg(frames / std::max(seconds, 1e-3), 0, 'f', 1)
-                   .arg(QString::fromUtf8(pipeline.encoderName())));
+                   .arg(options.outputPath, QString::number(frames),
+                        QString::number(pipeline.positionNs() / NsPerSecond, 'f', 2),
+                        QString::number(frames / std::max(seconds, 1e-3), 'f', 1),
+                        QString::fromUtf8(pipeline.encoderName())));
         if (!options.pngPath.isEmpty() && pngWritten)
             report(options.pngPath);
     }

@@ -7,6 +7,7 @@
 #include <QRectF>
 
 #include <algorithm>
+#include <cmath>
 
 namespace Velmar::Host {
 
@@ -25,12 +26,16 @@ bool fitGrid(VideoOverlay::VideoOverlaySettings &settings)
     const QFont before = settings.font();
     QFont font = before;
     // Hinting makes letters of some sizes wider than their share, so look instead of computing.
-    for (int size = qRound(designPixelSize * scale); size >= 1; --size) {
-        font.setPixelSize(size);
-        if (!settings.setFont(font))
-            break;
-        if (picture.contains(settings.marginRect()))
-            return true;
+    // Rows of an even height first: boxes then end where the video's colour samples do.
+    for (const bool evenRows : {true, false}) {
+        for (int size = qRound(designPixelSize * scale); size >= 1; --size) {
+            font.setPixelSize(size);
+            if (!settings.setFont(font))
+                break;
+            const bool suits = !evenRows || std::fmod(settings.rowHeight(), 2.0) == 0.0;
+            if (suits && settings.rowHeight() >= 1.0 && picture.contains(settings.marginRect()))
+                return true;
+        }
     }
     settings.setFont(before);
     return false;

@@ -3,6 +3,7 @@
 
 #include <QMetaObject>
 #include <QPainter>
+#include <QtMath>
 
 #include <algorithm>
 #include <atomic>
@@ -23,6 +24,21 @@ quint64 nextRevision()
 {
     static std::atomic<quint64> revision {0};
     return ++revision;
+}
+
+/// Video stores colour for two lines and columns together: a box that starts between them tints its
+/// neighbours. So pictures stand on even pixels, in every view alike.
+int evenPixel(double position)
+{
+    return 2 * qRound(position / 2.0);
+}
+
+/// The smallest rectangle between even pixels that holds @p margins.
+QRect evenRect(const QRectF &margins)
+{
+    const QPoint topLeft(2 * qFloor(margins.left() / 2.0), 2 * qFloor(margins.top() / 2.0));
+    const QPoint end(2 * qCeil(margins.right() / 2.0), 2 * qCeil(margins.bottom() / 2.0));
+    return QRect(topLeft, end - QPoint(1, 1));
 }
 
 /// Only texts follow the transparency setting; pictures bring their own alpha.
@@ -263,7 +279,7 @@ void OverlayScene::take(Entry &entry)
     ++m_renderCount;
     OverlayItem item = entry.item;
     item.id = rendered.id();
-    item.position = QPoint(qRound(rendered.x()), qRound(rendered.y()));
+    item.position = QPoint(evenPixel(rendered.x()), evenPixel(rendered.y()));
     item.opacity = opacityOf(element);
     const QImage image = rendered.getImage();
     if (rendered.repaint() && image.cacheKey() != entry.sourceKey) {
@@ -295,7 +311,7 @@ void OverlayScene::publish()
                   [](const OverlayItem &a, const OverlayItem &b) { return a.id < b.id; });
     }
     if (!m_margins.isEmpty())
-        next->clip = m_margins.toAlignedRect();
+        next->clip = evenRect(m_margins);
     {
         const std::lock_guard lock(m_snapshotMutex);
         if (m_snapshot->items == next->items && m_snapshot->clip == next->clip)

@@ -76,7 +76,8 @@ void configure(GstElement *encoder, const QByteArray &name, int bitrateKbit)
         setText(encoder, "key-int-max", distance);
         setText(encoder, "keyframe-period", distance);
         setText(encoder, "gop-size", distance);
-        if (name == "openh264enc")
+        // Encoders of the av family count bits, hardware ones thousands of them.
+        if (name == "openh264enc" || name.startsWith("av"))
             setText(encoder, "bitrate", bitrateKbit > 0 ? bits : QByteArray("10000000"));
         else
             setText(encoder, "bitrate", bitrateKbit > 0 ? kbit : QByteArray("10000"));

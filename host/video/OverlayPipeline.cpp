@@ -18,6 +18,8 @@ constexpr qint64 Forever = std::numeric_limits<qint64>::max();
 /// Enough for decoding, burning and encoding to run side by side; a 4K frame takes 12 MB.
 constexpr guint QueuedFrames = 4;
 constexpr int WatchIntervalMs = 500;
+/// What may be missing at the end of a file, compared with the length that it tells.
+constexpr qint64 ToleratedGapNs = 1000000000;
 /// Time for the last frames after a stop, before the pipeline is taken down as it is.
 constexpr int StopLimitMs = 5000;
 /// [px] Encoders and containers take no smaller picture.
@@ -42,6 +44,11 @@ qint64 streamTime(GstPad *pad, GstBuffer *buffer)
     const guint64 time
         = gst_segment_to_stream_time(segment, GST_FORMAT_TIME, GST_BUFFER_PTS(buffer));
     return GST_CLOCK_TIME_IS_VALID(time) ? qint64(time) : -1;
+}
+
+QString seconds(qint64 ns)
+{
+    return QString::number(double(ns) / 1e9, 'f', 2);
 }
 
 qint64 durationOf(GstBuffer *buffer)
@@ -275,9 +282,8 @@ void OverlayPipeline::setUpFrames(GstCaps *caps)
         = scaled ? QSize(m_source.size.width() & ~1, m_source.size.height() & ~1) : even;
     if (target.width() < SmallestSide || target.height() < SmallestSide) {
         reportFailure(QStringLiteral("%1: a picture of %2x%3 is too small to record")
-                          .arg(m_source.name())
-                          .arg(size.width())
-                          .arg(size.height()));
+                          .arg(m_source.name(), QString::number(size.width()),
+                               QString::number(size.height())));
         return;
     }
     m_width = target.width();
@@ -331,6 +337,7 @@ GstBusSyncReply OverlayPipeline::handleMessage(GstBus *, GstMessage *message, gp
     default:
         break;
     }
+    gst_message_unref(message); // a handler that drops a message owns it
     return GST_BUS_DROP;
 }
 
@@ -371,10 +378,10 @@ void OverlayPipeline::onWatch()
     if (m_stopping && m_quiet.elapsed() > qMin(StopLimitMs, m_stallLimitMs))
         finish(); // a source that sends nothing cannot be ended from within
     else if (m_quiet.elapsed() > m_stallLimitMs)
-        fail(m_frameCount == 0 ? QStringLiteral("%1: delivers no picture").arg(m_source.name())
-                               : QStringLiteral("%1: nothing has moved for %2 s")
-                                     .arg(m_source.name())
-                                     .arg(m_stallLimitMs / 1000.0));
+        fail(m_frameCount == 0
+                 ? QStringLiteral("%1: delivers no picture").arg(m_source.name())
+                 : QStringLiteral("%1: nothing has moved for %2 s")
+                       .arg(m_source.name(), QString::number(m_stallLimitMs / 1000.0)));
 }
 
 void OverlayPipeline::fail(const QString &reason)
@@ -393,6 +400,12 @@ void OverlayPipeline::finish()
     for (const QString &missing : qAsConst(m_missing))
         Q_EMIT warned(QStringLiteral("%1: left out a stream; not installed: %2")
                           .arg(m_source.name(), missing));
+    // A file that was cut off ends like any other; only its own word on its length tells.
+    const qint64 promisedNs = durationNs();
+    if (m_source.kind == SourceSpec::Kind::File && !m_stopping
+        && promisedNs - m_positionNs > ToleratedGapNs)
+        Q_EMIT warned(QStringLiteral("%1: ends at %2 s of %3 s")
+                          .arg(m_source.name(), seconds(m_positionNs), seconds(promisedNs)));
     shutDown();
     if (m_frameCount == 0)
         cleanUp();

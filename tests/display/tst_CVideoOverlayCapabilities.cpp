@@ -113,8 +113,11 @@ private Q_SLOTS:
         CVideoOverlayCapabilities capabilities;
         QSignalSpy heardByOthers(&first, &Backend::imageWidthChanged);
         capabilities.setBackend(&first);
+        connect(&first, &QObject::objectNameChanged, &capabilities,
+                &CVideoOverlayCapabilities::capabilitiesChanged); // a host's own goes as well
         capabilities.setBackend(&second);
         QSignalSpy changed(&capabilities, &CVideoOverlayCapabilities::capabilitiesChanged);
+        first.setObjectName(QStringLiteral("first"));
 
         Q_EMIT first.maximumColumnCountChanged();
         Q_EMIT first.maximumRowCountChanged();

@@ -379,6 +379,8 @@ private Q_SLOTS:
         CVideoOverlayControl control;
         QSignalSpy heardByOthers(&first, &CAbstractVideoOverlayControlBackend::initialized);
         control.setBackend(&first);
+        connect(&first, &CAbstractVideoOverlayControlBackend::videoOverlayEnabledChanged, &control,
+                &CVideoOverlayControl::controlActiveChanged); // a host's own goes as well
         control.setBackend(&second);
         SignalJournal journal(control, CVideoOverlayControl::staticMetaObject);
         Q_EMIT first.initialized();

@@ -29,6 +29,7 @@ using Velmar::Test::LockProbe;
 using Velmar::Test::methodsOf;
 using Velmar::Test::propertiesOf;
 using Velmar::Test::SignalJournal;
+using Velmar::Test::waitsForLock;
 using Velmar::VideoOverlay::CVideoOverlayCapabilities;
 using Velmar::VideoOverlay::CVideoOverlayElement;
 using Velmar::VideoOverlay::ElementParam;
@@ -1111,6 +1112,26 @@ private Q_SLOTS:
     {
         QTest::addColumn<Action>("access");
         QTest::newRow("id") << Action([](CVideoOverlayElement &e) { e.id(); });
+        QTest::newRow("column") << Action([](CVideoOverlayElement &e) { e.column(); });
+        QTest::newRow("row") << Action([](CVideoOverlayElement &e) { e.row(); });
+        QTest::newRow("y") << Action([](CVideoOverlayElement &e) { e.y(); });
+        QTest::newRow("enabled") << Action([](CVideoOverlayElement &e) { e.enabled(); });
+        QTest::newRow("captionVisible")
+            << Action([](CVideoOverlayElement &e) { e.captionVisible(); });
+        QTest::newRow("caption") << Action([](CVideoOverlayElement &e) { e.caption(); });
+        QTest::newRow("type") << Action([](CVideoOverlayElement &e) { e.type(); });
+        QTest::newRow("timeout") << Action([](CVideoOverlayElement &e) { e.timeout(); });
+        QTest::newRow("timeoutDisabled")
+            << Action([](CVideoOverlayElement &e) { e.timeoutDisabled(); });
+        QTest::newRow("getMaxLineNumber")
+            << Action([](CVideoOverlayElement &e) { e.getMaxLineNumber(); });
+        QTest::newRow("transparency") << Action([](CVideoOverlayElement &e) { e.transparency(); });
+        QTest::newRow("getParamObject")
+            << Action([](CVideoOverlayElement &e) { e.getParamObject(); });
+        QTest::newRow("getParamObjectRef")
+            << Action([](CVideoOverlayElement &e) { e.getParamObjectRef(); });
+        QTest::newRow("setParamObject")
+            << Action([](CVideoOverlayElement &e) { e.setParamObject({}); });
         QTest::newRow("x") << Action([](CVideoOverlayElement &e) { e.x(); });
         QTest::newRow("width") << Action([](CVideoOverlayElement &e) { e.width(); });
         QTest::newRow("height") << Action([](CVideoOverlayElement &e) { e.height(); });
@@ -1131,15 +1152,57 @@ private Q_SLOTS:
     {
         QFETCH(Action, access);
         CVideoOverlayElement element;
-        std::future<void> other;
-        bool waited = false;
-        connect(&element, &CVideoOverlayElement::idChanged, &element, [&] {
-            other = std::async(std::launch::async, [&] { access(element); });
-            waited = other.wait_for(std::chrono::milliseconds(20)) == std::future_status::timeout;
-        });
-        element.setId(1);
-        other.get();
-        QVERIFY(waited);
+        QVERIFY(waitsForLock(element, access));
+    }
+
+    void runningTimerIsLeftAlone()
+    {
+        CVideoOverlayElement element;
+        element.setType(CVideoOverlayElement::InspText);
+        startTimeout(element, 5);
+        element.setTimeoutDisabled(true); // keeps it from being started, no more
+        QVERIFY(timerOf(element)->isActive());
+        element.setTemporaryHide(true);
+        QVERIFY(timerOf(element)->isActive());
+        element.setTemporaryHide(false);
+        element.setTimeout(0);
+        QVERIFY(element.visible());
+        QVERIFY(timerOf(element)->isActive());
+        element.stopTimer(); // needs neither timeout nor switch
+        QVERIFY(!timerOf(element)->isActive());
+    }
+
+    void expiryNeedsARunningTimerOnly()
+    {
+        CVideoOverlayElement element;
+        element.setType(CVideoOverlayElement::InspText);
+        startTimeout(element, 5);
+        element.setTimeout(0);
+        SignalJournal journal(element, CVideoOverlayElement::staticMetaObject);
+        element.expireTimer();
+        QCOMPARE(journal.take(), words("visibleChanged timerExpired"));
+    }
+
+    void switchingOffKeepsTheOwnVisibility_data()
+    {
+        QTest::addColumn<int>("type");
+        QTest::newRow("inspection text") << int(CVideoOverlayElement::InspText);
+        QTest::newRow("free text") << int(CVideoOverlayElement::FreeText);
+    }
+
+    void switchingOffKeepsTheOwnVisibility()
+    {
+        QFETCH(int, type);
+        CVideoOverlayElement element;
+        element.setType(CVideoOverlayElement::Type(type));
+        element.setEnabled(true);
+        element.setVisible(true);
+        SignalJournal journal(element, CVideoOverlayElement::staticMetaObject);
+        element.setEnabled(false);
+        QVERIFY(!element.visible());
+        QCOMPARE(journal.take(), words("enabledChanged visibleChanged"));
+        element.setEnabled(true);
+        QVERIFY(element.visible());
     }
 };
 

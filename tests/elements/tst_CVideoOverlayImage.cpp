@@ -7,6 +7,7 @@
 #include "tests/support/PictureFiles.h"
 #include "tests/support/SignalJournal.h"
 
+#include <QDataStream>
 #include <QFile>
 #include <QMetaMethod>
 #include <QSignalSpy>
@@ -14,18 +15,23 @@
 #include <QTest>
 
 #include <cmath>
+#include <functional>
 #include <limits>
 
 using Velmar::Test::LockProbe;
 using Velmar::Test::methodsOf;
 using Velmar::Test::propertiesOf;
 using Velmar::Test::SignalJournal;
+using Velmar::Test::waitsForLock;
 using Velmar::Test::writeBlackPixmap;
 using Velmar::Test::writePngHeader;
 using Velmar::VideoOverlay::CVideoOverlayElement;
 using Velmar::VideoOverlay::CVideoOverlayImage;
 using Velmar::VideoOverlay::ElementParam;
 using Velmar::VideoOverlay::RenderedElement;
+
+using Action = std::function<void(CVideoOverlayImage &)>;
+Q_DECLARE_METATYPE(Action)
 
 namespace {
 
@@ -192,6 +198,25 @@ private Q_SLOTS:
         QVERIFY(writePngHeader(claims, QSize(50000, 50000)));
         QTest::newRow("header claims 50000 x 50000") << claims;
 
+        QFile flat(path("flat.gif"));
+        QVERIFY(flat.open(QIODevice::WriteOnly));
+        flat.write(QByteArray::fromHex("474946383961"
+                                       "0a000000000000"
+                                       "2c000000000a0000000002003b"));
+        QTest::newRow("no height") << flat.fileName();
+
+        QFile topDown(path("topdown.bmp"));
+        QVERIFY(topDown.open(QIODevice::WriteOnly));
+        QDataStream out(&topDown);
+        out.setByteOrder(QDataStream::LittleEndian);
+        out.writeRawData("BM", 2);
+        out << quint32(454) << quint32(0) << quint32(54) << quint32(40) << qint32(13000)
+            << qint32(-13000) << quint16(1) << quint16(24);
+        for (int i = 0; i < 6; ++i)
+            out << quint32(0);
+        topDown.write(QByteArray(400, '\xff'));
+        QTest::newRow("top-down, needs more than 512 MiB") << topDown.fileName();
+
         const QString monster = path("monster.ppm");
         QVERIFY(writeBlackPixmap(monster, QSize(16384, 8193), true));
         QTest::newRow("needs more than 512 MiB") << monster;
@@ -232,13 +257,33 @@ private Q_SLOTS:
     void largeFileWithASmallFactor()
     {
         const QString file = path("large.pgm");
-        QVERIFY(writeBlackPixmap(file, QSize(6000, 4000), false));
+        QVERIFY(writeBlackPixmap(file, QSize(11000, 11000), false)); // 484 MiB, counted as it is
         CVideoOverlayImage element;
         element.setScaleFactor(0.1);
         element.setImageSrc(file);
-        QCOMPARE(element.imageSrcWidth(), 6000);
-        QCOMPARE(element.width(), 600.0);
-        QCOMPARE(element.height(), 400.0);
+        QCOMPARE(element.imageSrcWidth(), 11000);
+        QCOMPARE(element.width(), 1100.0);
+        QCOMPARE(element.height(), 1100.0);
+    }
+
+    void readersWaitForTheLock_data()
+    {
+        QTest::addColumn<Action>("read");
+        const auto row = [](const char *name, const Action &read) { QTest::newRow(name) << read; };
+        row("imageSrc", [](CVideoOverlayImage &e) { e.imageSrc(); });
+        row("imageSrcWidth", [](CVideoOverlayImage &e) { e.imageSrcWidth(); });
+        row("imageSrcHeight", [](CVideoOverlayImage &e) { e.imageSrcHeight(); });
+        row("scaleFactor", [](CVideoOverlayImage &e) { e.scaleFactor(); });
+        row("getElement", [](CVideoOverlayImage &e) { e.getElement(); });
+        row("createScaledImage", [](CVideoOverlayImage &e) { e.createScaledImage(); });
+        row("setScaleFactor", [](CVideoOverlayImage &e) { e.setScaleFactor(1.0); });
+    }
+
+    void readersWaitForTheLock()
+    {
+        QFETCH(Action, read);
+        CVideoOverlayImage element;
+        QVERIFY(waitsForLock(element, read));
     }
 
     // --- pictures made elsewhere
@@ -472,6 +517,15 @@ private Q_SLOTS:
         QCOMPARE(target.copy(0, 0, 20, 10), pattern(20, 10));
         QCOMPARE(target.pixel(20, 0), QRgb(0xff112233));
         QCOMPARE(target.pixel(0, 10), QRgb(0xff112233));
+
+        CVideoOverlayImage translucent; // is painted over what is there, not in its place
+        QImage red(4, 4, QImage::Format_ARGB32);
+        red.fill(0x80ff0000);
+        translucent.setImage(red);
+        QImage blue(4, 4, QImage::Format_ARGB32);
+        blue.fill(0xff0000ff);
+        translucent.renderInto(blue);
+        QCOMPARE(blue.pixel(1, 1), QRgb(0xff80007f));
 
         element.setScaleFactor(0.5);
         QImage small(10, 5, QImage::Format_ARGB32);

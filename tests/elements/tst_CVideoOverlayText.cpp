@@ -26,6 +26,7 @@ using Velmar::Test::LockProbe;
 using Velmar::Test::methodsOf;
 using Velmar::Test::propertiesOf;
 using Velmar::Test::SignalJournal;
+using Velmar::Test::waitsForLock;
 using Velmar::VideoOverlay::CVideoOverlayCapabilities;
 using Velmar::VideoOverlay::CVideoOverlayElement;
 using Velmar::VideoOverlay::CVideoOverlayText;
@@ -382,6 +383,33 @@ private Q_SLOTS:
         element.setTextColor(orange.toHsv());
         QCOMPARE(text.count(), 1);
         QCOMPARE(element.textColor().spec(), QColor::Hsv);
+
+        element.setBackgroundColor(orange);
+        QSignalSpy background(&element, &CVideoOverlayText::backgroundColorChanged);
+        element.setBackgroundColor(orange.toHsv());
+        QCOMPARE(background.count(), 1);
+    }
+
+    void readersWaitForTheLock_data()
+    {
+        QTest::addColumn<Action>("read");
+        const auto row = [](const char *name, const Action &read) { QTest::newRow(name) << read; };
+        row("text", [](CVideoOverlayText &e) { e.text(); });
+        row("textColor", [](CVideoOverlayText &e) { e.textColor(); });
+        row("backgroundColor", [](CVideoOverlayText &e) { e.backgroundColor(); });
+        row("unit", [](CVideoOverlayText &e) { e.unit(); });
+        row("font", [](CVideoOverlayText &e) { e.font(); });
+        row("alignment", [](CVideoOverlayText &e) { e.alignment(); });
+        row("getElement", [](CVideoOverlayText &e) { e.getElement(); });
+        row("getChangedProperties", [](CVideoOverlayText &e) { e.getChangedProperties(); });
+        row("typeset", [](CVideoOverlayText &e) { e.typeset(); });
+    }
+
+    void readersWaitForTheLock()
+    {
+        QFETCH(Action, read);
+        CVideoOverlayText element;
+        QVERIFY(waitsForLock(element, read));
     }
 
     void setAlignment_data()
@@ -438,6 +466,11 @@ private Q_SLOTS:
         QVERIFY(grid.settings.setFont(font));
         QCOMPARE(journal.take(), words("fontChanged"));
         QCOMPARE(element.font(), font);
+
+        element.onSettingsChanged();
+        QCOMPARE(journal.take(), words("fontChanged"));
+        grid.settings.calculateSettings();
+        QCOMPARE(journal.take(), words("fontChanged")); // followed once all the same
     }
 
     void withoutGridTheFontStays()

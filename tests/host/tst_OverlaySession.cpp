@@ -108,8 +108,8 @@ private Q_SLOTS:
         const auto overlay = session.scene()->snapshot();
         const OverlayItem *speed
             = itemAt(*overlay,
-                     QPoint(qRound(settings.leftMargin()),
-                            qRound(settings.topMargin() + 2 * settings.rowHeight())));
+                     QPoint(2 * qRound(settings.leftMargin() / 2),
+                            2 * qRound(settings.topMargin() / 2 + settings.rowHeight())));
         QVERIFY(speed);
         QCOMPARE(speed->opacity, 255);
         QCOMPARE(overlay->items.size(), 3); // heading, speed, time: no box without a reading
@@ -146,6 +146,8 @@ private Q_SLOTS:
     {
         QTest::addColumn<QSize>("size");
         QTest::newRow("640x480") << QSize(640, 480);
+        QTest::newRow("720x576") << QSize(720, 576);
+        QTest::newRow("1024x768") << QSize(1024, 768);
         QTest::newRow("1280x720") << QSize(1280, 720);
         QTest::newRow("1920x1080") << QSize(1920, 1080);
         QTest::newRow("3840x2160") << QSize(3840, 2160);
@@ -171,6 +173,7 @@ private Q_SLOTS:
                 QVERIFY2(box.height() <= int(session.settings().rowHeight()),
                          qPrintable(QStringLiteral("item %1 at %2 ms").arg(item.id).arg(timeMs)));
                 QVERIFY(picture.contains(box));
+                QVERIFY(box.y() % 2 == 0 && box.height() % 2 == 0); // whole colour samples
                 QVERIFY(!taken.intersects(box));
                 taken += box;
             }

@@ -21,6 +21,7 @@ private Q_SLOTS:
         QTest::addColumn<QString>("expected");
         const QString epoch = QStringLiteral("1970-01-01");
         QTest::newRow("64 bits") << QVariant(qint64(1772359445678)) << "2026-03-01";
+        QTest::newRow("floating point") << QVariant(1772359445678.0) << "2026-03-01";
         QTest::newRow("local midnight")
             << QVariant(QDateTime(QDate(2026, 3, 1), QTime(22, 0), Qt::UTC).toMSecsSinceEpoch())
             << "2026-03-02";

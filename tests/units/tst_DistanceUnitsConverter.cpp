@@ -48,6 +48,7 @@ private Q_SLOTS:
         };
         const QVariant abc = QStringLiteral("abc");
 
+        row("equal but for the tag: the host is not asked", 12.345, "rod", "rod[.x]", "12.3", none);
         row("metres stay", 12.345, "m", "m", "12.35", none);
         row("metres in feet", 10, "m", "ft", "32.81", none);
         row("feet in metres", 10, "ft", "m", "3.05", none);

@@ -29,6 +29,7 @@ private Q_SLOTS:
         QTest::newRow("more than a day does not wrap") << QVariant(90000000) << "";
         QTest::newRow("negative") << QVariant(-1) << "";
         QTest::newRow("a negative day does not wrap") << QVariant(-86400000) << "";
+        QTest::newRow("floating point") << QVariant(1e6) << "00:16:40";
         QTest::newRow("64 bits") << QVariant(qint64(3723000)) << "01:02:03";
         QTest::newRow("cut to 32 bits") << QVariant(qint64(4294968296)) << "00:00:01";
         QTest::newRow("cut to a negative number") << QVariant(qint64(4294967295)) << "";

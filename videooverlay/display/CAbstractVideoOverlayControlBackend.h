@@ -20,7 +20,8 @@ public:
     ~CAbstractVideoOverlayControlBackend() override;
 
     virtual bool isReady() = 0;  ///< the display has been initialised
-    virtual bool isActive() = 0; ///< the display can show something now; asked after isReady()
+    virtual bool isActive() = 0; ///< the display can show something now; asked after isReady(), and
+                                 ///< alone on initialized()
     /// Shows or updates one element, which often holds its lock while it asks for that. Comes
     /// several times for one change of a text, so take the picture later, once. False: not shown.
     virtual bool displayElement(CVideoOverlayElement &element) = 0;

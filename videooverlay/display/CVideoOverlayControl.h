@@ -12,9 +12,9 @@ namespace Velmar::VideoOverlay {
 
 class CVideoOverlayElement;
 
-/// The one door to the display. Refuses everything while there is no backend or it is not ready;
-/// the environment variable NQ5_DISABLE_OSD_RENDER, set to anything but an empty text when the
-/// control is made, keeps elements from being drawn (for diagnosis).
+/// The one door to the display. Refuses everything while there is no backend, or it is not ready or
+/// not active; the environment variable NQ5_DISABLE_OSD_RENDER, set to anything but an empty text
+/// when the control is made, keeps elements from being drawn (for diagnosis).
 class XQVIDEOOVERLAY_EXPORT CVideoOverlayControl : public QObject
 {
     Q_OBJECT
@@ -49,7 +49,7 @@ Q_SIGNALS:
 
 public Q_SLOTS:
     void onBackendInitialized(); ///< prepares and switches on an active backend; always announces
-    void onBackendFinalized();
+    void onBackendFinalized();   ///< only announces; the backend is asked again at the next call
 
 private:
     bool m_renderDisabled;

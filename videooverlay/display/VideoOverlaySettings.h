@@ -37,12 +37,13 @@ public:
 
     /// Stores both counts as soon as @e one of them is within the display's limits, which lets a
     /// valid row count carry any column count with it and the other way round. Kept so.
-    /// False, and nothing changes, when neither is.
+    /// False, and nothing changes, when neither is; otherwise the grid is computed and
+    /// settingsChanged emitted, also for the counts that it has.
     bool setGrid(int rows, int columns);
-    /// The same rule for the picture size.
+    /// The same rule, and the same signal, for the picture size [px].
     bool setResolution(int width, int height);
     /// Refuses a font that does not ask for fixed pitch. True for the current font, without a
-    /// signal.
+    /// signal; another one is taken and settingsChanged emitted.
     bool setFont(const QFont &font);
     /// Takes the picture size from the capabilities; computes and announces nothing.
     void applyVideoSettings();
@@ -57,7 +58,8 @@ Q_SIGNALS:
 public Q_SLOTS:
     /// Computes cell size and margins and emits settingsChanged, always.
     void calculateSettings();
-    /// Takes the new picture size and lowers the counts that the display no longer allows.
+    /// Takes the new picture size and lowers the counts that the display no longer allows:
+    /// settingsError for each, then settingsChanged, always.
     void onCapabilitiesChanged();
 
 private:

@@ -25,7 +25,8 @@ class VideoOverlaySettings;
 ///
 /// Setters compare, store and emit while they hold the element's lock, so that a value and its
 /// signal are one step for a reader in another thread; a setter given the current value is silent.
-/// The exceptions say so. All signals are emitted on the caller's thread.
+/// The exceptions say so. All signals are emitted on the caller's thread; timerExpired and
+/// deleteRequest without the lock, because a receiver may destroy the element.
 class XQVIDEOOVERLAY_EXPORT CVideoOverlayElement : public QObject
 {
     Q_OBJECT
@@ -103,8 +104,8 @@ public:
     /// Moves the element on the picture [px] without a signal. For whoever lays the grid out;
     /// safe while another thread reads, because it neither waits for the lock nor tears a value.
     void setPosition(double x, double y);
-    void setHeight(double height);
-    void setWidth(double width);
+    void setHeight(double height); ///< [px]
+    void setWidth(double width);   ///< [px]
 
     /// Effective visibility: enabled, shown, and not hidden for the time being.
     bool visible() const;
@@ -162,9 +163,10 @@ Q_SIGNALS:
     void timeoutDisabledChanged();
     void maxlinenumberChanged();
     void transparencyChanged();
-    void timerExpired();     ///< the timeout ran out and the element has hidden itself
+    void
+    timerExpired(); ///< the timeout ran out and the element has hidden itself; without the lock
     void canDeleteChanged(); ///< never emitted by the library
-    /// The element asks to be destroyed; a receiver may do so at once.
+    /// The element asks to be destroyed; a receiver may do so at once. Emitted without the lock.
     void deleteRequest(CVideoOverlayElement *element);
     void settingsChanged(); ///< another grid, not a change within it
 
@@ -173,9 +175,10 @@ public Q_SLOTS:
     /// and the timeout not disabled. A resumed timer runs a thousand times the time that was left:
     /// the remaining milliseconds are taken for seconds. Kept so; hosts rely on it.
     void startTimer();
-    void suspendTimer(); ///< stops a running timer and remembers what was left
-    void stopTimer();    ///< stops a running timer for good
-    void expireTimer();  ///< ends a running timer now, as if its time were over
+    void
+    suspendTimer(); ///< stops a running timer and remembers what was left; needs timeout and switch
+    void stopTimer();   ///< stops a running timer for good
+    void expireTimer(); ///< ends a running timer now, as if its time were over
     /// With a timeout: hides, and something must show the element again. Without: follows the
     /// operator's switch, except for inspection and free texts, which their datasources show.
     void determineVisibility();

@@ -34,7 +34,10 @@ QImage loadPicture(const QString &path)
     const QSize size = reader.size();
     const int bitsPerPixel = QImage::toPixelFormat(reader.imageFormat()).bitsPerPixel();
     const qint64 bytesPerPixel = std::max(4, bitsPerPixel / 8); // as much as it takes in use
-    if (size.isValid() && size.width() * bytesPerPixel > maximumDecodedBytes / size.height())
+    // A picture that is stored top-down may tell a negative height, a damaged one none at all.
+    const qint64 width = std::abs(qint64(size.width()));
+    const qint64 height = std::abs(qint64(size.height()));
+    if (height > 0 && width * bytesPerPixel > maximumDecodedBytes / height)
         return QImage();
     return reader.read();
 }

@@ -37,6 +37,9 @@ public:
     int imageSrcWidth() const;  ///< of the picture as loaded [px]; 0 without a picture
     int imageSrcHeight() const; ///< of the picture as loaded [px]; 0 without a picture
     double scaleFactor() const; ///< 1.0 is the picture's own size
+    /// 1.0 is the picture's own size; for what 0, negative or endless factors do see
+    /// createScaledImage(). Emits widthChanged and heightChanged as they change, then
+    /// scaleFactorChanged.
     void setScaleFactor(double factor);
     /// Takes a picture made elsewhere; path and caption stay. Always emits the three signals of
     /// setImageSrc().

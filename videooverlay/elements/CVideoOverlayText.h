@@ -50,7 +50,8 @@ public:
     /// Always emits alignmentChanged.
     void setAlignment(const QString &alignment);
 
-    /// Follows the grid's font from now on and takes it at once. Does nothing without a grid.
+    /// Follows the grid's font from now on and takes it at once; calling it again does not follow
+    /// twice. Does nothing without a grid.
     void onSettingsChanged();
     /// Takes the grid's font and emits fontChanged, always. Does not typeset: the lines stay as
     /// they were broken until the text changes or typeset() is called.

@@ -9,6 +9,7 @@ namespace Velmar::VideoOverlay {
 class XQVIDEOOVERLAY_EXPORT PressureUnitsConverter : public UnitsProvider
 {
 public:
+    /// @p decimals are the digits behind the separator; -1 gives six.
     explicit PressureUnitsConverter(int decimals);
 
     /// An empty @p to is unknown: the value in its own unit is shown.

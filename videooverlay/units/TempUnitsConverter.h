@@ -10,6 +10,7 @@ namespace Velmar::VideoOverlay {
 class XQVIDEOOVERLAY_EXPORT TempUnitsConverter : public UnitsProvider
 {
 public:
+    /// @p decimals are the digits behind the separator; -1 gives six.
     explicit TempUnitsConverter(int decimals);
 
     /// An empty @p unitFrom stands for degrees Celsius, an empty @p unitTo for the user's unit.
