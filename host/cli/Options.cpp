@@ -4,6 +4,8 @@
 #include "host/video/EncoderChoice.h"
 
 #include <QCommandLineParser>
+#include <QDir>
+#include <QFileInfo>
 #include <QRegularExpression>
 
 #include <cmath>
@@ -178,6 +180,37 @@ bool readCommon(const CommandParser &parser, Options *options, QString *error)
     return true;
 }
 
+/// The file itself, whatever way leads to it.
+QString fileOf(const QString &path)
+{
+    const QFileInfo info(path);
+    return info.exists() ? info.canonicalFilePath() : QDir::cleanPath(info.absoluteFilePath());
+}
+
+/// What is written never replaces what is read, nor what else is written.
+bool checkFiles(const Options &options, QString *error)
+{
+    QStringList taken;
+    for (const QString &input :
+         {options.source.kind == SourceSpec::Kind::File ? options.source.path : QString(),
+          options.telemetryPath, options.picturePath, options.watermarkPath}) {
+        if (!input.isEmpty())
+            taken.append(fileOf(input));
+    }
+    for (const QString &output : {options.outputPath, options.pngPath, options.logPath}) {
+        if (output.isEmpty())
+            continue;
+        // Devices are no files to be replaced.
+        const QString file = fileOf(output);
+        if (taken.contains(file) && (QFileInfo(file).isFile() || !QFileInfo::exists(file))) {
+            *error = QStringLiteral("%1: is used for something else already").arg(output);
+            return false;
+        }
+        taken.append(file);
+    }
+    return true;
+}
+
 bool parseRecord(const QStringList &arguments, Options *options, QString *error)
 {
     CommandParser parser(QStringLiteral("Burns the overlay into a video file."));
@@ -210,6 +243,8 @@ bool parseRecord(const QStringList &arguments, Options *options, QString *error)
         return false;
     options->encoder = parser.value("encoder").toUtf8();
     options->pngPath = parser.value("png");
+    if (!checkFiles(*options, error))
+        return false;
     if (parser.isSet("png-at") && options->pngPath.isEmpty()) {
         *error = QStringLiteral("--png-at: --png FILE is missing");
         return false;
@@ -232,7 +267,7 @@ bool parseSnapshot(const QStringList &arguments, Options *options, QString *erro
     }
     options->command = Options::Command::Snapshot;
     options->transparent = parser.isSet("transparent");
-    return readCommon(parser, options, error)
+    return readCommon(parser, options, error) && checkFiles(*options, error)
         && readSeconds(QStringLiteral("at"), parser.value("at"), Zero::Allowed, &options->atNs,
                        error);
 }

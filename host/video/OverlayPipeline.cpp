@@ -133,6 +133,11 @@ MiniObjectRef<GstCaps> OverlayPipeline::audioCaps() const
 
 void OverlayPipeline::cleanUp() { }
 
+bool OverlayPipeline::commit(QString *)
+{
+    return true;
+}
+
 void OverlayPipeline::audioPad(GstPad *) { }
 
 GstElement *OverlayPipeline::add(const char *factory, QString *error)
@@ -407,8 +412,13 @@ void OverlayPipeline::finish()
         Q_EMIT warned(QStringLiteral("%1: ends at %2 s of %3 s")
                           .arg(m_source.name(), seconds(m_positionNs), seconds(promisedNs)));
     shutDown();
+    QString error;
     if (m_frameCount == 0)
         cleanUp();
+    else if (!commit(&error)) {
+        Q_EMIT failed(error);
+        return;
+    }
     Q_EMIT finished();
 }
 

@@ -62,6 +62,9 @@ protected:
     virtual MiniObjectRef<GstCaps> audioCaps() const;
     /// Called after the pipeline is gone, before failed().
     virtual void cleanUp();
+    /// Everything was written; called after the pipeline was taken down. False, with the reason,
+    /// when it could not be put in its place.
+    virtual bool commit(QString *error);
     virtual QString outputName() const = 0; ///< for messages
 
     GstBin *bin() const;

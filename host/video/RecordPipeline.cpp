@@ -7,6 +7,7 @@
 #include <QFile>
 #include <QFileInfo>
 
+#include <cstdio>
 #include <iterator>
 
 #include <unistd.h>
@@ -91,7 +92,10 @@ bool RecordPipeline::addOutput(GstElement *frames, QString *error)
     GstElement *sink = m_muxer ? add("filesink", error) : nullptr;
     if (!sink)
         return false;
-    g_object_set(sink, "location", QFile::encodeName(m_output.path).constData(), "sync", FALSE,
+    // An earlier recording stays until this one is complete.
+    m_writtenPath = QFileInfo(m_output.path).isFile() ? m_output.path + QStringLiteral(".part")
+                                                      : m_output.path;
+    g_object_set(sink, "location", QFile::encodeName(m_writtenPath).constData(), "sync", FALSE,
                  nullptr);
     GstElement *last = video.parser ? video.parser : video.encoder;
     const bool linked = gst_element_link_many(frames, convert, video.encoder, nullptr)
@@ -183,10 +187,23 @@ bool RecordPipeline::addAudio(GstPad *pad, const char *const *names, int count, 
 
 void RecordPipeline::cleanUp()
 {
-    const QFileInfo info(m_output.path);
+    const QFileInfo info(m_writtenPath);
     // A recording that never got a frame leaves nothing behind that looks like one.
-    if (!m_existedBefore && frameCount() == 0 && info.isFile() && !info.isSymLink())
-        QFile::remove(m_output.path);
+    const bool ours = !m_existedBefore || m_writtenPath != m_output.path;
+    if (ours && frameCount() == 0 && info.isFile() && !info.isSymLink())
+        QFile::remove(m_writtenPath);
+}
+
+bool RecordPipeline::commit(QString *error)
+{
+    if (m_writtenPath == m_output.path
+        || std::rename(QFile::encodeName(m_writtenPath).constData(),
+                       QFile::encodeName(m_output.path).constData())
+            == 0)
+        return true;
+    *error = QStringLiteral("%1: cannot replace the earlier file; the recording is in %2")
+                 .arg(m_output.path, m_writtenPath);
+    return false;
 }
 
 QString RecordPipeline::outputName() const

@@ -29,6 +29,7 @@ protected:
     MiniObjectRef<GstCaps> audioCaps() const override;
     void audioPad(GstPad *pad) override;
     void cleanUp() override;
+    bool commit(QString *error) override;
     QString outputName() const override;
 
 private:
@@ -39,6 +40,7 @@ private:
     Container m_container = Container::Matroska;
     QByteArray m_encoderName;
     GstElement *m_muxer = nullptr; ///< owned by the pipeline
+    QString m_writtenPath;         ///< the output, or a file beside it while the output exists
     bool m_existedBefore = false;  ///< somebody else's file was there
 };
 

@@ -41,6 +41,8 @@ private Q_SLOTS:
     void interruptLeavesAPlayableFile_data();
     void interruptLeavesAPlayableFile();
     void signalsAtOnceAreOne();
+    void earlierRecordingSurvivesAFailure();
+    void sourceThatWasCutOff();
     void errors_data();
     void errors();
     void brokenVideoInstallation();
@@ -241,6 +243,44 @@ void tst_xqosd::signalsAtOnceAreOne()
     QVERIFY(!readFrames(path("twice.mkv")).isEmpty());
 }
 
+void tst_xqosd::earlierRecordingSurvivesAFailure()
+{
+    const QString file = write("precious.mkv", "an earlier recording");
+    const QString noVideo = write("text.avi", "no video");
+    QCOMPARE(run({QStringLiteral("record"), QStringLiteral("--source"), noVideo,
+                  QStringLiteral("--output"), file})
+                 .status,
+             1);
+    QCOMPARE(QFileInfo(file).size(), qint64(20));
+    QVERIFY(!QFileInfo::exists(file + QStringLiteral(".part")));
+
+    QCOMPARE(run({QStringLiteral("record"), QStringLiteral("--source"), QStringLiteral("test"),
+                  QStringLiteral("--size"), QStringLiteral("320x240"), QStringLiteral("--duration"),
+                  QStringLiteral("0.2"), QStringLiteral("--output"), file})
+                 .status,
+             0);
+    QCOMPARE(readFrames(file).size(), 5); // a complete one takes its place
+    QVERIFY(!QFileInfo::exists(file + QStringLiteral(".part")));
+}
+
+void tst_xqosd::sourceThatWasCutOff()
+{
+    const QString whole = path("whole.mkv");
+    QCOMPARE(run({QStringLiteral("record"), QStringLiteral("--source"), QStringLiteral("test"),
+                  QStringLiteral("--size"), QStringLiteral("320x240"), QStringLiteral("--duration"),
+                  QStringLiteral("6"), QStringLiteral("--output"), whole})
+                 .status,
+             0);
+    QVERIFY(QFile::resize(whole, QFileInfo(whole).size() / 3));
+    const Outcome outcome = run({QStringLiteral("record"), QStringLiteral("--source"), whole,
+                                 QStringLiteral("--output"), path("rest.mkv")});
+    QCOMPARE(outcome.status, 0);
+    QVERIFY2(outcome.err.contains(QLatin1String("whole.mkv: ends at "))
+                 && outcome.err.contains(QLatin1String(" s of 6.00 s")),
+             qPrintable(outcome.err));
+    QVERIFY(!readFrames(path("rest.mkv")).isEmpty());
+}
+
 void tst_xqosd::errors_data()
 {
     QTest::addColumn<QString>("arguments");
@@ -286,6 +326,18 @@ void tst_xqosd::errors_data()
     QTest::newRow("picture on a full disk")
         << QStringLiteral("snapshot --transparent --output /dev/full") << 1
         << QStringLiteral("/dev/full: cannot be written: No space left");
+    QTest::newRow("picture over the video") << QStringLiteral("record --source test --output ")
+            + path("one.mkv") + QStringLiteral(" --png ")
+            + path("one.mkv") << 2 << QStringLiteral("one.mkv: is used for something else already");
+    QTest::newRow("log over the telemetry")
+        << test + QStringLiteral(" --telemetry ") + csv + QStringLiteral(" --log ") + csv + out << 2
+        << csv;
+    QTest::newRow("snapshot over its source")
+        << QStringLiteral("snapshot --source ") + csv + QStringLiteral(" --output ") + csv << 2
+        << csv + QStringLiteral(": is used for something else already");
+    QTest::newRow("placeholders in a name")
+        << QStringLiteral("record --source test --output %2%3.mkv --fps %3") << 2
+        << QStringLiteral("--fps: \"%3\" is not a whole number from 1");
     QTest::newRow("snapshot without source") << QStringLiteral("snapshot --source ")
             + path("none.avi") + QStringLiteral(" --output ")
             + path("never.png") << 1 << QStringLiteral("no such file");
