@@ -175,6 +175,17 @@ void OverlaySession::setTelemetry(TelemetryFile telemetry)
     m_timeMs = -1;
 }
 
+QStringList OverlaySession::unshownNames() const
+{
+    QStringList unshown;
+    const QStringList names = m_telemetry.names();
+    for (const QString &name : names) {
+        if (!m_values.contains(name))
+            unshown.append(name);
+    }
+    return unshown;
+}
+
 void OverlaySession::advanceTo(qint64 timeMs)
 {
     const QVector<TelemetryFile::Reading> &readings = m_telemetry.readings();

@@ -11,6 +11,7 @@
 #include <QHash>
 #include <QObject>
 #include <QSize>
+#include <QStringList>
 #include <QVector>
 
 #include <memory>
@@ -49,6 +50,8 @@ public:
 
     /// The run that the texts follow from now on.
     void setTelemetry(TelemetryFile telemetry);
+    /// The value names of the run that no text shows.
+    QStringList unshownNames() const;
     /// Brings every text to its reading at @p timeMs of the run, backwards as well, the video's
     /// time to @p timeMs itself, and publishes the result on the scene.
     void advanceTo(qint64 timeMs);

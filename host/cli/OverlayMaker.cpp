@@ -25,7 +25,19 @@ bool OverlayMaker::load(const Options &options, QSize expectedSize, QString *err
     m_watermarkPath = options.watermarkPath;
     if (!options.telemetryPath.isEmpty() && !m_telemetry.load(options.telemetryPath, error))
         return false;
-    return makeSession(expectedSize, error);
+    if (!makeSession(expectedSize, error))
+        return false;
+    // Once, not for every session: it is a matter of the file.
+    const QStringList unshown = m_session->unshownNames();
+    if (!unshown.isEmpty()) {
+        const bool nothingIsShown = unshown.size() == m_telemetry.names().size();
+        Logging::CLogger::logMessage(
+            nothingIsShown ? Logging::LogLevel::Warning : Logging::LogLevel::Info,
+            QStringLiteral("Host"),
+            QStringLiteral("%1: no text shows %2")
+                .arg(options.telemetryPath, unshown.join(QStringLiteral(", "))));
+    }
+    return true;
 }
 
 bool OverlayMaker::makeSession(QSize size, QString *error)

@@ -188,6 +188,9 @@ private Q_SLOTS:
         session.setTelemetry(telemetry("t_ms,NOT_A_VALUE\n0,1\n"));
         session.advanceTo(0);
         QCOMPARE(session.scene()->snapshot()->items.size(), 2); // the heading and the time
+        QCOMPARE(session.unshownNames(), QStringList(QStringLiteral("NOT_A_VALUE")));
+        session.setTelemetry(telemetry("t_ms,SPEED,OTHER\n0,1,2\n"));
+        QCOMPARE(session.unshownNames(), QStringList(QStringLiteral("OTHER")));
     }
 
     void readingsWithoutTexts()

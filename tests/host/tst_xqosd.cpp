@@ -42,6 +42,7 @@ private Q_SLOTS:
     void interruptLeavesAPlayableFile();
     void signalsAtOnceAreOne();
     void earlierRecordingSurvivesAFailure();
+    void telemetryThatNobodyShows();
     void sourceThatWasCutOff();
     void errors_data();
     void errors();
@@ -261,6 +262,17 @@ void tst_xqosd::earlierRecordingSurvivesAFailure()
              0);
     QCOMPARE(readFrames(file).size(), 5); // a complete one takes its place
     QVERIFY(!QFileInfo::exists(file + QStringLiteral(".part")));
+}
+
+void tst_xqosd::telemetryThatNobodyShows()
+{
+    const QString csv = write("foreign.csv", "t_ms,FOO,BAR\n0,1,2\n");
+    const Outcome outcome
+        = run({QStringLiteral("snapshot"), QStringLiteral("--transparent"),
+               QStringLiteral("--telemetry"), csv, QStringLiteral("--output"), path("bare.png")});
+    QCOMPARE(outcome.status, 0);
+    QVERIFY2(outcome.err.contains(csv + QStringLiteral(": no text shows FOO, BAR")),
+             qPrintable(outcome.err));
 }
 
 void tst_xqosd::sourceThatWasCutOff()
