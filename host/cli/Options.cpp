@@ -107,6 +107,7 @@ public:
             *error = m_parser.errorText();
             return false;
         }
+        m_name = arguments.constFirst();
         if (!m_parser.positionalArguments().isEmpty()) {
             *error = QStringLiteral("Unexpected argument: %1")
                          .arg(m_parser.positionalArguments().constFirst());
@@ -117,9 +118,16 @@ public:
 
     bool isSet(const char *name) const { return m_parser.isSet(QString::fromLatin1(name)); }
     QString value(const char *name) const { return m_parser.value(QString::fromLatin1(name)); }
-    QString helpText() const { return m_parser.helpText(); }
+    /// Qt writes the program's path into the first line, but the command belongs there.
+    QString helpText() const
+    {
+        const QString text = m_parser.helpText();
+        return QStringLiteral("Usage: %1 [options]").arg(m_name)
+            + text.mid(text.indexOf(QLatin1Char('\n')));
+    }
 
 private:
+    QString m_name;
     QCommandLineParser m_parser;
 };
 
@@ -281,7 +289,6 @@ bool parseOptions(const QStringList &arguments, Options *options, QString *error
         return false;
     }
     const QString command = arguments.at(1);
-    // The parser takes its first argument for the program's name, which help shows.
     const QStringList rest = QStringList(QStringLiteral("xqosd ") + command) + arguments.mid(2);
     if (command == QLatin1String("record"))
         return parseRecord(rest, options, error);

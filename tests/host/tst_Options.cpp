@@ -112,6 +112,8 @@ void tst_Options::help_data()
     QTest::addColumn<QString>("mentions");
     QTest::newRow("program") << QStringLiteral("--help") << QStringLiteral("record");
     QTest::newRow("record") << QStringLiteral("record --help") << QStringLiteral("--png-at");
+    QTest::newRow("name of the command")
+        << QStringLiteral("snapshot --help") << QStringLiteral("Usage: xqosd snapshot [options]\n");
     QTest::newRow("snapshot") << QStringLiteral("snapshot -h") << QStringLiteral("--transparent");
 }
 
