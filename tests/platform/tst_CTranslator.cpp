@@ -39,12 +39,12 @@ QString speed()
 
 } // namespace
 
-class tst_CTranslator : public QObject
+class tst_CTranslator : public Test::LoggedTest
 {
     Q_OBJECT
 
-private Q_SLOTS:
-    void init()
+private:
+    void prepare() override
     {
         Test::pinUserSettings();
         m_directory = std::make_unique<QTemporaryDir>();
@@ -56,6 +56,7 @@ private Q_SLOTS:
         TranslationStore::instance().setDirectory(m_directory->path());
     }
 
+private Q_SLOTS:
     void textPart() { QCOMPARE(QString(CTranslator::TXT_PART), QStringLiteral(".Txt.")); }
 
     void interfaceLanguage_data()
@@ -209,10 +210,9 @@ private Q_SLOTS:
         QFETCH(QString, reason);
         const QString broken = path("ESP.json");
         writeFile(broken, content);
-        Test::RecordedLog log;
         TranslationStore::instance().setDirectory(m_directory->path());
         QCOMPARE(
-            log.take(),
+            takeLog(),
             QStringList {
                 QStringLiteral("2 Platform: Cannot read translations %1: %2").arg(broken, reason)});
         TranslationStore::instance().setLocale(QLocale(QStringLiteral("fr_FR")));
@@ -222,10 +222,9 @@ private Q_SLOTS:
     void fileThatDisappears()
     {
         QVERIFY(QFile::remove(path("FRA.json")));
-        Test::RecordedLog log;
         CTranslator::instance()->updateTranslationForGivenKeys(QStringLiteral("FRA"),
                                                                {QStringLiteral("SPEED")});
-        const QStringList lines = log.take();
+        const QStringList lines = takeLog();
         QCOMPARE(lines.size(), 1);
         QVERIFY2(lines.first().startsWith(QStringLiteral("2 Platform: Cannot read translations ")
                                           + path("FRA.json")),
@@ -293,7 +292,6 @@ private Q_SLOTS:
     void shippedCaptions()
     {
         QFETCH(QString, code);
-        Test::RecordedLog log;
         TranslationStore &store = TranslationStore::instance();
         store.setDirectory(QFINDTESTDATA("../../data/translations"));
         QCOMPARE(store.availableLocales().size(), 9);
@@ -321,7 +319,7 @@ private Q_SLOTS:
         }
         QCOMPARE(different.size(), keys.size());
         QTEST(translator->txt(captions, QStringLiteral("SPEED"), QString(), {}), "speedText");
-        QCOMPARE(log.take(), QStringList());
+        QCOMPARE(takeLog(), QStringList());
     }
 
 private:

@@ -18,13 +18,14 @@ using Quantity = LocaleSettings::Quantity;
 
 } // namespace
 
-class tst_LocaleSupport : public QObject
+class tst_LocaleSupport : public Test::LoggedTest
 {
     Q_OBJECT
 
-private Q_SLOTS:
-    void init() { Test::pinUserSettings(); }
+private:
+    void prepare() override { Test::pinUserSettings(); }
 
+private Q_SLOTS:
     void unitNames()
     {
         QCOMPARE(CLocaleSupport::speedUnits_m_per_min, QStringLiteral("m/min"));
@@ -304,7 +305,6 @@ private Q_SLOTS:
 
     void lengthOfUnknownUnit()
     {
-        Test::RecordedLog log;
         const auto line = [](const char *from, const char *to) {
             return QStringLiteral("4 Platform: Cannot convert a length from \"%1\" to \"%2\"")
                 .arg(QLatin1String(from), QLatin1String(to));
@@ -314,16 +314,15 @@ private Q_SLOTS:
         QVERIFY(LengthUnitsConverter::convert(rod, m, 2.5) == 2.5);
         QVERIFY(LengthUnitsConverter::convert(m, rod, 2.5) == 2.5);
         QVERIFY(LengthUnitsConverter::convert(m, QString(), 2.5) == 2.5);
-        QCOMPARE(log.take(), QStringList({line("rod", "m"), line("m", "rod"), line("m", "")}));
+        QCOMPARE(takeLog(), QStringList({line("rod", "m"), line("m", "rod"), line("m", "")}));
     }
 
     void everyUnitOfTheUserIsALength()
     {
-        Test::RecordedLog log;
         const QStringList units = LocaleSettings::units(Quantity::Distance);
         for (const QString &unit : units)
             QVERIFY(LengthUnitsConverter::convert(QStringLiteral("m"), unit, 1.0) > 0.0);
-        QCOMPARE(log.take(), QStringList());
+        QCOMPARE(takeLog(), QStringList());
     }
 };
 

@@ -55,8 +55,11 @@ QStringList LoggedTest::takeQtWarnings()
     return std::exchange(qtWarnings, {});
 }
 
+void LoggedTest::prepare() { }
+
 void LoggedTest::init()
 {
+    prepare();
     m_sink = std::make_shared<Logging::RecordingLogSink>();
     LogRouter::instance().addSink(m_sink);
     takeQtWarnings();

@@ -24,6 +24,10 @@ public:
     /// Warnings and critical messages of Qt since the last call.
     static QStringList takeQtWarnings();
 
+protected:
+    /// Called before each test function; what is logged here is not recorded.
+    virtual void prepare();
+
 private Q_SLOTS:
     void init();
     void cleanup();

@@ -20,13 +20,14 @@ const char notFound[] = "4 VideoOverlayLibrary: AngleUnitsConverter - Units conv
 
 } // namespace
 
-class tst_AngleUnitsConverter : public QObject
+class tst_AngleUnitsConverter : public Test::LoggedTest
 {
     Q_OBJECT
 
-private Q_SLOTS:
-    void init() { Test::pinUserSettings(); }
+private:
+    void prepare() override { Test::pinUserSettings(); }
 
+private Q_SLOTS:
     void convert_data()
     {
         QTest::addColumn<QVariant>("value");
@@ -85,13 +86,12 @@ private Q_SLOTS:
         QFETCH(QString, to);
         QFETCH(int, decimals);
         QFETCH(int, lines);
-        Test::RecordedLog log;
         AngleUnitsConverter converter(decimals);
         QTEST(converter.convert(value, from, to), "expected");
         QStringList logged;
         for (int i = 0; i < lines; ++i)
             logged.append(QLatin1String(notFound));
-        QCOMPARE(log.take(), logged);
+        QCOMPARE(takeLog(), logged);
     }
 
     void userLocaleDoesNotMatter()
@@ -121,10 +121,9 @@ private Q_SLOTS:
 
     void convertToBaseOfUnknownUnit()
     {
-        Test::RecordedLog log;
         AngleUnitsConverter converter(2);
         QVERIFY(converter.convertToBase(2.5, QStringLiteral("rad")) == 2.5);
-        QCOMPARE(log.take(), QStringList {QLatin1String(notFound)});
+        QCOMPARE(takeLog(), QStringList {QLatin1String(notFound)});
     }
 
     void suffix_data()
@@ -156,7 +155,6 @@ private Q_SLOTS:
 
     void selfTest()
     {
-        Test::RecordedLog log;
         Test::RecordingConverter<AngleUnitsConverter> converter(2);
         converter.selfTest();
         QStringList inputs;
@@ -169,7 +167,7 @@ private Q_SLOTS:
         }
         QCOMPARE(inputs.join(QLatin1Char(' ')),
                  QStringLiteral("0.0000 180.0000 6.0000 12.0000 50.0000 100.0000 45.0000"));
-        QCOMPARE(log.take(), QStringList());
+        QCOMPARE(takeLog(), QStringList());
     }
 };
 

@@ -8,13 +8,14 @@
 using namespace Velmar;
 using namespace Velmar::VideoOverlay;
 
-class tst_DateConverter : public QObject
+class tst_DateConverter : public Test::LoggedTest
 {
     Q_OBJECT
 
-private Q_SLOTS:
-    void init() { Test::pinUserSettings("XYZ-2"); } // two hours ahead, all year
+private:
+    void prepare() override { Test::pinUserSettings("XYZ-2"); } // two hours ahead, all year
 
+private Q_SLOTS:
     void value_data()
     {
         QTest::addColumn<QVariant>("value");
@@ -40,11 +41,10 @@ private Q_SLOTS:
     void value()
     {
         QFETCH(QVariant, value);
-        Test::RecordedLog log;
         DateConverter converter;
         QTEST(converter.convert(value, QStringLiteral("m/s"), QStringLiteral("yyyy-MM-dd")),
               "expected");
-        QCOMPARE(log.take(), QStringList());
+        QCOMPARE(takeLog(), QStringList());
     }
 
     void emptyFormatIsTheShortOneOfTheUsersLocale()

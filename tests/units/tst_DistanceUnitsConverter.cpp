@@ -20,13 +20,14 @@ QString hostLine(const char *from, const char *to)
 
 } // namespace
 
-class tst_DistanceUnitsConverter : public QObject
+class tst_DistanceUnitsConverter : public Test::LoggedTest
 {
     Q_OBJECT
 
-private Q_SLOTS:
-    void init() { Test::pinUserSettings(); }
+private:
+    void prepare() override { Test::pinUserSettings(); }
 
+private Q_SLOTS:
     void precisionIndicator()
     {
         QCOMPARE(DistanceUnitsConverter::osdPrecisionIndicator, QStringLiteral("["));
@@ -87,10 +88,9 @@ private Q_SLOTS:
         QFETCH(QString, from);
         QFETCH(QString, to);
         QFETCH(QStringList, logged);
-        Test::RecordedLog log;
         DistanceUnitsConverter converter;
         QTEST(converter.convert(value, from, to), "expected");
-        QCOMPARE(log.take(), logged);
+        QCOMPARE(takeLog(), logged);
     }
 
     void userUnit()

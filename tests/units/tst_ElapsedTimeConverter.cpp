@@ -10,13 +10,14 @@
 using namespace Velmar;
 using namespace Velmar::VideoOverlay;
 
-class tst_ElapsedTimeConverter : public QObject
+class tst_ElapsedTimeConverter : public Test::LoggedTest
 {
     Q_OBJECT
 
-private Q_SLOTS:
-    void init() { Test::pinUserSettings("XYZ-2"); } // a duration has no time zone
+private:
+    void prepare() override { Test::pinUserSettings("XYZ-2"); } // a duration has no time zone
 
+private Q_SLOTS:
     void value_data()
     {
         QTest::addColumn<QVariant>("value");
@@ -46,12 +47,11 @@ private Q_SLOTS:
     void value()
     {
         QFETCH(QVariant, value);
-        Test::RecordedLog log;
         ElapsedTimeConverter converter;
         QTEST(converter.convert(value, QString(), QString()), "expected");
         QTEST(converter.convert(value, QStringLiteral("m/s"), QStringLiteral("hh:mm:ss")),
               "expected");
-        QCOMPARE(log.take(), QStringList());
+        QCOMPARE(takeLog(), QStringList());
     }
 
     void format()

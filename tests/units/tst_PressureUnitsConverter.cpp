@@ -19,13 +19,14 @@ const char notANumber[] = "4 VideoOverlayLibrary: AngleUnitsConverter - Units co
 
 } // namespace
 
-class tst_PressureUnitsConverter : public QObject
+class tst_PressureUnitsConverter : public Test::LoggedTest
 {
     Q_OBJECT
 
-private Q_SLOTS:
-    void init() { Test::pinUserSettings(); }
+private:
+    void prepare() override { Test::pinUserSettings(); }
 
+private Q_SLOTS:
     void convert_data()
     {
         QTest::addColumn<QVariant>("value");
@@ -91,10 +92,9 @@ private Q_SLOTS:
         QFETCH(QString, to);
         QFETCH(int, decimals);
         QFETCH(QStringList, logged);
-        Test::RecordedLog log;
         PressureUnitsConverter converter(decimals);
         QTEST(converter.convert(value, from, to), "expected");
-        QCOMPARE(log.take(), logged);
+        QCOMPARE(takeLog(), logged);
     }
 
     void userLocaleDoesNotMatter()
@@ -129,10 +129,9 @@ private Q_SLOTS:
 
     void convertToBaseOfUnknownUnit()
     {
-        Test::RecordedLog log;
         PressureUnitsConverter converter(2);
         QVERIFY(converter.convertToBase(2.5, QStringLiteral("psi")) == 2.5);
-        QCOMPARE(log.take(), QStringList {QLatin1String(notFound)});
+        QCOMPARE(takeLog(), QStringList {QLatin1String(notFound)});
     }
 
     void suffix()
@@ -148,7 +147,6 @@ private Q_SLOTS:
 
     void selfTest()
     {
-        Test::RecordedLog log;
         Test::RecordingConverter<PressureUnitsConverter> converter(2);
         converter.selfTest();
         QStringList inputs;
@@ -160,7 +158,7 @@ private Q_SLOTS:
             }
         }
         QCOMPARE(inputs.join(QLatin1Char(' ')), QStringLiteral("1.00 100.01 1000"));
-        QCOMPARE(log.take(), QStringList());
+        QCOMPARE(takeLog(), QStringList());
     }
 };
 

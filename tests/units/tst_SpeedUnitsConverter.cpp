@@ -77,13 +77,14 @@ const char notANumber[] = "4 VideoOverlayLibrary: AngleUnitsConverter - Units co
 
 } // namespace
 
-class tst_SpeedUnitsConverter : public QObject
+class tst_SpeedUnitsConverter : public Test::LoggedTest
 {
     Q_OBJECT
 
-private Q_SLOTS:
-    void init() { Test::pinUserSettings(); }
+private:
+    void prepare() override { Test::pinUserSettings(); }
 
+private Q_SLOTS:
     void everyUnitToEveryUnit_data()
     {
         QTest::addColumn<QString>("from");
@@ -106,10 +107,9 @@ private Q_SLOTS:
         QFETCH(QString, from);
         QFETCH(QString, to);
         QFETCH(QString, expected);
-        Test::RecordedLog log;
         SpeedUnitsConverter converter;
         QCOMPARE(converter.convert(123456789.125, from, to), expected);
-        QCOMPARE(log.take(), QStringList());
+        QCOMPARE(takeLog(), QStringList());
     }
 
     void factor_data()
@@ -182,10 +182,9 @@ private Q_SLOTS:
         QFETCH(QString, from);
         QFETCH(QString, to);
         QFETCH(QStringList, logged);
-        Test::RecordedLog log;
         SpeedUnitsConverter converter;
         QTEST(converter.convert(value, from, to), "expected");
-        QCOMPARE(log.take(), logged);
+        QCOMPARE(takeLog(), logged);
     }
 
     void userLocaleDoesNotMatter()
@@ -198,12 +197,11 @@ private Q_SLOTS:
 
     void convertToBaseOfUnknownUnit()
     {
-        Test::RecordedLog log;
         SpeedUnitsConverter converter;
         QVERIFY(converter.convertToBase(2.5, QStringLiteral("knots")) == 2.5);
-        QCOMPARE(log.take(), QStringList {QLatin1String(notFoundError)});
+        QCOMPARE(takeLog(), QStringList {QLatin1String(notFoundError)});
         QVERIFY(converter.convertToBase(2.5, QString()) == 2.5);
-        QCOMPARE(log.take(), QStringList {QLatin1String(notFoundError)});
+        QCOMPARE(takeLog(), QStringList {QLatin1String(notFoundError)});
     }
 
     void suffix()
@@ -251,11 +249,10 @@ private Q_SLOTS:
         for (const SelfTest &each : selfTests)
             expected.append(QStringList {each.text, each.from, each.to}.join(QLatin1Char('|')));
         QCOMPARE(expected.size(), 28);
-        Test::RecordedLog log;
         Test::RecordingConverter<SpeedUnitsConverter> converter;
         converter.selfTest();
         QCOMPARE(converter.calls, expected);
-        QCOMPARE(log.take(), QStringList());
+        QCOMPARE(takeLog(), QStringList());
     }
 };
 

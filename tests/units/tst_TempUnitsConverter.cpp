@@ -20,13 +20,14 @@ const char notANumber[] = "4 VideoOverlayLibrary: AngleUnitsConverter - Units co
 
 } // namespace
 
-class tst_TempUnitsConverter : public QObject
+class tst_TempUnitsConverter : public Test::LoggedTest
 {
     Q_OBJECT
 
-private Q_SLOTS:
-    void init() { Test::pinUserSettings(); }
+private:
+    void prepare() override { Test::pinUserSettings(); }
 
+private Q_SLOTS:
     void convert_data()
     {
         QTest::addColumn<QVariant>("value");
@@ -79,10 +80,9 @@ private Q_SLOTS:
         QFETCH(QString, to);
         QFETCH(int, decimals);
         QFETCH(QStringList, logged);
-        Test::RecordedLog log;
         TempUnitsConverter converter(decimals);
         QTEST(converter.convert(value, from, to), "expected");
-        QCOMPARE(log.take(), logged);
+        QCOMPARE(takeLog(), logged);
     }
 
     void userUnit()
@@ -146,7 +146,6 @@ private Q_SLOTS:
 
     void selfTest()
     {
-        Test::RecordedLog log;
         Test::RecordingConverter<TempUnitsConverter> converter(2);
         converter.selfTest();
         QStringList inputs;
@@ -158,7 +157,7 @@ private Q_SLOTS:
             }
         }
         QCOMPARE(inputs.join(QLatin1Char(' ')), QStringLiteral("7.2222 -17.2222"));
-        QCOMPARE(log.take(), QStringList());
+        QCOMPARE(takeLog(), QStringList());
     }
 };
 

@@ -10,13 +10,14 @@
 using namespace Velmar;
 using namespace Velmar::VideoOverlay;
 
-class tst_TimeConverter : public QObject
+class tst_TimeConverter : public Test::LoggedTest
 {
     Q_OBJECT
 
-private Q_SLOTS:
-    void init() { Test::pinUserSettings("XYZ-2"); } // two hours ahead, all year
+private:
+    void prepare() override { Test::pinUserSettings("XYZ-2"); } // two hours ahead, all year
 
+private Q_SLOTS:
     void format_data()
     {
         QTest::addColumn<QString>("format");
@@ -67,10 +68,9 @@ private Q_SLOTS:
     void value()
     {
         QFETCH(QVariant, value);
-        Test::RecordedLog log;
         TimeConverter converter;
         QTEST(converter.convert(value, QString(), QStringLiteral("hh:mm:ss.zzz")), "expected");
-        QCOMPARE(log.take(), QStringList());
+        QCOMPARE(takeLog(), QStringList());
     }
 
     void summerTime()

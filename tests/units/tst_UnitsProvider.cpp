@@ -10,6 +10,8 @@
 #include "videooverlay/units/TempUnitsConverter.h"
 #include "videooverlay/units/TimeConverter.h"
 
+#include "tests/support/LoggedTest.h"
+
 #include <QtTest>
 
 #include <cstdint>
@@ -72,7 +74,7 @@ static_assert(!std::is_convertible_v<QString, DateConverter>);
 
 } // namespace
 
-class tst_UnitsProvider : public QObject
+class tst_UnitsProvider : public Velmar::Test::LoggedTest
 {
     Q_OBJECT
 
