@@ -1,0 +1,27 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include "videooverlay/osd/COsdElementDatasource.h"
+
+#include <QString>
+
+namespace Velmar::VideoOverlay {
+
+class CVideoOverlayText;
+
+/// A fixed text, taken from the record.
+class XQVIDEOOVERLAY_EXPORT COsdStaticTextDatasource : public COsdElementDatasource
+{
+    Q_OBJECT
+public:
+    COsdStaticTextDatasource(CVideoOverlayText *text, ElementParam &param);
+    ~COsdStaticTextDatasource() override;
+
+    QString buildText();
+    void setValue(const QString &newText); ///< writes it into the element
+
+private:
+    QString m_text;
+};
+
+} // namespace Velmar::VideoOverlay
