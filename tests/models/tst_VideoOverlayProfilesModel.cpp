@@ -238,6 +238,7 @@ private Q_SLOTS:
             QCOMPARE(index.data(256), QVariant(row));
             QCOMPARE(index.data(256).userType(), int(QMetaType::Int));
             QVERIFY(!index.data(257).isValid());
+            QCOMPARE(index.data().toString(), profile->caption()); // for views that show a text
             QVERIFY(!index.data(Qt::EditRole).isValid());
         }
         QVERIFY(!model.data(QModelIndex()).isValid());
