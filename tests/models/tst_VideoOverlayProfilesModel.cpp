@@ -696,6 +696,13 @@ private Q_SLOTS:
         QCOMPARE(after.size(), 4);
         QCOMPARE(bound(2), QStringLiteral("DATE"));
 
+        // Built anew, they are new elements, which stand for the same records.
+        model.revertCurrentProfile();
+        model.applyChanges(profile);
+        QCOMPARE(after.size(), 4);
+        QCOMPARE(bound(2), QStringLiteral("DATE"));
+        QCOMPARE(after.at(2).value(QStringLiteral("id")).toInt(), overlay.element(2)->id());
+
         QCOMPARE(model.applyChanges(nullptr), nullptr);
         takeLog();
     }
