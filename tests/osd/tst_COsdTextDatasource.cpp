@@ -77,8 +77,8 @@ private Q_SLOTS:
         const QMetaObject &meta = COsdTextDatasource::staticMetaObject;
         QCOMPARE(Test::methodsOf(meta).join(QLatin1Char('\n')),
                  QStringLiteral("slot calculateCaption()\nslot update()\n"
-                                "slot setValue(QString newValue)\n"
-                                "slot setCaption(QString newCaption)\nslot renewCaption()"));
+                                "slot setValue(QString)\n"
+                                "slot setCaption(QString)\nslot renewCaption()"));
         QCOMPARE(Test::propertiesOf(meta), QStringList());
         QCOMPARE(Test::slotOf(&COsdTextDatasource::calculateCaption), Test::qObjectSlots);
     }
