@@ -144,6 +144,13 @@ private Q_SLOTS:
         m_overlay->manager.onRecordingStateChanged(CVideoOverlayManager::State(state));
         QCOMPARE(journal.take(), QStringList {announced});
         QVERIFY(QMetaType::type("State") != QMetaType::UnknownType);
+        // A recorder in another thread announces it through the event loop.
+        QVERIFY(QMetaObject::invokeMethod(&m_overlay->manager, "onRecordingStateChanged",
+                                          Qt::QueuedConnection,
+                                          Q_ARG(Velmar::VideoOverlay::CVideoOverlayManager::State,
+                                                CVideoOverlayManager::State(state))));
+        QCoreApplication::processEvents();
+        QCOMPARE(journal.take(), QStringList {announced});
     }
 
     void transparencyReachesTexts()
@@ -185,7 +192,7 @@ private Q_SLOTS:
         SignalJournal journal(manager, CVideoOverlayManager::staticMetaObject);
         const QColor half(1, 2, 3, 128);
         manager.setTextColor(half); // one of each text, one of the manager's own
-        const QString announced = QStringLiteral("globalTextColorChanged(#010203)");
+        const QString announced = QStringLiteral("globalTextColorChanged(#80010203)");
         QCOMPARE(journal.take(), (QStringList {announced, announced, announced}));
         QCOMPARE(manager.getTextColor(), half);
         QVERIFY(manager.textsHaveSameColors(common));
@@ -197,7 +204,7 @@ private Q_SLOTS:
         QCOMPARE(journal.take().size(), 3);
         QCOMPARE(manager.getBackgroundColor(), half);
         manager.setBackgroundColor(half);
-        QCOMPARE(journal.take(), lines({"globalBackgroundColorChanged(#010203)"}));
+        QCOMPARE(journal.take(), lines({"globalBackgroundColorChanged(#80010203)"}));
     }
 
     /// Alpha counts; an invalid colour has the name of opaque black and stays invalid.

@@ -125,6 +125,9 @@ private Q_SLOTS:
         param.insert(QStringLiteral("TDIR_Key"), QStringLiteral("SECOBS"));
         CVideoOverlayText *text = m_overlay->manager.createText(param);
         auto *source = new COsdValueDatasource(resolver, text, param);
+        QCOMPARE(takeLog(), // there is no template yet
+                 QStringList {QStringLiteral(
+                     "2 VideoOverlayLibrary: Cannot find caption for OBS_OpCode in SECOBS")});
         source->update(QVariant(QStringLiteral("BAB")));
         QStringList captions;
         const QStringList ids = catalogs.catalogIds();

@@ -63,6 +63,8 @@ CVideoOverlayManager::CVideoOverlayManager(CVideoOverlayControl &control,
     , m_settings(std::make_unique<VideoOverlaySettings>(capabilities))
 {
     qRegisterMetaType<State>("State");
+    qRegisterMetaType<State>("Velmar::VideoOverlay::CVideoOverlayManager::State");
+    qRegisterMetaType<CVideoOverlayElement *>(); // QML calls getElement()
     // After all members: the model sets the transparency.
     m_elementListModel = std::make_unique<VideoOverlayElementListModel>(*this);
     connect(&m_control, &CVideoOverlayControl::controlActiveChanged, this,

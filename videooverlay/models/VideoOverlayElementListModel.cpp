@@ -44,9 +44,9 @@ int VideoOverlayElementListModel::rowCount(const QModelIndex &parent) const
 
 QVariant VideoOverlayElementListModel::data(const QModelIndex &index, int role) const
 {
-    if (!checkIndex(index, CheckIndexOption::IndexIsValid | CheckIndexOption::ParentIsInvalid))
+    if (!index.isValid())
         return {};
-    const CVideoOverlayElement *element = m_manager.getElement(index.row());
+    const CVideoOverlayElement *element = m_manager.getElement(index.row()); // null beyond the end
     if (!element)
         return {};
     switch (role) {
