@@ -73,7 +73,8 @@ private Q_SLOTS:
     {
         ElementParam param = boundTo(ElementParam::NAME_SPEED);
         const QPointer<CVideoOverlayText> text = m_overlay->manager.createText(param);
-        auto *source = new COsdValueDatasource({}, text, param);
+        auto *source = new COsdValueDatasource(
+            QSharedPointer<DictCaptionResolver>::create(CatalogStore::instance()), text, param);
         const int id = text->id();
         text->setTimeout(5); // showing it would start its timer, with a line in the log
         takeLog();
@@ -83,9 +84,12 @@ private Q_SLOTS:
         source->update(QVariant(QStringLiteral("12")));
         QVERIFY(text);
         QCOMPARE(m_overlay->takeShown().last(), QStringLiteral("deleteElement %1").arg(id));
+        const QString caption = text->caption();
         TranslationStore::instance().setLocale(QLocale(QStringLiteral("de_DE")));
+        QCOMPARE(text->caption(), caption); // its datasource follows nothing any more
         QCOMPARE(m_overlay->takeShown(), QStringList());
-        QCOMPARE(takeLog(), QStringList());
+        QCOMPARE(takeLog(), // the resolver's own line, as there is no project
+                 QStringList {QStringLiteral("2 VideoOverlayLibrary: Invalid project.")});
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
         QVERIFY(!text);
     }
