@@ -100,6 +100,12 @@ class tst_SpeedEvent : public Velmar::Test::LoggedTest
 {
     Q_OBJECT
 
+public:
+    tst_SpeedEvent()
+    {
+        allow(QStringLiteral("2 VideoOverlayLibrary: Invalid project.")); // there is none here
+    }
+
 private Q_SLOTS:
     void everyStep()
     {
@@ -159,7 +165,6 @@ private Q_SLOTS:
         QVERIFY(brightest(0, 1) > 200);
         QVERIFY(brightest(30, 31) > 200);
         QVERIFY(brightest(16.3, 18.7) < 60);
-        takeRemarks();
     }
 
     void aSecondValueOnlyChangesTheText()
@@ -173,7 +178,6 @@ private Q_SLOTS:
         world.display.takeCalls();
         world.feed.setValue(ElementParam::NAME_SPEED, 2.0); // the same again costs nothing
         QCOMPARE(world.display.takeCalls(), QStringList());
-        takeRemarks();
     }
 
     void hiddenCaption()
@@ -182,7 +186,6 @@ private Q_SLOTS:
         world.text->setCaptionVisible(false);
         world.feed.setValue(ElementParam::NAME_SPEED, 12.5);
         QCOMPARE(world.text->text(), QStringLiteral("  41.01 ft/min"));
-        takeRemarks();
     }
 
     void renderingSwitchedOff()
@@ -194,7 +197,6 @@ private Q_SLOTS:
         QCOMPARE(world.text->text(), QStringLiteral("Geschwindigkeit:   41.01 ft/min"));
         QCOMPARE(world.display.takeCalls().filter(QStringLiteral("displayElement")),
                  QStringList());
-        takeRemarks();
     }
 
 protected:
@@ -203,14 +205,6 @@ protected:
         Translation::TranslationStore::instance().setDirectory(
             QStringLiteral(TRANSLATIONS_DIRECTORY));
         Translation::TranslationStore::instance().setLocale(QLocale(QStringLiteral("de_DE")));
-    }
-
-private:
-    void takeRemarks() // there is no project
-    {
-        const QStringList remarks = takeLog().filter(QRegularExpression(QStringLiteral("^[12] ")));
-        for (const QString &line : remarks)
-            QCOMPARE(line, QStringLiteral("2 VideoOverlayLibrary: Invalid project."));
     }
 };
 
