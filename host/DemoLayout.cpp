@@ -48,14 +48,14 @@ const QVector<Block> &blocks()
          {{ElementParam::NAME_CRAWLER_PITCH, 7},
           {ElementParam::NAME_CRAWLER_ROLL, 7},
           {ElementParam::NAME_CRAWLER_PRESSURE, 9},
-          {ElementParam::NAME_CRAWLER_TEMPERATURE, 7}}},
+          {ElementParam::NAME_CRAWLER_TEMPERATURE, 8}}},
         {Block::Edge::Left,
          22,
          {{ElementParam::NAME_CAMERA_PAN, 7},
           {ElementParam::NAME_CAMERA_TILT, 7},
           {ElementParam::NAME_CAMERA_PRESSURE, 9},
-          {ElementParam::NAME_CAMERA_TEMPERATURE, 7},
-          {ElementParam::NAME_OBJECT_TEMPERATURE, 7}}},
+          {ElementParam::NAME_CAMERA_TEMPERATURE, 8},
+          {ElementParam::NAME_OBJECT_TEMPERATURE, 8}}},
     };
     return all;
 }

@@ -250,8 +250,8 @@ void OverlaySession::show(const TelemetryFile::Reading &reading)
 {
     const QString name = m_telemetry.names().at(reading.column);
     const bool fromVideo = name == ElementParam::NAME_VIDEO_TIME_COUNTER;
-    const bool fromStart = m_start.isValid()
-        && (name == ElementParam::NAME_DATE || name == ElementParam::NAME_TIME);
+    const bool fromStart
+        = m_start.isValid() && (name == ElementParam::NAME_DATE || name == ElementParam::NAME_TIME);
     const SystemValue *value = SystemValues::find(name);
     if (fromVideo || fromStart || !value)
         return; // this video's own times, not those of another recording

@@ -50,7 +50,8 @@ void findData()
 {
     const QDir program(QGuiApplication::applicationDirPath());
     const QString installed = program.absoluteFilePath(QStringLiteral("../share/xqosd"));
-    const bool built = program.canonicalPath() == QDir(QStringLiteral(XQ_BUILD_DIRECTORY)).canonicalPath();
+    const bool built
+        = program.canonicalPath() == QDir(QStringLiteral(XQ_BUILD_DIRECTORY)).canonicalPath();
     if (built)
         Directories::setReadonlyConfigDirectory(QStringLiteral(XQ_DATA_DIRECTORY));
     else if (QDir(installed).exists())

@@ -213,7 +213,8 @@ bool readInput(const QString &text, Options *options, QString *error)
         options->inputFromPipe = true;
         return true;
     }
-    options->inputSocket = text.startsWith(socketPrefix) ? text.mid(socketPrefix.size()) : QString();
+    options->inputSocket
+        = text.startsWith(socketPrefix) ? text.mid(socketPrefix.size()) : QString();
     if (!options->inputSocket.isEmpty())
         return true;
     *error = QStringLiteral("--input: \"%1\" is neither stdin nor socket:PATH").arg(text);
@@ -237,8 +238,8 @@ bool checkFiles(const Options &options, QString *error)
         if (!input.isEmpty())
             taken.append(fileOf(input));
     }
-    for (const QString &output : {options.outputPath, options.pngPath, options.logPath,
-                                  options.inputSocket}) {
+    for (const QString &output :
+         {options.outputPath, options.pngPath, options.logPath, options.inputSocket}) {
         if (output.isEmpty())
             continue;
         // Devices are no files to be replaced.

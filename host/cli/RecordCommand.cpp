@@ -52,10 +52,9 @@ int runRecord(const Options &options)
     InterruptWatch interrupt;
     ProgressLine progress(options.quiet ? ProgressLine::Mode::Off : ProgressLine::Mode::Terminal);
     LiveInput input;
-    QObject::connect(&input, &LiveInput::valueRead,
-                     [&maker](const QString &name, const QVariant &value) {
-                         maker.setLiveValue(name, value);
-                     });
+    QObject::connect(
+        &input, &LiveInput::valueRead,
+        [&maker](const QString &name, const QVariant &value) { maker.setLiveValue(name, value); });
     QObject::connect(&input, &LiveInput::problemFound, [&progress](const QString &text) {
         progress.clear();
         reportWarning(text);

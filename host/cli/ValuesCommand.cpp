@@ -34,8 +34,7 @@ QStringList linesOf(const SystemValueDatasourceFactory &factory, const SystemVal
         lines.append(line("units", units.join(QStringLiteral(", "))));
     }
     lines.append(line("input", SystemValues::inputFormat(value.quantity)));
-    lines.append(
-        line("example", QStringLiteral("{\"%1\": %2}").arg(value.name, value.example)));
+    lines.append(line("example", QStringLiteral("{\"%1\": %2}").arg(value.name, value.example)));
     return lines;
 }
 
@@ -50,9 +49,10 @@ QString valuesText()
         blocks.append(linesOf(factory, value).join(QLatin1Char('\n')));
         all.append(QStringLiteral("\"%1\": %2").arg(value.name, value.example));
     }
-    blocks.append(QStringLiteral(
-        "Live input (xqosd record --input): UTF-8, one JSON object per line, any of the values:\n"
-        "{%1}").arg(all.join(QStringLiteral(", "))));
+    blocks.append(QStringLiteral("Live input (xqosd record --input): UTF-8, one JSON object per "
+                                 "line, any of the values:\n"
+                                 "{%1}")
+                      .arg(all.join(QStringLiteral(", "))));
     return blocks.join(QStringLiteral("\n\n"));
 }
 

@@ -105,9 +105,9 @@ void LiveInputParser::readValue(const QString &name, const QVariant &input, Batc
     if (!known) {
         if (m_unknown.size() < MostUnknownNames && !m_unknown.contains(name)) {
             m_unknown.insert(name);
-            report(QStringLiteral("%1: no such value; xqosd values lists them")
-                       .arg(printable(name)),
-                   batch);
+            report(
+                QStringLiteral("%1: no such value; xqosd values lists them").arg(printable(name)),
+                batch);
         }
         return;
     }

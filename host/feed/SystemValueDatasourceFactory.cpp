@@ -91,9 +91,9 @@ bool SystemValueDatasourceFactory::accept(ElementParam &param)
         && SystemValues::find(param.value(ElementParam::NAME_COLUMNBOUND).toString());
 }
 
-COsdElementDatasource *SystemValueDatasourceFactory::buildDatasource(
-    CVideoOverlayElement *element, ElementParam &param,
-    QSharedPointer<TemplateCaptionResolver> resolver)
+COsdElementDatasource *
+SystemValueDatasourceFactory::buildDatasource(CVideoOverlayElement *element, ElementParam &param,
+                                              QSharedPointer<TemplateCaptionResolver> resolver)
 {
     auto *text = qobject_cast<CVideoOverlayText *>(element);
     const QString name = param.value(ElementParam::NAME_COLUMNBOUND).toString();

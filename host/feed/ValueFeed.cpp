@@ -86,8 +86,8 @@ void ValueFeed::deliver(const QString &name, const QVariant &value)
         if (!element)
             continue;
         // Only now: an element is registered before its datasource is made.
-        auto *datasource = element->findChild<COsdValueDatasource *>(QString(),
-                                                                     Qt::FindDirectChildrenOnly);
+        auto *datasource
+            = element->findChild<COsdValueDatasource *>(QString(), Qt::FindDirectChildrenOnly);
         if (datasource)
             datasource->update(value);
     }

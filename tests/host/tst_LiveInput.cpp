@@ -11,6 +11,7 @@
 #include <memory>
 
 #include <fcntl.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 using namespace Velmar::Host;
@@ -80,7 +81,6 @@ void tst_LiveInput::pipeThatIsAFile()
 void tst_LiveInput::descriptorThatIsNone()
 {
     QTemporaryDir directory;
-    QFile file(directory.path());
     const int descriptor = ::open(QFile::encodeName(directory.path()).constData(), O_RDONLY);
     QVERIFY(descriptor >= 0); // a folder: opens, but cannot be read
     LiveInput input;
@@ -150,11 +150,11 @@ void tst_LiveInput::staleSocketIsReplaced()
         ::_exit(0);
     }
     QVERIFY(child > 0);
-    QTRY_VERIFY(QFile::exists(path));
-    QTRY_COMPARE(::access(QFile::encodeName(path).constData(), F_OK), 0);
+    QCOMPARE(::waitpid(child, nullptr, 0), child);
+    QVERIFY(QFile::exists(path));
     LiveInput input;
     QString error;
-    QTRY_VERIFY2(input.listen(path, &error), qPrintable(error));
+    QVERIFY2(input.listen(path, &error), qPrintable(error));
     QLocalSocket client;
     client.connectToServer(path);
     QVERIFY(client.waitForConnected());

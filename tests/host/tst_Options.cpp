@@ -152,8 +152,8 @@ void tst_Options::units()
              QStringLiteral("\u00B0C"));
     QCOMPARE(LocaleSettings::unit(LocaleSettings::Quantity::Angle), QStringLiteral("%"));
     // What comes later wins.
-    QVERIFY(parseOptions(words(QStringLiteral("values --units speed=m/s,metric")), &options,
-                         &error));
+    QVERIFY(
+        parseOptions(words(QStringLiteral("values --units speed=m/s,metric")), &options, &error));
     options.choices.apply();
     QCOMPARE(LocaleSettings::unit(LocaleSettings::Quantity::Speed), QStringLiteral("m/min"));
     LocaleSettings::reset();
@@ -178,8 +178,8 @@ void tst_Options::values()
 {
     Options options;
     QString error;
-    QVERIFY(parseOptions(words(QStringLiteral("values --language de --log l.txt")), &options,
-                         &error));
+    QVERIFY(
+        parseOptions(words(QStringLiteral("values --language de --log l.txt")), &options, &error));
     QCOMPARE(options.command, Options::Command::Values);
     QCOMPARE(options.logPath, QStringLiteral("l.txt"));
 }
@@ -238,11 +238,10 @@ void tst_Options::refused_data()
     QTest::newRow("rate of a file")
         << record + QStringLiteral("--source x.mkv --fps 5") << QStringLiteral("keeps its own");
     for (const char *language : {"xx", "german", "de_XX", "C", "d", "_", "de_DE_DE"})
-        QTest::addRow("language %s", language)
-            << record + QStringLiteral("--language ") + QLatin1String(language)
-            << QStringLiteral("--language");
-    for (const char *units : {"metrical", "speed", "speed=", "speed=mph", "weight=kg", "metric,,",
-                              "temperature=K"})
+        QTest::addRow("language %s", language) << record + QStringLiteral("--language ")
+                + QLatin1String(language) << QStringLiteral("--language");
+    for (const char *units :
+         {"metrical", "speed", "speed=", "speed=mph", "weight=kg", "metric,,", "temperature=K"})
         QTest::addRow("units %s", units) << record + QStringLiteral("--units ")
                 + QLatin1String(units) << QStringLiteral("--units");
     for (const char *input : {"file", "socket:", "socket", "stdin2"})
@@ -250,8 +249,8 @@ void tst_Options::refused_data()
                 + QLatin1String(input) << QStringLiteral("--input");
     QTest::newRow("socket over the output")
         << record + QStringLiteral("--input socket:a.mkv") << QStringLiteral("a.mkv");
-    QTest::newRow("input of a picture") << QStringLiteral("snapshot --output o.png --input stdin")
-                                        << QStringLiteral("input");
+    QTest::newRow("input of a picture")
+        << QStringLiteral("snapshot --output o.png --input stdin") << QStringLiteral("input");
     QTest::newRow("values takes no file")
         << QStringLiteral("values --output x") << QStringLiteral("output");
     QTest::newRow("value missing") << QStringLiteral("record --output") << QStringLiteral("output");

@@ -37,8 +37,7 @@ class WatchedConverter : public SpeedUnitsConverter
 public:
     QString convert(QVariant value, QString from, QString to) override
     {
-        questions.append(
-            QStringLiteral("convert %1 '%2' '%3'").arg(value.toString(), from, to));
+        questions.append(QStringLiteral("convert %1 '%2' '%3'").arg(value.toString(), from, to));
         return SpeedUnitsConverter::convert(value, from, to);
     }
     QString getSuffix(QString unit) override
@@ -119,6 +118,7 @@ private Q_SLOTS:
         world.feed.setValue(ElementParam::NAME_SPEED, 12.5);
 
         // The datasource converts into the element's unit and asks for that unit's suffix.
+        world.converter.questions.sort(); // which of the two comes first is nobody's business
         QCOMPARE(world.converter.questions,
                  QStringList({QStringLiteral("convert 12.5 '' 'ft/min'"),
                               QStringLiteral("suffix 'ft/min'")}));
@@ -132,8 +132,8 @@ private Q_SLOTS:
 
         // The manager places it on the grid, tells the list and hands it to the display.
         const VideoOverlaySettings &grid = *world.manager->getSettings();
-        QCOMPARE(text->getElement().x(), int(grid.leftMargin() + 3 * grid.colWidth()));
-        QCOMPARE(text->getElement().y(), int(grid.topMargin() + 2 * grid.rowHeight()));
+        QCOMPARE(text->getElement().x(), grid.leftMargin() + 3 * grid.colWidth());
+        QCOMPARE(text->getElement().y(), grid.topMargin() + 2 * grid.rowHeight());
         QVERIFY(rowsChanged.count() >= 2); // the text, and that it is visible
         for (const QList<QVariant> &change : qAsConst(rowsChanged)) {
             QCOMPARE(change.at(0).toModelIndex().row(), 0);
@@ -147,18 +147,18 @@ private Q_SLOTS:
         const RenderedElement rendered = text->getElement();
         QCOMPARE(rendered.id(), text->id());
         QVERIFY(rendered.visible());
-        QVERIFY(!rendered.image().isNull());
+        QVERIFY(!rendered.getImage().isNull());
         // One line, as wide as its 31 characters and no wider than their cells.
-        QVERIFY(rendered.image().height() <= int(grid.rowHeight()) + 1);
-        QVERIFY(rendered.image().width() > 28 * grid.colWidth());
-        QVERIFY(rendered.image().width() < 34 * grid.colWidth());
+        QVERIFY(rendered.getImage().height() <= int(grid.rowHeight()) + 1);
+        QVERIFY(rendered.getImage().width() > 28 * grid.colWidth());
+        QVERIFY(rendered.getImage().width() < 34 * grid.colWidth());
         // Letters at both ends, none in the three blanks after the colon.
         const auto brightest = [&](double fromCell, double toCell) {
             int most = 0;
-            const double cell = rendered.image().width() / 31.0;
+            const double cell = rendered.getImage().width() / 31.0;
             for (int x = int(fromCell * cell); x < int(toCell * cell); ++x) {
-                for (int y = 0; y < rendered.image().height(); ++y)
-                    most = qMax(most, qGray(rendered.image().pixel(x, y)));
+                for (int y = 0; y < rendered.getImage().height(); ++y)
+                    most = qMax(most, qGray(rendered.getImage().pixel(x, y)));
             }
             return most;
         };
@@ -195,8 +195,7 @@ private Q_SLOTS:
         qunsetenv("NQ5_DISABLE_OSD_RENDER");
         world.feed.setValue(ElementParam::NAME_SPEED, 12.5);
         QCOMPARE(world.text->text(), QStringLiteral("Geschwindigkeit:   41.01 ft/min"));
-        QCOMPARE(world.display.takeCalls().filter(QStringLiteral("displayElement")),
-                 QStringList());
+        QCOMPARE(world.display.takeCalls().filter(QStringLiteral("displayElement")), QStringList());
     }
 
 protected:

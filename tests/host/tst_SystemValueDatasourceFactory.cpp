@@ -135,8 +135,15 @@ void tst_SystemValueDatasourceFactory::textOfEachValue_data()
         row(name, "\xC2\xB0", -0.02, "0.0 \xC2\xB0");
     }
     for (const char *name : {"CAMERA_TEMPERATURE", "CRAWLER_TEMPERATURE", "OBJECT_TEMPERATURE"}) {
-        row(name, "", 24.6, "24.6 \xC2\xB0""C");
-        row(name, "\xC2\xB0""F", 24.6, "76.3 \xC2\xB0""F");
+        row(name, "", 24.6,
+            "24.6 \xC2\xB0"
+            "C");
+        row(name,
+            "\xC2\xB0"
+            "F",
+            24.6,
+            "76.3 \xC2\xB0"
+            "F");
     }
     for (const char *name : {"CAMERA_PRESSURE", "CRAWLER_PRESSURE"}) {
         row(name, "", 1098.4, "1098 mbar");
@@ -161,8 +168,7 @@ void tst_SystemValueDatasourceFactory::textOfEachValue()
     CVideoOverlayText text;
     ElementParam param = record(name);
     param.insert(QStringLiteral("unit"), unit);
-    auto *datasource
-        = qobject_cast<COsdValueDatasource *>(m_factory->getDatasource(&text, param));
+    auto *datasource = qobject_cast<COsdValueDatasource *>(m_factory->getDatasource(&text, param));
     QVERIFY(datasource);
     QCOMPARE(datasource->parent(), &text);
     datasource->update(value);
@@ -211,8 +217,7 @@ void tst_SystemValueDatasourceFactory::captionsFollowTheLanguage()
     ElementParam param = record(QStringLiteral("SPEED"));
     param.insert(QStringLiteral("captionEnabled"), true);
     param.insert(QStringLiteral("max_width"), 12);
-    auto *datasource
-        = qobject_cast<COsdValueDatasource *>(m_factory->getDatasource(&text, param));
+    auto *datasource = qobject_cast<COsdValueDatasource *>(m_factory->getDatasource(&text, param));
     QVERIFY(datasource);
     datasource->update(QVariant(6.5));
     QCOMPARE(text.text(), QStringLiteral("Speed:   6.50 m/min"));

@@ -304,7 +304,8 @@ void tst_xqosd::values()
                QStringLiteral("--units"), QStringLiteral("imperial")});
     QCOMPARE(outcome.err, QString());
     QCOMPARE(outcome.status, 0);
-    const QString speed = outcome.out.mid(outcome.out.indexOf(QStringLiteral("\nSPEED\n"))).left(400);
+    const QString speed
+        = outcome.out.mid(outcome.out.indexOf(QStringLiteral("\nSPEED\n"))).left(400);
     for (const char *line :
          {"  caption   Geschwindigkeit\n", "  quantity  speed\n", "  unit      ft/min\n",
           "  units     m/min, ft/min, inch/min, m/s, ft/s, inch/s, cm/s\n",
@@ -329,12 +330,11 @@ void tst_xqosd::languageAndUnits()
                   + more);
         return outcome.status == 0 && outcome.err.isEmpty() ? QImage(path(name)) : QImage();
     };
-    const QImage english
-        = picture("en.png", {QStringLiteral("--language"), QStringLiteral("en")});
-    const QImage german
-        = picture("de.png", {QStringLiteral("--language"), QStringLiteral("DEU")});
-    const QImage feet = picture("ft.png", {QStringLiteral("--language"), QStringLiteral("en"),
-                                           QStringLiteral("--units"), QStringLiteral("imperial")});
+    const QImage english = picture("en.png", {QStringLiteral("--language"), QStringLiteral("en")});
+    const QImage german = picture("de.png", {QStringLiteral("--language"), QStringLiteral("DEU")});
+    const QImage feet = picture("ft.png",
+                                {QStringLiteral("--language"), QStringLiteral("en"),
+                                 QStringLiteral("--units"), QStringLiteral("imperial")});
     QVERIFY(!english.isNull() && !german.isNull() && !feet.isNull());
     QVERIFY(english != german);
     QVERIFY(english != feet);
@@ -351,10 +351,9 @@ void tst_xqosd::liveValuesFromAPipe()
                    QStringLiteral("--size"), QStringLiteral("640x480"), QStringLiteral("--output"),
                    path("live.mkv"), QStringLiteral("--input"), QStringLiteral("stdin")});
     QVERIFY(program.waitForStarted());
-    QTRY_VERIFY_WITH_TIMEOUT(QFileInfo(path("live.mkv.part")).size()
-                                     + QFileInfo(path("live.mkv")).size()
-                                 > 100000,
-                             LimitMs);
+    QTRY_VERIFY_WITH_TIMEOUT(
+        QFileInfo(path("live.mkv.part")).size() + QFileInfo(path("live.mkv")).size() > 100000,
+        LimitMs);
     program.write("nonsense\n{\"SPEED\": 6.5}\n");
     QTRY_VERIFY_WITH_TIMEOUT(
         program.readAllStandardError().contains("warning: live input, line 1: no JSON"), LimitMs);
