@@ -30,6 +30,14 @@ QString defaultProfileName()
     return QStringLiteral("Halvo push camera system - default");
 }
 
+/// Whoever shows the display role as text shows what people call the profile.
+void registerCaptions()
+{
+    if (!QMetaType::hasRegisteredConverterFunction<Profile *, QString>())
+        QMetaType::registerConverter<Profile *, QString>(
+            [](const Profile *profile) { return profile ? profile->caption() : QString(); });
+}
+
 /// Not QHash::unite, which would keep both values of a key.
 ElementParam united(ElementParam base, const ElementParam &above)
 {
@@ -41,6 +49,16 @@ ElementParam united(ElementParam base, const ElementParam &above)
 bool isGeneral(const ElementParam &record)
 {
     return record.value(QStringLiteral("general")).toBool();
+}
+
+/// Whoever builds the overlay gives the records new ids. Those of an earlier overlay would say that
+/// an element which is not shown this time was deleted.
+void forgetIds(Profile &profile)
+{
+    for (ElementParam &record : profile.elements()) {
+        if (!isGeneral(record))
+            record.remove(idKey);
+    }
 }
 
 /// A change of the text alone, whichever element it is from.
@@ -123,6 +141,7 @@ VideoOverlayProfilesModel::VideoOverlayProfilesModel(CVideoOverlayManager &manag
     : m_manager(manager)
     , m_profiles(std::make_unique<ProfilesManager>())
 {
+    registerCaptions();
     for (Profile *profile : m_profiles->getProfiles())
         connect(profile, &Profile::captionChanged, this, [this, profile] { onRenamed(profile); });
     connect(m_profiles.get(), &ProfilesManager::profileAboutToBeAdded, this,
@@ -142,7 +161,7 @@ int VideoOverlayProfilesModel::rowCount(const QModelIndex &parent) const
 
 QVariant VideoOverlayProfilesModel::data(const QModelIndex &index, int role) const
 {
-    if (!checkIndex(index, CheckIndexOption::IndexIsValid | CheckIndexOption::ParentIsInvalid))
+    if (!index.isValid() || !checkIndex(index, CheckIndexOption::ParentIsInvalid))
         return {};
     switch (role) {
     case Qt::DisplayRole:
@@ -352,6 +371,8 @@ Profile *VideoOverlayProfilesModel::profileAt(int row) const
 
 void VideoOverlayProfilesModel::announceCurrentProfile()
 {
+    if (m_currentProfile)
+        forgetIds(*m_currentProfile);
     Q_EMIT currentProfileChanged(m_currentProfile);
     rememberDifferences();
 }
