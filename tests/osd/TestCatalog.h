@@ -20,9 +20,9 @@ struct ColumnSpec
 {
     QString table;
     QString name;
-    QString caption;
+    QString caption = {};
     Templates::CTemplateColumn::Type type = Templates::CTemplateColumn::Type::Text;
-    QVector<Templates::CListItem> items; ///< empty: the column has no list
+    QVector<Templates::CListItem> items = {}; ///< empty: the column has no list
     bool osd = true;
     QString view = QStringLiteral("detail_s");
 };
