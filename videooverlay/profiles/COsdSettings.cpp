@@ -3,13 +3,12 @@
 
 #include "platform/directories/CApplicationDirectories.h"
 #include "videooverlay/Log_p.h"
+#include "videooverlay/profiles/ReplaceFile_p.h"
 #include "videooverlay/profiles/XmlDocument_p.h"
 
 #include <QDir>
 #include <QDomDocument>
 #include <QFile>
-#include <QSaveFile>
-#include <QTextStream>
 #include <QXmlStreamWriter>
 
 namespace Velmar::VideoOverlay {
@@ -96,14 +95,9 @@ void COsdSettings::setDefaultProfile(const QString &path)
     copySettingsFile();
     const QString relative
         = QDir(CApplicationDirectories::readonlyConfigDirectory()).relativeFilePath(path);
-    QSaveFile file(xmlSettingsPath());
-    file.setDirectWriteFallback(true);
-    if (file.open(QIODevice::WriteOnly | QIODevice::Text)) {
-        QTextStream(&file) << asXml(relative);
-        if (file.commit()) {
-            log(LogLevel::Info, QStringLiteral("Saving current profile:") + relative);
-            return;
-        }
+    if (replaceFile(xmlSettingsPath(), asXml(relative))) {
+        log(LogLevel::Info, QStringLiteral("Saving current profile:") + relative);
+        return;
     }
     log(LogLevel::Error,
         QStringLiteral("Cannot open osd settings file for save:") + xmlSettingsPath());
