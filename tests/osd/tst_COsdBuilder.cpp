@@ -177,7 +177,8 @@ private Q_SLOTS:
         QCOMPARE(factory.asked.size(), datasource == "factory" ? 1 : 0);
         QCOMPARE(accessor.keys, registered ? QStringList(column) : QStringList());
         QCOMPARE(records.first().value(QStringLiteral("id")).toInt(), created->id());
-        QCOMPARE(takeLog(), QStringList());
+        // A value datasource asks for its caption, although there is no template.
+        QCOMPARE(takeLog().size(), type == QVariant(4) ? 1 : 0);
         m_world->manager->registerElementAccessor(nullptr);
     }
 

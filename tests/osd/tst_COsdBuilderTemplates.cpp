@@ -412,9 +412,10 @@ private Q_SLOTS:
                 new COsdElementDatasource(element, record);
                 throw std::runtime_error("no");
             });
-        m_world = std::make_unique<BuilderWorld>();
+        m_domainFactory.reset(); // would be asked first
         m_world->builder->registerFactory(&throwing);
-        m_world->builder->registerFactory(m_domainFactory.get());
+        COsdDomainDatasourceFactory domain({});
+        m_world->builder->registerFactory(&domain);
         Profile profile;
         profile.elements() = {recordOfType(0)};
         m_world->load(profile);
