@@ -98,8 +98,8 @@ private Q_SLOTS:
         QTest::newRow("the name") << QStringLiteral("N") << QStringLiteral("/a/b.xml")
                                   << QStringLiteral("N");
         QTest::newRow("the file") << QString() << QStringLiteral("/a/b.xml") << QStringLiteral("b");
-        QTest::newRow("dots in it") << QString() << QStringLiteral("/a.c/DN 1.5.xml")
-                                    << QStringLiteral("DN 1.5");
+        QTest::newRow("dots in it")
+            << QString() << QStringLiteral("/a.c/DN 1.5.xml") << QStringLiteral("DN 1.5");
     }
 
     void caption()
@@ -166,10 +166,11 @@ private Q_SLOTS:
         QTest::addColumn<QStringList>("logged");
 
         const QString category = QStringLiteral("1 VideoOverlayLibrary: ");
-        const QString cannotOpen = category
-            + QStringLiteral("Cannot open osd xml settings file:") + QStringLiteral("%1");
+        const QString cannotOpen = category + QStringLiteral("Cannot open osd xml settings file:")
+            + QStringLiteral("%1");
         const QString cutOff = category + QStringLiteral("unexpected end of file");
-        QTest::newRow("no file") << QByteArray() << QString() << QStringList {cannotOpen, cannotOpen};
+        QTest::newRow("no file") << QByteArray() << QString()
+                                 << QStringList {cannotOpen, cannotOpen};
         QTest::newRow("no XML") << QByteArray("<PROFILE name=\"a\">") << QString()
                                 << QStringList {cutOff, cutOff};
         QTest::newRow("two within another root: no elements, silently")
@@ -202,17 +203,17 @@ private Q_SLOTS:
     void aSecondLoadIsRefused()
     {
         const QString path = m_folders->writeProfile(
-            QStringLiteral("p.xml"),
-            ProfileFolders::profileXml("name=\"a\"", "<STATICTEXT/>"));
+            QStringLiteral("p.xml"), ProfileFolders::profileXml("name=\"a\"", "<STATICTEXT/>"));
         Profile profile;
         QVERIFY(profile.load(path));
 
         QVERIFY(!profile.load(path));
 
         QCOMPARE(profile.elements().size(), 1);
-        QCOMPARE(takeLog(),
-                 QStringList {QStringLiteral("1 VideoOverlayLibrary: Profile setting storage should "
-                                             "be empty before load data")});
+        QCOMPARE(
+            takeLog(),
+            QStringList {QStringLiteral("1 VideoOverlayLibrary: Profile setting storage should "
+                                        "be empty before load data")});
     }
 
     void save()
@@ -254,10 +255,10 @@ private Q_SLOTS:
             QVERIFY(!profile.save());
         }
         QCOMPARE(ProfileFolders::read(profile.path()), QByteArray("old"));
-        QCOMPARE(takeLog(),
-                 QStringList {
-                     QStringLiteral("1 VideoOverlayLibrary: Cannot open profile file for save:")
-                     + profile.path()});
+        QCOMPARE(
+            takeLog(),
+            QStringList {QStringLiteral("1 VideoOverlayLibrary: Cannot open profile file for save:")
+                         + profile.path()});
     }
 
     void clone()
@@ -316,6 +317,13 @@ private Q_SLOTS:
         QCOMPARE(ProfileFolders::read(profile.path()), QByteArray("x"));
     }
 
+    void theLongestName()
+    {
+        Profile profile;
+        profile.setPath(m_folders->writeProfile(QStringLiteral("p.xml"), "x"));
+        QVERIFY(profile.rename(QString(251, QLatin1Char('p'))));
+    }
+
     void refusedNames_data()
     {
         QTest::addColumn<QString>("newName");
@@ -328,7 +336,7 @@ private Q_SLOTS:
         QTest::newRow("another directory") << QStringLiteral("../p");
         QTest::newRow("a directory that is there") << QStringLiteral("sub/p");
         QTest::newRow("a zero in it") << QString(QStringLiteral("p") + QChar::Null);
-        QTest::newRow("too long") << QString(300, QLatin1Char('p'));
+        QTest::newRow("a byte too long") << QString(252, QLatin1Char('p'));
     }
 
     void refusedNames()

@@ -217,8 +217,8 @@ private Q_SLOTS:
         QTest::addColumn<QString>("result");
 
         QTest::newRow("none: the source's file") << QString() << QStringLiteral("A(copy 1)");
-        QTest::newRow("blank: the source's file") << QStringLiteral(" \t ")
-                                                  << QStringLiteral("A(copy 1)");
+        QTest::newRow("blank: the source's file")
+            << QStringLiteral(" \t ") << QStringLiteral("A(copy 1)");
         QTest::newRow("new") << QStringLiteral("B") << QStringLiteral("B");
         QTest::newRow("trimmed") << QStringLiteral("  B 2 ") << QStringLiteral("B 2");
         QTest::newRow("taken") << QStringLiteral(" A ") << QStringLiteral("A(copy 1)");
@@ -229,8 +229,8 @@ private Q_SLOTS:
     {
         QFETCH(QString, newName);
         QFETCH(QString, result);
-        const QByteArray content = ProfileFolders::profileXml(
-            "name=\"Original\" readonly=\"true\"", "<IMAGE><ROW>4</ROW></IMAGE>");
+        const QByteArray content = ProfileFolders::profileXml("name=\"Original\" readonly=\"true\"",
+                                                              "<IMAGE><ROW>4</ROW></IMAGE>");
         m_folders->writeProfile(QStringLiteral("A.xml"), content);
         m_folders->writeProfile(QStringLiteral("A(copy).xml"), "<PROFILE name=\"\"/>");
         ProfilesManager manager;
@@ -319,8 +319,9 @@ private Q_SLOTS:
 
         QCOMPARE(manager.clone(manager.findProfileByPath(path), newName), nullptr);
 
-        QCOMPARE(takeLog(),
-                 QStringList {line(QStringLiteral("Cloning error: no file for the name ") + newName)});
+        QCOMPARE(
+            takeLog(),
+            QStringList {line(QStringLiteral("Cloning error: no file for the name ") + newName)});
         QCOMPARE(manager.getProfiles().size(), count);
         QCOMPARE(manager.getProfilesPath(), files);
         QCOMPARE(ProfileFolders::read(path), content);
@@ -394,8 +395,7 @@ private Q_SLOTS:
 
         QCOMPARE(manager.getProfiles().size(), 0);
         QCOMPARE(takeLog(),
-                 QStringList {
-                     line(QStringLiteral("Deleting profile file '%1' failed").arg(path))});
+                 QStringList {line(QStringLiteral("Deleting profile file '%1' failed").arg(path))});
     }
 
     void removeAStranger()

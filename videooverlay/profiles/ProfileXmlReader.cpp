@@ -3,8 +3,8 @@
 
 #include "videooverlay/Log_p.h"
 #include "videooverlay/elements/CVideoOverlayElement.h"
+#include "videooverlay/profiles/ReadXml_p.h"
 #include "videooverlay/profiles/UnitNumbers_p.h"
-#include "videooverlay/profiles/XmlDocument_p.h"
 
 #include <QDomDocument>
 #include <QFile>
@@ -25,7 +25,7 @@ QString profileTag()
     return QStringLiteral("PROFILE");
 }
 
-bool load(const QString &path, XmlDocument &xml)
+bool load(const QString &path, QDomDocument &document)
 {
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly | QIODevice::Text)) {
@@ -33,7 +33,7 @@ bool load(const QString &path, XmlDocument &xml)
         return false;
     }
     QString message;
-    if (xml.read(file, &message))
+    if (readXml(file, document, &message))
         return true;
     log(LogLevel::Error, message);
     return false;
@@ -90,11 +90,11 @@ ProfileXmlReader::~ProfileXmlReader() = default;
 
 bool ProfileXmlReader::readHeader(const QString &path, QHash<QString, QVariant> &header)
 {
-    XmlDocument xml;
-    if (!load(path, xml))
+    QDomDocument document;
+    if (!load(path, document))
         return false;
     // Null, and so without attributes, when the document is no profile.
-    const QDomElement profile = xml.document().firstChildElement(profileTag());
+    const QDomElement profile = document.firstChildElement(profileTag());
     header.insert(QStringLiteral("caption"), profile.attribute(QStringLiteral("name"), path));
     header.insert(QStringLiteral("readonly"),
                   profile.attribute(QStringLiteral("readonly"), QStringLiteral("false")));
@@ -108,10 +108,10 @@ bool ProfileXmlReader::readElements(const QString &path, QList<ElementParam> &el
             QStringLiteral("Profile setting storage should be empty before load data"));
         return false;
     }
-    XmlDocument xml;
-    if (!load(path, xml))
+    QDomDocument document;
+    if (!load(path, document))
         return false;
-    const QDomNodeList profiles = xml.document().elementsByTagName(profileTag());
+    const QDomNodeList profiles = document.elementsByTagName(profileTag());
     if (profiles.size() != 1)
         return false;
     for (QDomNode node = profiles.at(0).firstChild(); !node.isNull(); node = node.nextSibling())

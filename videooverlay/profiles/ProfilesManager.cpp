@@ -42,9 +42,11 @@ QString ProfilesManager::profilesDirectory()
 
 bool ProfilesManager::isProfileName(const QString &name)
 {
+    constexpr int maximumBytes = 255; // what file systems allow
     return !name.trimmed().isEmpty() && !name.startsWith(QLatin1Char('.')) // a hidden file
         && !name.contains(QLatin1Char('/')) && !name.contains(QDir::separator())
-        && !name.contains(QChar::Null);
+        && !name.contains(QChar::Null)
+        && QFile::encodeName(name + xmlSuffix).size() <= maximumBytes;
 }
 
 ProfilesManager::ProfilesManager(QObject *parent)
