@@ -33,7 +33,7 @@ QString decode(const QByteArray &bytes)
         return QTextCodec::codecForName("UTF-16BE")->toUnicode(bytes);
     if (QTextCodec *declared = declaredCodec(bytes))
         return declared->toUnicode(bytes);
-    return QString::fromUtf8(bytes);
+    return QString::fromUtf8(bytes.constData(), bytes.size()); // a zero byte is no end
 }
 
 /// Walks over the tags of a document without building anything. Exact as long as the document is

@@ -24,13 +24,13 @@ QByteArray encode(const QString &text)
     return bytes;
 }
 
-/// Where the links end, also when nothing is there yet.
+/// Where the links end, also when nothing is there yet; empty when they lead in a circle.
 QString resolved(const QString &path)
 {
     QFileInfo file(path);
     for (int links = 0; file.isSymLink() && links < maximumLinks; ++links)
         file.setFile(file.symLinkTarget());
-    return file.absoluteFilePath();
+    return file.isSymLink() ? QString() : file.absoluteFilePath();
 }
 
 bool writeAll(QFile &file, const QByteArray &bytes)
@@ -99,8 +99,11 @@ bool writeDevice(const QString &path, const QByteArray &bytes)
 
 bool replaceFile(const QString &path, const QString &text)
 {
+    const QString resolvedPath = path.isEmpty() ? path : resolved(path);
+    if (resolvedPath.isEmpty())
+        return false;
     const QByteArray bytes = encode(text);
-    const QFileInfo target(resolved(path));
+    const QFileInfo target(resolvedPath);
     if (target.exists() && !target.isFile())
         return writeDevice(target.filePath(), bytes);
     if (target.exists() && !target.isWritable())
