@@ -36,7 +36,7 @@ TestFactory::buildDatasource(CVideoOverlayElement *element, ElementParam &param,
     return m_make(element, param);
 }
 
-BuilderWorld::BuilderWorld()
+BuilderWorld::BuilderWorld(CATManagement::CTemplateManager *catalogs)
 {
     Directories::setSettingsDirectory(directory.path());
     Directories::setReadonlyConfigDirectory(directory.path());
@@ -48,7 +48,7 @@ BuilderWorld::BuilderWorld()
     manager = std::make_unique<CVideoOverlayManager>(control, capabilities);
     profiles = std::make_unique<VideoOverlay::VideoOverlayProfilesModel>(*manager);
     manager->setProfilesModel(profiles.get());
-    builder = COsdBuilder::initialize(templates, *manager);
+    builder = COsdBuilder::initialize(catalogs ? *catalogs : templates, *manager);
 }
 
 BuilderWorld::~BuilderWorld()

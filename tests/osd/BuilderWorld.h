@@ -46,7 +46,8 @@ private:
 class BuilderWorld
 {
 public:
-    BuilderWorld();
+    /// With @p catalogs, templates come from there instead of from this->templates. Not owned.
+    explicit BuilderWorld(CATManagement::CTemplateManager *catalogs = nullptr);
     ~BuilderWorld();
 
     VideoOverlay::VideoOverlayElementListModel &model() const;
