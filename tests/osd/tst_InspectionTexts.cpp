@@ -268,7 +268,8 @@ private:
     void makeRecords()
     {
         m_database = std::make_unique<InspectionDatabase>();
-        QVERIFY(m_database->create(QStringLiteral(":memory:")));
+        QVERIFY2(m_database->create(QStringLiteral(":memory:")),
+                 qPrintable(m_database->errorText()));
         m_project = m_database->add(Kind::Project, {},
                                     {{QStringLiteral("PRJ_Name"), text("Elm Road")},
                                      {QStringLiteral("PRJ_Client"), text("Town of Ash")},
