@@ -495,12 +495,17 @@ bool InspectionDatabase::checkOpen(const QString &what)
     return m_connection || fail(what, QStringLiteral("no project database is open"));
 }
 
+bool InspectionDatabase::contains(const CDomainObjectPointer &record) const
+{
+    const auto *const known = dynamic_cast<const Record *>(record.data());
+    return known && known->isOf(m_connection) && known->isValid();
+}
+
 const InspectionDatabase::Record *InspectionDatabase::own(const CDomainObjectPointer &record,
                                                           const QString &what)
 {
-    const auto *const known = dynamic_cast<const Record *>(record.data());
-    if (known && known->isOf(m_connection) && known->isValid())
-        return known;
+    if (contains(record))
+        return static_cast<const Record *>(record.data());
     fail(what, QStringLiteral("the record is not, or no longer, in this database"));
     return nullptr;
 }

@@ -58,6 +58,9 @@ public:
     /// Removes a record and everything below it; what merely refers to it then refers to nothing.
     bool remove(const CDomainObjectPointer &record);
 
+    /// @p record is of this database and not removed.
+    bool contains(const CDomainObjectPointer &record) const;
+
     QVector<RecordPointer> projects();
     /// In the order in which they were added.
     QVector<RecordPointer> children(const CDomainObjectPointer &parent, Kind kind);
