@@ -35,6 +35,13 @@ int step = 0;
 
 constexpr int crashed = 77;
 
+void plan(Fault fault, int at)
+{
+    plannedFault = fault;
+    plannedStep = at;
+    step = 0;
+}
+
 bool isPlanned()
 {
     return plannedFault != Fault::None && ++step == plannedStep;
@@ -200,8 +207,7 @@ void tst_ProfileFileSafety::crashAtEachStep()
         if (existing)
             QVERIFY(save(m_path, oldSize));
         status = inChild([&] {
-            plannedFault = Fault::Crash;
-            plannedStep = at;
+            plan(Fault::Crash, at);
             return save(m_path, newSize) ? 0 : 1;
         });
         ++steps;
@@ -223,11 +229,9 @@ void tst_ProfileFileSafety::diskFullAtEachStep()
     int steps = 0;
     bool saved = false;
     while (!saved) {
-        step = 0;
-        plannedStep = ++steps;
-        plannedFault = Fault::DiskFull;
+        plan(Fault::DiskFull, ++steps);
         saved = save(m_path, newSize);
-        plannedFault = Fault::None;
+        plan(Fault::None, 0);
         QCOMPARE(takeLog(), saved ? QStringList() : QStringList {failure(m_path)});
         QCOMPARE(content(m_path), saved ? m_newContent : m_oldContent);
         QCOMPARE(hidden(), QStringList {s("Main.xml")}); // nothing is left behind
@@ -347,8 +351,7 @@ void tst_ProfileFileSafety::directoryNotWritableDiskFull()
         ++steps;
         status = inChild([&] {
             becomeNobody();
-            plannedFault = Fault::DiskFull;
-            plannedStep = steps;
+            plan(Fault::DiskFull, steps);
             return save(m_path, newSize) ? 0 : 1;
         });
         QCOMPARE(content(m_path), status == 0 ? m_newContent : m_oldContent);
