@@ -14,6 +14,7 @@
 #include <QDir>
 #include <QFile>
 #include <QMap>
+#include <QRegularExpression>
 #include <QSet>
 #include <QSignalSpy>
 #include <QTemporaryDir>
@@ -532,6 +533,41 @@ private Q_SLOTS:
                      .arg(path("a.json")));
     }
 
+    void damagedAnywhere_data()
+    {
+        QTest::addColumn<int>("kind");
+        QTest::newRow("cut off") << 0;
+        QTest::newRow("a quotation mark") << int('"');
+        QTest::newRow("a backslash") << int('\\');
+        QTest::newRow("a brace") << int('}');
+        QTest::newRow("a digit") << int('7');
+        QTest::newRow("half a letter") << 0xC3;
+    }
+
+    void damagedAnywhere()
+    {
+        QFETCH(int, kind);
+        const QRegularExpression form(QStringLiteral("\\A2 Platform: Cannot read catalog %1"
+                                                     "(:\\d+:\\d+)?: .+\\z")
+                                          .arg(QRegularExpression::escape(path("a.json"))));
+        for (int i = kind % 17; i < catalog().size(); i += 17) {
+            QByteArray content = catalog();
+            if (kind == 0)
+                content.truncate(i);
+            else
+                content[i] = char(kind);
+            writeFile(path("a.json"), content);
+            store().setDirectory(m_directory->path());
+            const QStringList ids = store().catalogIds();
+            const bool sound = store().loadTemplate(ids.first());
+            QVERIFY(store().loadTemplate(idB));
+            const QStringList lines = takeLog();
+            QCOMPARE(lines.isEmpty(), sound && ids.size() == 2);
+            for (const QString &line : lines)
+                QVERIFY2(form.match(line).hasMatch(), qPrintable(line));
+        }
+    }
+
     void size_data()
     {
         QTest::addColumn<int>("tooMany"); // [bytes]
@@ -720,12 +756,17 @@ private Q_SLOTS:
 
     void shippedListsAreUsed()
     {
-        // The file's own words: a list that no column names would not be seen through a template.
-        QFile file(QFINDTESTDATA("../../data/catalogs/EN13508-2-ENG-GB.json"));
-        QVERIFY(file.open(QIODevice::ReadOnly));
-        const QByteArray content = file.readAll();
-        QCOMPARE(content.count("\"items\":"), 8);
-        QCOMPARE(content.count("\"list\":"), 8);
+        // The files' own words: a list that no column names would not be seen through a template.
+        const QDir directory(QFINDTESTDATA("../../data/catalogs"));
+        const QStringList names = directory.entryList({QStringLiteral("*.json")});
+        QCOMPARE(names.size(), 3);
+        for (const QString &name : names) {
+            QFile file(directory.filePath(name));
+            QVERIFY(file.open(QIODevice::ReadOnly));
+            const QByteArray content = file.readAll();
+            QCOMPARE(content.count("\"items\":"), 8);
+            QCOMPARE(content.count("\"list\":"), 8);
+        }
     }
 };
 
