@@ -205,19 +205,19 @@ private Q_SLOTS:
                                QStringLiteral("int currentProfileIndex write "
                                               "currentProfileChanged(Profile*)")}));
         QCOMPARE(methods.join(QLatin1Char('|')),
-                 QStringLiteral("signal currentProfileChanged(Profile* profile)|"
+                 QStringLiteral("signal currentProfileChanged(Profile*)|"
                                 "signal saveCurrentProfileRequest()|signal profileLoaded()|"
                                 "slot forwardProfileLoaded()|"
-                                "method int clone(int index)|"
-                                "method Profile* clone(Profile* profile, QString name)|"
-                                "method Profile* clone(Profile* profile)|"
-                                "method bool remove(int index)|"
-                                "method bool setCurrentProfileByIndex(int index)|"
-                                "method bool setCurrentProfile(Profile* profile)|"
+                                "method int clone(int)|"
+                                "method Profile* clone(Profile*,QString)|"
+                                "method Profile* clone(Profile*)|"
+                                "method bool remove(int)|"
+                                "method bool setCurrentProfileByIndex(int)|"
+                                "method bool setCurrentProfile(Profile*)|"
                                 "method Profile* currentProfile()|"
-                                "method saveCurrentProfile(QString name)|"
+                                "method saveCurrentProfile(QString)|"
                                 "method saveCurrentProfile()|method revertCurrentProfile()|"
-                                "method Profile* applyChanges(Profile* profile)|"
+                                "method Profile* applyChanges(Profile*)|"
                                 "method bool isCurrentProfileChanged()"));
     }
 
@@ -238,6 +238,7 @@ private Q_SLOTS:
             QCOMPARE(index.data(256), QVariant(row));
             QCOMPARE(index.data(256).userType(), int(QMetaType::Int));
             QVERIFY(!index.data(257).isValid());
+            QCOMPARE(index.data().toString(), profile->caption()); // for views that show a text
             QVERIFY(!index.data(Qt::EditRole).isValid());
         }
         QVERIFY(!model.data(QModelIndex()).isValid());

@@ -30,6 +30,14 @@ QString defaultProfileName()
     return QStringLiteral("Halvo push camera system - default");
 }
 
+/// Whoever shows the display role as text shows what people call the profile.
+void registerCaptions()
+{
+    if (!QMetaType::hasRegisteredConverterFunction<Profile *, QString>())
+        QMetaType::registerConverter<Profile *, QString>(
+            [](const Profile *profile) { return profile ? profile->caption() : QString(); });
+}
+
 /// Not QHash::unite, which would keep both values of a key.
 ElementParam united(ElementParam base, const ElementParam &above)
 {
@@ -123,6 +131,7 @@ VideoOverlayProfilesModel::VideoOverlayProfilesModel(CVideoOverlayManager &manag
     : m_manager(manager)
     , m_profiles(std::make_unique<ProfilesManager>())
 {
+    registerCaptions();
     for (Profile *profile : m_profiles->getProfiles())
         connect(profile, &Profile::captionChanged, this, [this, profile] { onRenamed(profile); });
     connect(m_profiles.get(), &ProfilesManager::profileAboutToBeAdded, this,
@@ -142,7 +151,7 @@ int VideoOverlayProfilesModel::rowCount(const QModelIndex &parent) const
 
 QVariant VideoOverlayProfilesModel::data(const QModelIndex &index, int role) const
 {
-    if (!checkIndex(index, CheckIndexOption::IndexIsValid | CheckIndexOption::ParentIsInvalid))
+    if (!index.isValid() || !checkIndex(index, CheckIndexOption::ParentIsInvalid))
         return {};
     switch (role) {
     case Qt::DisplayRole:

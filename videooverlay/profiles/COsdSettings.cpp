@@ -3,8 +3,8 @@
 
 #include "platform/directories/CApplicationDirectories.h"
 #include "videooverlay/Log_p.h"
+#include "videooverlay/profiles/ReadXml_p.h"
 #include "videooverlay/profiles/ReplaceFile_p.h"
-#include "videooverlay/profiles/XmlDocument_p.h"
 
 #include <QDir>
 #include <QDomDocument>
@@ -72,13 +72,13 @@ QString COsdSettings::getDefaultProfile()
         log(LogLevel::Error, QStringLiteral("Cannot open osd xml settings file"));
         return {};
     }
-    XmlDocument xml;
+    QDomDocument document;
     QString message;
-    if (!xml.read(file, &message)) {
+    if (!readXml(file, document, &message)) {
         log(LogLevel::Error, message);
         return {};
     }
-    const QDomNodeList roots = xml.document().elementsByTagName(rootTag);
+    const QDomNodeList roots = document.elementsByTagName(rootTag);
     if (roots.size() != 1)
         return {};
     const QDomElement current

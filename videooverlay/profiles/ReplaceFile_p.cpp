@@ -112,8 +112,12 @@ bool replaceFile(const QString &path, const QString &text)
     if (!openBeside(target, replacement))
         return target.exists() && writeInPlace(target.filePath(), bytes);
     const bool replaced = finishReplacement(replacement, target, bytes);
-    if (!replaced)
-        replacement.remove();
+    if (!replaced) {
+        replacement.close();
+        // By name: a file object that cannot write what is left in its buffer does not remove
+        // itself.
+        QFile::remove(replacement.fileName());
+    }
     return replaced;
 }
 
