@@ -17,7 +17,6 @@
 #include "videooverlay/profiles/COsdSettings.h"
 
 #include <QStringList>
-#include <QVariant>
 
 #include <algorithm>
 #include <iterator>
@@ -78,11 +77,9 @@ bool isInspectionType(int type)
     return type == Type::InspText || type == Type::InspStaticText;
 }
 
-/// As datasources convert it for their element, but a number: it need not be one of the types.
 int typeOf(const ElementParam &record)
 {
-    QVariant type = record.value(typeKey);
-    return type.convert(qMetaTypeId<Type>()) ? *static_cast<const int *>(type.constData()) : 0;
+    return record.value(typeKey).value<Type>();
 }
 
 /// Null when the record is of no inspection text.
