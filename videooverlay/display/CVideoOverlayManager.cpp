@@ -15,6 +15,8 @@
 #include <QSet>
 #include <QVector>
 
+#include <algorithm>
+
 namespace Velmar::VideoOverlay {
 
 namespace {
@@ -305,11 +307,18 @@ QList<CVideoOverlayElement *> CVideoOverlayManager::getElementList()
 int CVideoOverlayManager::rowIndexByID(int id)
 {
     QMutexLocker lock(&m_mutex);
-    for (int row = 0; row < m_elements.size(); ++row) {
-        if (m_elements.at(row)->id() == id)
-            return row;
-    }
-    return -1;
+    // Ids grow with the rows, and every change of an element asks for its row: a walk would make
+    // the loading of a profile grow with the square of its size.
+    const auto begin = m_elements.cbegin();
+    const auto end = m_elements.cend();
+    auto found
+        = std::lower_bound(begin, end, id, [](const CVideoOverlayElement *element, int wanted) {
+              return element->id() < wanted;
+          });
+    const auto hasId = [id](const CVideoOverlayElement *element) { return element->id() == id; };
+    if (found == end || !hasId(*found))
+        found = std::find_if(begin, end, hasId); // somebody gave an element another id
+    return found == end ? -1 : int(found - begin);
 }
 
 bool CVideoOverlayManager::deleteElement(int index)

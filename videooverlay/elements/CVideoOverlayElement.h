@@ -59,8 +59,8 @@ class XQVIDEOOVERLAY_EXPORT CVideoOverlayElement : public QObject
     // clang-format on
 
 public:
-    /// Element kinds. The numbers are stored in profiles.
-    enum Type {
+    /// Element kinds. The numbers are stored in profiles, which may hold others.
+    enum Type : int {
         StaticText = 0,     ///< fixed text
         SystemText = 1,     ///< a live system value
         FreePicture = 2,    ///< picture file or screen snip
