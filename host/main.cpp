@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/cli/ConsoleLog.h"
 #include "host/cli/Options.h"
+#include "host/cli/ProjectCommand.h"
 #include "host/cli/RecordCommand.h"
 #include "host/cli/Report.h"
 #include "host/cli/SnapshotCommand.h"
@@ -100,6 +101,8 @@ int main(int argc, char **argv)
         return runSnapshot(options);
     case Options::Command::Values:
         return runValues();
+    case Options::Command::Project:
+        return runProject(options);
     }
     return FailureStatus;
 }

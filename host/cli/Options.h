@@ -19,6 +19,7 @@ struct Options
         Record,
         Snapshot,
         Values,
+        Project,
     };
 
     Command command = Command::Help;
@@ -29,10 +30,18 @@ struct Options
     QString telemetryPath;     ///< empty: none
     QString picturePath;       ///< empty: none
     QString watermarkPath;     ///< empty: none
+    QString profile;           ///< name or path; null: the demonstration's own layout
+    QString projectPath;       ///< empty: no project is opened
+    QString inspectionNumber;  ///< empty: the project's first inspection
+    bool observations = false; ///< the telemetry's observations are created in the project
     QString settingsDirectory; ///< empty: the user's own
     QString logPath;           ///< empty: warnings on the standard error stream
     bool quiet = false;
     UserChoices choices; ///< language and units
+
+    // project
+    bool createDemo = false;
+    QString catalogId; ///< of a new project; empty: the demonstration's own
 
     // record
     qint64 durationNs = -1; ///< -1: all of the source
