@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/cli/ConsoleLog.h"
+#include "host/cli/EditCommand.h"
 #include "host/cli/Options.h"
 #include "host/cli/ProjectCommand.h"
 #include "host/cli/RecordCommand.h"
@@ -101,6 +102,8 @@ int main(int argc, char **argv)
         return runSnapshot(options);
     case Options::Command::Values:
         return runValues();
+    case Options::Command::Edit:
+        return runEdit(options);
     case Options::Command::Project:
         return runProject(options);
     }

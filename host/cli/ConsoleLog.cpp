@@ -9,13 +9,14 @@ namespace Velmar::Host {
 namespace {
 
 /// Beginnings of lines that the library writes in the course of business: about each profile, about
-/// columns that this record does not have, about captions while no project is open.
+/// columns that this record does not have, about captions while no project is open, about edits.
 constexpr const char *chatter[] = {
     "profile found: '",
     "Invalid project.",
     "invalid value for  ",
     "Cannot find caption for ",
     "Domain object not found for ",
+    "Profile changeset doesn't have id key",
 };
 
 bool isChatter(const Logging::LogEntry &entry)

@@ -121,6 +121,10 @@ public:
 
     bool isSet(const char *name) const { return m_parser.isSet(QString::fromLatin1(name)); }
     QString value(const char *name) const { return m_parser.value(QString::fromLatin1(name)); }
+    QStringList values(const char *name) const
+    {
+        return m_parser.values(QString::fromLatin1(name));
+    }
     /// Qt writes the program's path into the first line, but the command belongs there.
     QString helpText() const
     {
@@ -388,6 +392,41 @@ bool parseProject(const QStringList &arguments, Options *options, QString *error
     return error->isEmpty();
 }
 
+bool parseEdit(const QStringList &arguments, Options *options, QString *error)
+{
+    CommandParser parser(QStringLiteral("Changes elements of an OSD profile and saves it."));
+    parser.add("profile", "NAME", "The profile.");
+    parser.add("element", "NAME", "What the elements show: a value, a column, or their text.");
+    parser.add("add-text", "TEXT", "Adds a text instead.");
+    parser.add("set", "PROPERTY=VALUE",
+               "A change: row, column, enabled, captionVisible, unit, timeout, text, textColor, "
+               "backgroundColor, scaleFactor. May be given several times.");
+    addChoices(parser);
+    if (!parser.parse(arguments, error))
+        return false;
+    if (parser.isSet("help")) {
+        options->helpText = parser.helpText();
+        return true;
+    }
+    options->command = Options::Command::Edit;
+    options->profile = parser.value("profile");
+    options->elementName = parser.value("element");
+    options->addedText = parser.value("add-text");
+    if (options->profile.isEmpty())
+        *error = QStringLiteral("--profile NAME is missing");
+    else if (options->elementName.isEmpty() == options->addedText.isEmpty())
+        *error = QStringLiteral("Either --element NAME or --add-text TEXT is needed");
+    else if (!options->elementName.isEmpty() && !parser.isSet("set"))
+        *error = QStringLiteral("--set PROPERTY=VALUE is missing");
+    for (const QString &change : parser.values("set")) {
+        const int split = change.indexOf(QLatin1Char('='));
+        if (split < 1 && error->isEmpty())
+            *error = QStringLiteral("--set: \"%1\" is not PROPERTY=VALUE").arg(change);
+        options->changes.append({change.left(split), change.mid(split + 1)});
+    }
+    return error->isEmpty() && readChoices(parser, options, error);
+}
+
 bool parseValues(const QStringList &arguments, Options *options, QString *error)
 {
     CommandParser parser(QStringLiteral("Lists the values that texts can show."));
@@ -418,6 +457,8 @@ bool parseOptions(const QStringList &arguments, Options *options, QString *error
         return parseSnapshot(rest, options, error);
     if (command == QLatin1String("values"))
         return parseValues(rest, options, error);
+    if (command == QLatin1String("edit"))
+        return parseEdit(rest, options, error);
     if (command == QLatin1String("project"))
         return parseProject(rest, options, error);
     if (command == QLatin1String("--help") || command == QLatin1String("-h")

@@ -5,8 +5,10 @@
 #include "host/video/VideoSource.h"
 
 #include <QByteArray>
+#include <QPair>
 #include <QString>
 #include <QStringList>
+#include <QVector>
 
 namespace Velmar::Host {
 
@@ -20,6 +22,7 @@ struct Options
         Snapshot,
         Values,
         Project,
+        Edit,
     };
 
     Command command = Command::Help;
@@ -38,6 +41,11 @@ struct Options
     QString logPath;           ///< empty: warnings on the standard error stream
     bool quiet = false;
     UserChoices choices; ///< language and units
+
+    // edit
+    QString elementName; ///< value, column or text of the elements to change; empty: a new text
+    QString addedText;
+    QVector<QPair<QString, QString>> changes; ///< property and value
 
     // project
     bool createDemo = false;
