@@ -134,7 +134,7 @@ private Q_SLOTS:
         QTest::newRow("image datasource") << "COsdImageDatasource" << QStringList();
         QTest::newRow("snip datasource") << "COsdScreenSnipDatasource" << QStringList();
         QTest::newRow("datasource factory")
-            << "CAbstractOsdDatasourceFactory" << words("m_captionResolver");
+            << "CAbstractOsdDatasourceFactory" << words("m_captionResolver m_builder");
         QTest::newRow("image datasource factory") << "COsdImageDatasourceFactory" << QStringList();
         QTest::newRow("element accessor") << "IVideoOverlayElementAccessor" << QStringList();
         QTest::newRow("manager") << "CVideoOverlayManager"
