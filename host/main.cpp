@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "host/cli/CheckCommand.h"
 #include "host/cli/ConsoleLog.h"
 #include "host/cli/EditCommand.h"
 #include "host/cli/Options.h"
+#include "host/cli/ProfilesCommand.h"
 #include "host/cli/ProjectCommand.h"
 #include "host/cli/RecordCommand.h"
 #include "host/cli/Report.h"
@@ -10,6 +12,9 @@
 #include "host/platform/Directories.h"
 #include "host/platform/LogRouter.h"
 #include "host/platform/LogSinks.h"
+#include "host/profiles/FirstStart.h"
+
+#include <platform/directories/CApplicationDirectories.h>
 
 #include <QDir>
 #include <QGuiApplication>
@@ -60,6 +65,14 @@ void findData()
         Directories::setReadonlyConfigDirectory(installed);
 }
 
+bool needsProfiles(const Options &options)
+{
+    using Command = Options::Command;
+    const bool shows = options.command == Command::Record || options.command == Command::Snapshot;
+    return options.command == Command::Profiles || options.command == Command::Edit
+        || (shows && !options.profile.isNull());
+}
+
 } // namespace
 
 int main(int argc, char **argv)
@@ -88,6 +101,11 @@ int main(int argc, char **argv)
         return reportError(error);
 
     options.choices.apply();
+    if (needsProfiles(options)
+        && !prepareProfiles(QDir(CApplicationDirectories::readonlyConfigDirectory())
+                                .filePath(QStringLiteral("profiles")),
+                            &error))
+        return reportError(error);
 
     switch (options.command) {
     case Options::Command::Help:
@@ -102,6 +120,10 @@ int main(int argc, char **argv)
         return runSnapshot(options);
     case Options::Command::Values:
         return runValues();
+    case Options::Command::Check:
+        return runCheck(options);
+    case Options::Command::Profiles:
+        return runProfiles(options);
     case Options::Command::Edit:
         return runEdit(options);
     case Options::Command::Project:

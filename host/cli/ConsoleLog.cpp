@@ -16,6 +16,7 @@ constexpr const char *chatter[] = {
     "invalid value for  ",
     "Cannot find caption for ",
     "Domain object not found for ",
+    "Cannot find profile path",
     "Profile changeset doesn't have id key",
 };
 

@@ -111,13 +111,21 @@ public:
             return false;
         }
         m_name = arguments.constFirst();
-        if (!m_parser.positionalArguments().isEmpty()) {
-            *error = QStringLiteral("Unexpected argument: %1")
-                         .arg(m_parser.positionalArguments().constFirst());
+        if (!m_takesWords && !words().isEmpty()) {
+            *error = QStringLiteral("Unexpected argument: %1").arg(words().constFirst());
             return false;
         }
         return true;
     }
+
+    /// The command takes arguments that are no options.
+    void addWords(const char *name, const char *text)
+    {
+        m_takesWords = true;
+        m_parser.addPositionalArgument(QString::fromLatin1(name), QString::fromLatin1(text),
+                                       QString::fromLatin1(name));
+    }
+    QStringList words() const { return m_parser.positionalArguments(); }
 
     bool isSet(const char *name) const { return m_parser.isSet(QString::fromLatin1(name)); }
     QString value(const char *name) const { return m_parser.value(QString::fromLatin1(name)); }
@@ -135,6 +143,7 @@ public:
 
 private:
     QString m_name;
+    bool m_takesWords = false;
     QCommandLineParser m_parser;
 };
 
@@ -427,6 +436,71 @@ bool parseEdit(const QStringList &arguments, Options *options, QString *error)
     return error->isEmpty() && readChoices(parser, options, error);
 }
 
+bool parseCheck(const QStringList &arguments, Options *options, QString *error)
+{
+    CommandParser parser(QStringLiteral("Reports what is wrong with OSD profile files."));
+    parser.addWords("FILE...", "Profile files, and folders of them.");
+    parser.add("log", "FILE", "Writes the log there.");
+    if (!parser.parse(arguments, error))
+        return false;
+    if (parser.isSet("help")) {
+        options->helpText = parser.helpText();
+        return true;
+    }
+    options->command = Options::Command::Check;
+    options->files = parser.words();
+    options->logPath = parser.value("log");
+    if (options->files.isEmpty())
+        *error = QStringLiteral("No FILE given");
+    return error->isEmpty();
+}
+
+/// How many words each action takes, itself included.
+bool checkActions(const QStringList &words, QString *error)
+{
+    struct Action
+    {
+        const char *name;
+        int least;
+        int most;
+    };
+    static constexpr Action actions[]
+        = {{"list", 1, 1}, {"select", 2, 2}, {"clone", 2, 3}, {"rename", 3, 3}, {"remove", 2, 2}};
+    if (words.isEmpty())
+        return true;
+    for (const Action &action : actions) {
+        if (words.constFirst() != QLatin1String(action.name))
+            continue;
+        if (words.size() >= action.least && words.size() <= action.most)
+            return true;
+        *error = QStringLiteral("profiles %1: wrong number of names").arg(words.constFirst());
+        return false;
+    }
+    *error = QStringLiteral("profiles: \"%1\" is none of list, select, clone, rename and remove")
+                 .arg(words.constFirst());
+    return false;
+}
+
+bool parseProfiles(const QStringList &arguments, Options *options, QString *error)
+{
+    CommandParser parser(QStringLiteral("Lists and keeps OSD profiles."));
+    parser.addWords("ACTION",
+                    "list, select NAME, clone NAME [NEW], rename NAME NEW, or remove NAME.");
+    parser.add("settings-dir", "DIR", "Where the program keeps its settings.");
+    parser.add("log", "FILE", "Writes the log there.");
+    if (!parser.parse(arguments, error))
+        return false;
+    if (parser.isSet("help")) {
+        options->helpText = parser.helpText();
+        return true;
+    }
+    options->command = Options::Command::Profiles;
+    options->words = parser.words();
+    options->settingsDirectory = parser.value("settings-dir");
+    options->logPath = parser.value("log");
+    return checkActions(options->words, error);
+}
+
 bool parseValues(const QStringList &arguments, Options *options, QString *error)
 {
     CommandParser parser(QStringLiteral("Lists the values that texts can show."));
@@ -457,6 +531,10 @@ bool parseOptions(const QStringList &arguments, Options *options, QString *error
         return parseSnapshot(rest, options, error);
     if (command == QLatin1String("values"))
         return parseValues(rest, options, error);
+    if (command == QLatin1String("check"))
+        return parseCheck(rest, options, error);
+    if (command == QLatin1String("profiles"))
+        return parseProfiles(rest, options, error);
     if (command == QLatin1String("edit"))
         return parseEdit(rest, options, error);
     if (command == QLatin1String("project"))

@@ -23,6 +23,8 @@ struct Options
         Values,
         Project,
         Edit,
+        Check,
+        Profiles,
     };
 
     Command command = Command::Help;
@@ -41,6 +43,9 @@ struct Options
     QString logPath;           ///< empty: warnings on the standard error stream
     bool quiet = false;
     UserChoices choices; ///< language and units
+
+    QStringList files; ///< check: files and folders
+    QStringList words; ///< profiles: what to do, and with which
 
     // edit
     QString elementName; ///< value, column or text of the elements to change; empty: a new text

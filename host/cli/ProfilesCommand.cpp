@@ -1,0 +1,116 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "host/cli/ProfilesCommand.h"
+
+#include "host/cli/Report.h"
+
+#include <platform/directories/CApplicationDirectories.h>
+#include <videooverlay/display/CVideoOverlayCapabilities.h>
+#include <videooverlay/display/CVideoOverlayControl.h>
+#include <videooverlay/display/CVideoOverlayManager.h>
+#include <videooverlay/models/VideoOverlayProfilesModel.h>
+
+#include <QDir>
+
+namespace Velmar::Host {
+
+using VideoOverlay::Profile;
+using VideoOverlay::VideoOverlayProfilesModel;
+
+namespace {
+
+Profile *profileAt(const VideoOverlayProfilesModel &profiles, int row)
+{
+    return profiles.data(profiles.index(row)).value<Profile *>();
+}
+
+/// -1, and a line on the standard error stream, when there is none.
+int rowNamed(const VideoOverlayProfilesModel &profiles, const QString &name)
+{
+    for (int row = 0; row < profiles.rowCount(); ++row) {
+        const Profile *profile = profileAt(profiles, row);
+        if (profile->caption() == name || profile->path() == name)
+            return row;
+    }
+    reportError(QStringLiteral("There is no profile \"%1\"").arg(name));
+    return -1;
+}
+
+int list(const VideoOverlayProfilesModel &profiles)
+{
+    for (int row = 0; row < profiles.rowCount(); ++row) {
+        const Profile *profile = profileAt(profiles, row);
+        report(QStringLiteral("%1 %2 %3  %4")
+                   .arg(row == profiles.currentProfileIndex() ? QStringLiteral("*")
+                                                              : QStringLiteral(" "),
+                        profile->readOnly() ? QStringLiteral("read-only")
+                                            : QStringLiteral("         "),
+                        profile->caption(), profile->path()));
+    }
+    return 0;
+}
+
+int clone(VideoOverlayProfilesModel &profiles, const QString &name, const QString &newName)
+{
+    const int row = rowNamed(profiles, name);
+    if (row < 0)
+        return FailureStatus;
+    const Profile *copy = profiles.clone(profileAt(profiles, row), newName);
+    if (!copy)
+        return reportError(QStringLiteral("\"%1\" cannot be cloned").arg(name));
+    report(copy->caption());
+    return 0;
+}
+
+int rename(VideoOverlayProfilesModel &profiles, const QString &name, const QString &newName)
+{
+    const int row = rowNamed(profiles, name);
+    if (row < 0)
+        return FailureStatus;
+    Profile *profile = profileAt(profiles, row);
+    if (profile->readOnly())
+        return reportError(QStringLiteral("\"%1\" is read-only").arg(name));
+    return profile->rename(newName)
+        ? 0
+        : reportError(QStringLiteral("\"%1\" cannot be called \"%2\"").arg(name, newName));
+}
+
+int remove(VideoOverlayProfilesModel &profiles, const QString &name)
+{
+    const int row = rowNamed(profiles, name);
+    if (row < 0)
+        return FailureStatus;
+    const Profile *profile = profileAt(profiles, row);
+    if (profile->readOnly())
+        return reportError(QStringLiteral("\"%1\" is read-only").arg(name));
+    const QString path = profile->path();
+    profiles.remove(row);
+    return QFile::exists(path) ? reportError(QStringLiteral("%1: cannot be removed").arg(path)) : 0;
+}
+
+} // namespace
+
+int runProfiles(const Options &options)
+{
+    // Nothing is displayed: a manager without a display is enough.
+    VideoOverlay::CVideoOverlayCapabilities capabilities;
+    VideoOverlay::CVideoOverlayControl control;
+    VideoOverlay::CVideoOverlayManager manager(control, capabilities);
+    VideoOverlayProfilesModel profiles(manager);
+    manager.setProfilesModel(&profiles);
+    profiles.selectStartupProfile();
+
+    const QString action = options.words.value(0, QStringLiteral("list"));
+    const QString name = options.words.value(1);
+    if (action == QLatin1String("list"))
+        return list(profiles);
+    if (action == QLatin1String("clone"))
+        return clone(profiles, name, options.words.value(2));
+    if (action == QLatin1String("rename"))
+        return rename(profiles, name, options.words.value(2));
+    if (action == QLatin1String("remove"))
+        return remove(profiles, name);
+    const int row = rowNamed(profiles, name); // select
+    return row >= 0 && profiles.setCurrentProfileByIndex(row) ? 0 : FailureStatus;
+}
+
+} // namespace Velmar::Host
