@@ -30,7 +30,7 @@ using Type = CVideoOverlayElement::Type;
 const QString typeKey = QStringLiteral("type");
 const QString tableKey = QStringLiteral("TDIR_Key");
 
-constexpr QLatin1String observationTable("SECOBS");
+const QLatin1String observationTable("SECOBS");
 
 /// How a column must begin to be offered, and under which table it is.
 struct OfferedColumn
@@ -39,7 +39,7 @@ struct OfferedColumn
     QLatin1String table;
 };
 
-constexpr OfferedColumn offeredColumns[] = {
+const OfferedColumn offeredColumns[] = {
     {QLatin1String("OBJ_"), QLatin1String("SECTION")},
     {QLatin1String("OBJ_"), QLatin1String("NODE")},
     {QLatin1String("INS_"), QLatin1String("SECINSP")},

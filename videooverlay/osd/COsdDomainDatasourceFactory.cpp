@@ -18,7 +18,7 @@ namespace {
 /// Columns whose value changes with the inspection.
 bool belongsToInspection(const QString &column)
 {
-    static constexpr QLatin1String prefixes[] = {
+    static const QLatin1String prefixes[] = {
         QLatin1String("PRJ_"), QLatin1String("INS_"), QLatin1String("V_INS_"),
         QLatin1String("JOB_"), QLatin1String("OBJ_"),
     };
