@@ -471,17 +471,20 @@ private Q_SLOTS:
             {
                 const auto *image = qobject_cast<CVideoOverlayImage *>(&element);
                 shown.append(QStringLiteral("%1 %2").arg(element.type()).arg(image->imageSrc()));
+                rows.append(element.row());
                 last = &element;
                 return true;
             }
             QStringList shown;
+            QVector<int> rows;
             QPointer<CVideoOverlayElement> last;
         } display;
         overlay.control.setBackend(&display);
         const QString path = picture(QStringLiteral("mark.png"));
         overlay.manager.createWatermark(path);
         const QString complete = QStringLiteral("5 ") + path;
-        QVERIFY(display.shown.size() > 1); // once, and for what its datasource changes
+        QCOMPARE(display.rows.value(0, -1), 0); // first, and then what its datasource changes
+        QCOMPARE(display.rows.value(1), 5);
         for (const QString &shown : qAsConst(display.shown))
             QCOMPARE(shown, complete); // never without picture or type
         const auto *mark = qobject_cast<CVideoOverlayImage *>(display.last);
