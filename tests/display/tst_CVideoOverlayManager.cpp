@@ -101,6 +101,10 @@ private Q_SLOTS:
         QCOMPARE(manager.getFavoritesModel()->stringList(), QStringList());
         QVERIFY(!manager.getTextColor().isValid());
         QVERIFY(!manager.getBackgroundColor().isValid());
+        QColor common(Qt::red);
+        QVERIFY(!manager.textsHaveSameColors(common)); // no texts have no colour in common
+        QVERIFY(!manager.backgroundsHaveSameColors(common));
+        QCOMPARE(common, QColor(Qt::red));
         QVERIFY(manager.mutex()->isRecursive());
         QCOMPARE(manager.colWidth(), manager.getSettings()->colWidth());
         QCOMPARE(manager.rowHeight(), manager.getSettings()->rowHeight());
@@ -167,6 +171,8 @@ private Q_SLOTS:
         SignalJournal journal(manager, CVideoOverlayManager::staticMetaObject);
         manager.setGlobalTransparency(44);
         QCOMPARE(journal.take(), QStringList());
+        journal.setObserver(
+            [&](const QString &) { QCOMPARE(manager.getGlobalTransparency(), 10); });
         manager.setGlobalTransparency(10);
         QCOMPARE(journal.take(), lines({"globalTransparencyChanged(10)"}));
         QCOMPARE(manager.getGlobalTransparency(), 10);
@@ -210,6 +216,18 @@ private Q_SLOTS:
         QCOMPARE(journal.take(), lines({"globalBackgroundColorChanged(#80010203)"}));
     }
 
+    /// Screens show the colour that was chosen, though no text takes it.
+    void coloursWithoutTexts()
+    {
+        SignalJournal journal(m_overlay->manager, CVideoOverlayManager::staticMetaObject);
+        m_overlay->manager.setTextColor(Qt::red);
+        m_overlay->manager.setBackgroundColor(Qt::red);
+        QCOMPARE(
+            journal.take(),
+            lines({"globalTextColorChanged(#ff0000)", "globalBackgroundColorChanged(#ff0000)"}));
+        QVERIFY(!m_overlay->manager.getTextColor().isValid());
+    }
+
     /// Alpha counts; an invalid colour has the name of opaque black and stays invalid.
     void coloursAreNotMadeFromNames()
     {
@@ -229,6 +247,7 @@ private Q_SLOTS:
     void analogVideo()
     {
         SignalJournal journal(m_overlay->manager, CVideoOverlayManager::staticMetaObject);
+        journal.setObserver([&](const QString &) { QVERIFY(m_overlay->manager.analogVideo()); });
         m_overlay->manager.setAnalogVideo(false);
         m_overlay->manager.setAnalogVideo(true);
         m_overlay->manager.setAnalogVideo(true);
@@ -291,6 +310,13 @@ private Q_SLOTS:
         QVERIFY(complete);
         manager.setKx70iiCol(9); // announced again
         QCOMPARE(journal.take(), lines({"kx70iiChanged"}));
+
+        // Also what a follower of that one announcement changes.
+        connect(&manager, &CVideoOverlayManager::kx70iiChanged, this,
+                [&] { manager.setKx70iiCol(11); });
+        manager.setGeneralSettings(param);
+        QCOMPARE(manager.kx70iiCol(), 11);
+        QCOMPARE(journal.take(), lines({"kx70iiChanged", "kx70iiChanged"}));
     }
 
     void generalSettingsWithoutKeys()
@@ -307,7 +333,8 @@ private Q_SLOTS:
         CVideoOverlayManager &manager = m_overlay->manager;
         CVideoOverlayText *bound = manager.createText();
         CVideoOverlayText *fixed = manager.createText();
-        for (CVideoOverlayText *text : {bound, fixed}) {
+        CVideoOverlayText *untyped = manager.createText();
+        for (CVideoOverlayText *text : {bound, fixed, untyped}) {
             text->setEnabled(true);
             text->setVisible(true);
         }
@@ -316,6 +343,7 @@ private Q_SLOTS:
         manager.temporaryHideInspTexts(true);
         QVERIFY(!bound->visible());
         QVERIFY(fixed->visible());
+        QVERIFY(untyped->visible());
         manager.temporaryHideInspTexts(false);
         QVERIFY(bound->visible());
     }

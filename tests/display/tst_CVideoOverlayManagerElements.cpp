@@ -154,6 +154,9 @@ private Q_SLOTS:
         QCOMPARE(accessor.takeCalls(),
                  (QStringList {QStringLiteral("register speed %1").arg(bound->id()),
                                QStringLiteral("register speed %1").arg(snip->id())}));
+        ElementParam empty;
+        const int unbound = overlay.manager.createText(empty)->id(); // the key is the accessor's
+        QCOMPARE(accessor.takeCalls(), QStringList {QStringLiteral("register  %1").arg(unbound)});
         const QList<int> ids {text->id(), bound->id()};
         QVERIFY(overlay.manager.deleteElement(2));
         QVERIFY(overlay.manager.deleteElement(0)); // unregistered, though it never was registered
@@ -343,14 +346,52 @@ private Q_SLOTS:
         QCOMPARE(overlay.takeShown(), deleted({id}));
     }
 
+    /// Off the display and out of the list, then the accessor forgets it, then it is destroyed.
+    void deletingInOrder()
+    {
+        LiveOverlay &overlay = *m_overlay;
+        struct Accessor : RecordingAccessor
+        {
+            explicit Accessor(LiveOverlay &overlay)
+                : overlay(overlay)
+            {
+            }
+            void unregisterElement(CVideoOverlayElement *element) override
+            {
+                RecordingAccessor::unregisterElement(element);
+                calls += overlay.takeShown();
+                calls.append(QString::number(overlay.manager.rowIndexByID(element->id())));
+            }
+            LiveOverlay &overlay;
+        } accessor(overlay);
+        overlay.manager.registerElementAccessor(&accessor);
+        const int id = overlay.manager.createText()->id();
+        overlay.takeShown();
+        QVERIFY(overlay.manager.deleteElement(0));
+        QCOMPARE(accessor.takeCalls(),
+                 (QStringList {QStringLiteral("unregister %1").arg(id), deleted({id}).first(),
+                               QStringLiteral("-1")}));
+        overlay.manager.registerElementAccessor(nullptr);
+    }
+
     void deletingThroughTheModel()
     {
         LiveOverlay &overlay = *m_overlay;
         const QPointer<CVideoOverlayText> text = overlay.manager.createText();
         QSignalSpy before(&overlay.manager, &CVideoOverlayManager::beforeRemoveElement);
         QSignalSpy removed(&overlay.model, &QAbstractItemModel::rowsRemoved);
+        CVideoOverlayElement *going = nullptr;
+        const auto watch = connect(&overlay.manager, &CVideoOverlayManager::beforeRemoveElement,
+                                   this, [&](CVideoOverlayElement *element) {
+                                       going = element;
+                                       QCOMPARE(overlay.manager.rowIndexByID(element->id()), 0);
+                                       QCOMPARE(removed.count(), 0);
+                                   });
+        const CVideoOverlayElement *given = text;
         QVERIFY(overlay.manager.deleteElementFromModel(text));
+        disconnect(watch);
         QVERIFY(!text);
+        QCOMPARE(going, given);
         QCOMPARE(before.count(), 1);
         QCOMPARE(removed.count(), 1);
         CVideoOverlayText stranger;
@@ -419,6 +460,59 @@ private Q_SLOTS:
         QCOMPARE(overlay.takeShown().first(), deleted({next}).first());
         flushDeletions();
         QCOMPARE(changed.count(), 1); // the text, by its new font
+    }
+
+    void theWatermarkAndItsRecord()
+    {
+        LiveOverlay &overlay = *m_overlay;
+        struct Display : Velmar::Test::RecordingDisplayBackend
+        {
+            bool displayElement(CVideoOverlayElement &element) override
+            {
+                const auto *image = qobject_cast<CVideoOverlayImage *>(&element);
+                shown.append(QStringLiteral("%1 %2").arg(element.type()).arg(image->imageSrc()));
+                rows.append(element.row());
+                last = &element;
+                return true;
+            }
+            QStringList shown;
+            QVector<int> rows;
+            QPointer<CVideoOverlayElement> last;
+        } display;
+        overlay.control.setBackend(&display);
+        const QString path = picture(QStringLiteral("mark.png"));
+        overlay.manager.createWatermark(path);
+        const QString complete = QStringLiteral("5 ") + path;
+        QCOMPARE(display.rows.value(0, -1), 0); // first, and then what its datasource changes
+        QCOMPARE(display.rows.value(1), 5);
+        for (const QString &shown : qAsConst(display.shown))
+            QCOMPARE(shown, complete); // never without picture or type
+        const auto *mark = qobject_cast<CVideoOverlayImage *>(display.last);
+        QVERIFY(mark);
+        QVERIFY(!mark->parent());
+        QCOMPARE(mark->row(), 5);
+        QCOMPARE(mark->column(), 15);
+        QCOMPARE(mark->scaleFactor(), 1.0);
+        QCOMPARE(mark->caption(), QStringLiteral("mark.png"));
+        QVERIFY(mark->enabled());
+        QVERIFY(mark->visible());
+        ElementParam expected;
+        expected.insert(QStringLiteral("type"), 5);
+        expected.insert(QStringLiteral("row"), 5);
+        expected.insert(QStringLiteral("col"), 15);
+        expected.insert(QStringLiteral("imagePath"), path);
+        expected.insert(QStringLiteral("enabled"), true);
+        expected.insert(QStringLiteral("scale"), 1.0);
+        expected.insert(QStringLiteral("id"), mark->id());
+        QCOMPARE(mark->getParamObject(), expected);
+
+        const QPointer<CVideoOverlayElement> first = display.last;
+        overlay.manager.createWatermark(path);
+        QVERIFY(display.last != first);
+        QVERIFY(first); // a screen may still show it
+        flushDeletions();
+        QVERIFY(!first);
+        overlay.control.setBackend(&overlay.display);
     }
 
     void deletionOfAManagerClearsTheDisplay()

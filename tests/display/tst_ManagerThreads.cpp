@@ -30,7 +30,7 @@ private:
     static int readAll(CVideoOverlayManager &manager)
     {
         QMutexLocker lock(manager.mutex());
-        int sum = manager.getGlobalTransparency();
+        int sum = manager.getGlobalTransparency() + manager.getAllPropertiesWithChanges().size();
         const QList<CVideoOverlayElement *> elements = manager.getElementList();
         for (CVideoOverlayElement *element : elements) {
             const RenderedElement rendered = element->getElement();
@@ -94,6 +94,9 @@ private:
         manager.setGlobalTransparency(round % 100);
         manager.temporaryHideInspTexts(round % 2 == 0);
         overlay.model.createStaticText(QString::number(round));
+        ElementParam general;
+        general.insert(QStringLiteral("kx70ii_units"), QString::number(round));
+        manager.setGeneralSettings(general);
         if (round % 3 == 0)
             manager.getPropertiesWithChanges();
         if (round % 4 == 0)

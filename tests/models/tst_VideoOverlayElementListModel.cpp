@@ -17,9 +17,11 @@
 #include <QTest>
 
 #include <algorithm>
+#include <future>
 #include <initializer_list>
 #include <memory>
 #include <optional>
+#include <utility>
 
 using namespace Velmar::VideoOverlay;
 using Velmar::Test::LiveOverlay;
@@ -186,6 +188,7 @@ private Q_SLOTS:
         VideoOverlayElementListModel &model = m_overlay->model;
         QVERIFY(!model.freeText());
         CVideoOverlayText *text = addText(CVideoOverlayElement::FreeText);
+        QQmlEngine::setObjectOwnership(text, QQmlEngine::JavaScriptOwnership);
         model.setFreeText(text);
         QCOMPARE(model.freeText(), text);
         QCOMPARE(QQmlEngine::objectOwnership(text), QQmlEngine::CppOwnership);
@@ -233,9 +236,12 @@ private Q_SLOTS:
         m_tester.reset(); // the announcement is one of no rows
         addText(CVideoOverlayElement::StaticText);
         SignalJournal journal(m_overlay->model, QAbstractItemModel::staticMetaObject);
+        QSignalSpy about(&m_overlay->model, &QAbstractItemModel::rowsAboutToBeRemoved);
         QVERIFY(m_overlay->model.removeRows(1, 0));
         QCOMPARE(m_overlay->model.rowCount(), 1);
         QCOMPARE(journal.take().size(), 2);
+        QCOMPARE(about.first().at(1).toInt(), 1);
+        QCOMPARE(about.first().at(2).toInt(), 0); // none
     }
 
     void staticText()
@@ -244,6 +250,13 @@ private Q_SLOTS:
         QSignalSpy inserted(&model, &QAbstractItemModel::rowsInserted);
         m_overlay->manager.createImage();
         model.reset();
+        QStringList complete;
+        connect(&model, &QAbstractItemModel::rowsInserted, this, [&](const QModelIndex &, int row) {
+            complete.append(m_overlay->manager.getElement(row)
+                                ->getParamObject()
+                                .value(QStringLiteral("text"))
+                                .toString());
+        });
         const QVariant wrapped = model.createStaticText(QStringLiteral("hello"));
         QCOMPARE(wrapped.userType(), int(QMetaType::QObjectStar));
         auto *text = qobject_cast<CVideoOverlayText *>(wrapped.value<QObject *>());
@@ -251,6 +264,7 @@ private Q_SLOTS:
         QCOMPARE(inserted.count(), 1);
         QCOMPARE(inserted.first().at(1).toInt(), 1);
         QCOMPARE(inserted.first().at(2).toInt(), 1);
+        QCOMPARE(complete, QStringList {QStringLiteral("hello")}); // when the row is there
         QCOMPARE(m_overlay->manager.getElement(1), text);
         QCOMPARE(text->type(), CVideoOverlayElement::StaticText);
         QCOMPARE(text->text(), QStringLiteral("hello"));
@@ -275,11 +289,15 @@ private Q_SLOTS:
         QVERIFY(picture.save(path));
         VideoOverlayElementListModel &model = m_overlay->model;
         QSignalSpy inserted(&model, &QAbstractItemModel::rowsInserted);
+        m_overlay->manager.createText();
+        model.reset();
         const QVariant wrapped = model.createImage(path);
         QCOMPARE(wrapped.typeName(), "Velmar::VideoOverlay::CVideoOverlayImage*");
         auto *image = wrapped.value<CVideoOverlayImage *>();
         QVERIFY(image);
         QCOMPARE(inserted.count(), 1);
+        QCOMPARE(inserted.first().at(1).toInt(), 1);
+        QCOMPARE(inserted.first().at(2).toInt(), 1);
         QCOMPARE(image->type(), CVideoOverlayElement::FreePicture);
         QVERIFY(image->visible());
         QCOMPARE(image->width(), 40.0);
@@ -363,6 +381,68 @@ private Q_SLOTS:
         text->setVisible(false);
         model.showSecInspElements();
         QCOMPARE(text->visible(), inspection);
+    }
+
+    /// Only inspection texts, neither those before nor those after them in the enumeration.
+    void hidingAtStartUp_data()
+    {
+        QTest::addColumn<int>("type");
+        QTest::addColumn<bool>("visible");
+        QTest::newRow("static text") << 0 << true;
+        QTest::newRow("system text") << 1 << true;
+        QTest::newRow("inspection text") << 3 << false;
+        QTest::newRow("free text") << 4 << true;
+        QTest::newRow("inspection static text") << 6 << true;
+    }
+
+    void hidingAtStartUp()
+    {
+        QFETCH(int, type);
+        QFETCH(bool, visible);
+        const CVideoOverlayText *text = addText(CVideoOverlayElement::Type(type));
+        m_overlay->model.hideStartUpInspElements();
+        QCOMPARE(text->visible(), visible);
+    }
+
+    /// Who reads the elements in another thread sees a new one when it is complete; a removed one
+    /// goes without the lock, a walk is one step.
+    void locking()
+    {
+        VideoOverlayElementListModel &model = m_overlay->model;
+        const auto isLocked = [this] {
+            return !std::async(std::launch::async, [this] {
+                        QMutex &mutex = *m_overlay->manager.mutex();
+                        const bool taken = mutex.tryLock();
+                        if (taken)
+                            mutex.unlock();
+                        return taken;
+                    }).get();
+        };
+        QStringList seen;
+        const auto note = [&](const char *what) {
+            seen.append(QLatin1String(what)
+                        + (isLocked() ? QLatin1String(" locked") : QLatin1String(" free")));
+        };
+        connect(&model, &QAbstractItemModel::rowsAboutToBeInserted, this,
+                [&] { note("begin insert"); });
+        connect(&model, &QAbstractItemModel::rowsInserted, this, [&] { note("insert"); });
+        connect(&model, &QAbstractItemModel::rowsAboutToBeRemoved, this,
+                [&] { note("begin remove"); });
+        connect(&model, &QAbstractItemModel::rowsRemoved, this, [&] { note("remove"); });
+        const QStringList inserting = lines({"begin insert free", "insert locked"});
+        model.createImage(QString());
+        QCOMPARE(std::exchange(seen, {}), inserting);
+        CVideoOverlayText *text = addText(CVideoOverlayElement::StaticText);
+        QCOMPARE(std::exchange(seen, {}), inserting);
+        connect(text, &CVideoOverlayElement::timerExpired, this, [&] { note("expired"); });
+        text->setTimeout(5);
+        text->setVisible(true);
+        model.hideNotPermanentElements();
+        QCOMPARE(std::exchange(seen, {}), lines({"expired locked"}));
+        QVERIFY(!isLocked());
+        QVERIFY(model.remove(0));
+        QCOMPARE(std::exchange(seen, {}), lines({"begin remove free", "remove free"}));
+        takeLog(); // of the missing picture, the timer and the walk
     }
 
     /// Elements made meanwhile announce no rows until the reset is over.

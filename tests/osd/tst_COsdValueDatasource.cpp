@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "videooverlay/osd/COsdValueDatasource.h"
 
+#include "host/platform/CatalogStore.h"
 #include "tests/osd/RecordedText.h"
 #include "tests/support/LoggedTest.h"
 #include "tests/support/MetaListing.h"
 #include "tests/support/VirtualSlot.h"
+#include "videooverlay/captions/TemplateCaptionResolver.h"
 
 #include <QPointer>
 #include <QSignalSpy>
@@ -42,6 +44,24 @@ private Q_SLOTS:
                            "maxLineNumber 0, visible false, timeout 5, "
                            "caption , caption C, text C: , setUnit m, "
                            "unit m, visible true, alignment 2"));
+    }
+
+    /// A dictionary's captions are there without any catalog template.
+    void asksAResolverWithoutATemplate()
+    {
+        class Dictionary : public TemplateCaptionResolver
+        {
+        public:
+            using TemplateCaptionResolver::TemplateCaptionResolver;
+            QString getCaption(ElementParam &) const override { return QStringLiteral("D"); }
+        };
+        const QSharedPointer<TemplateCaptionResolver> resolver(
+            new Dictionary(Velmar::CATManagement::CatalogStore::instance()));
+        ElementParam param = record();
+        RecordedText text;
+        COsdValueDatasource datasource(resolver, &text, param);
+        QCOMPARE(text.caption(), QStringLiteral("D"));
+        QCOMPARE(text.text(), QStringLiteral("D: "));
     }
 
     void rendersOncePerChangeOfUnitAndCaption()

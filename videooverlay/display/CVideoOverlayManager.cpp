@@ -608,6 +608,7 @@ void CVideoOverlayManager::onRecordingStateChanged(State state)
 
 void CVideoOverlayManager::setGeneralSettings(const ElementParam &param)
 {
+    QMutexLocker lock(&m_mutex);
     m_generalSettings = param;
     m_emitKx70Changes = 0;
     const auto apply = [&param](const QString &key, const auto &set) {
@@ -633,6 +634,7 @@ void CVideoOverlayManager::setGeneralSettings(const ElementParam &param)
 
 ElementParam CVideoOverlayManager::generalSettingsGetAllProperties()
 {
+    QMutexLocker lock(&m_mutex);
     ElementParam all = m_generalSettings;
     all.insert(QStringLiteral("globalTransparency"), getGlobalTransparency());
     all.insert(QStringLiteral("analogVideo"), analogVideo());

@@ -16,9 +16,8 @@ COsdImageDatasourceFactory::~COsdImageDatasourceFactory() = default;
 
 bool COsdImageDatasourceFactory::accept(ElementParam &param)
 {
-    const auto type = param.value(QStringLiteral("type"));
-    return type.isValid()
-        && type.value<CVideoOverlayElement::Type>() == CVideoOverlayElement::FreePicture
+    const auto type = param.value(QStringLiteral("type")).value<CVideoOverlayElement::Type>();
+    return type == CVideoOverlayElement::FreePicture
         && !param.value(QStringLiteral("screenSnip")).toBool();
 }
 
