@@ -46,6 +46,11 @@ bool commonColor(const QList<CVideoOverlayElement *> &elements, ColorOf colorOf,
     return true;
 }
 
+QList<COsdElementDatasource *> datasourcesOf(const CVideoOverlayElement &element)
+{
+    return element.findChildren<COsdElementDatasource *>(QString(), Qt::FindDirectChildrenOnly);
+}
+
 /// For walks in which handlers of signals may delete elements.
 QVector<QPointer<CVideoOverlayElement>> guarded(const QList<CVideoOverlayElement *> &elements)
 {
@@ -337,12 +342,17 @@ bool CVideoOverlayManager::deleteElement(int index)
 
 void CVideoOverlayManager::discard(CVideoOverlayElement *element)
 {
-    silence(element);
     if (!element->isBusy()) {
+        // Destroyed at once, it needs not be silenced: that looks through the followers of all
+        // elements, and removing a profile would grow with the square of its size. Its datasources
+        // go first, because nothing may reach a half destroyed element through them.
+        disconnect(element, nullptr, this, nullptr);
+        qDeleteAll(datasourcesOf(*element));
         delete element;
         return;
     }
     // It was reached from one of its own signals, and its operation is still to be finished.
+    silence(element);
     element->setParent(nullptr);
     element->deleteLater();
 }
@@ -351,9 +361,7 @@ void CVideoOverlayManager::silence(CVideoOverlayElement *element)
 {
     disconnect(element, nullptr, this, nullptr);
     disconnect(this, nullptr, element, nullptr);
-    const auto datasources
-        = element->findChildren<COsdElementDatasource *>(QString(), Qt::FindDirectChildrenOnly);
-    for (COsdElementDatasource *datasource : datasources) {
+    for (COsdElementDatasource *datasource : datasourcesOf(*element)) {
         if (auto *text = qobject_cast<COsdTextDatasource *>(datasource))
             text->detach();
         else
