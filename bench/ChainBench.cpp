@@ -7,6 +7,7 @@
 #include <videooverlay/display/CVideoOverlayCapabilities.h>
 #include <videooverlay/display/CVideoOverlayControl.h>
 #include <videooverlay/display/CVideoOverlayManager.h>
+#include <videooverlay/display/VideoOverlaySettings.h>
 #include <videooverlay/osd/COsdValueDatasource.h>
 #include <videooverlay/units/SpeedUnitsConverter.h>
 
@@ -74,6 +75,8 @@ public:
     {
         return qobject_cast<CVideoOverlayText *>(m_manager.getElement(index));
     }
+
+    VideoOverlaySettings *grid() const { return m_manager.getSettings(); }
 
 private:
     void addText(int index)
@@ -145,7 +148,7 @@ void pictureAlone(benchmark::State &state)
         lines.append(shown->text());
     }
     CVideoOverlayText element;
-    element.setSettings(shown->settings());
+    element.setSettings(texts.grid());
     element.setTextColor(Qt::white);
     element.setBackgroundColor(Qt::black);
     int number = 0;
