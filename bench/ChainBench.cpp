@@ -56,6 +56,9 @@ public:
             m_names.append(QStringLiteral("V%1").arg(i));
             addText(i);
         }
+        // The first value of an element changes its size, which costs more than every later one.
+        for (int i = 0; i < count; ++i)
+            setNextValue();
     }
 
     ~LiveTexts() { m_manager.removeElements(); }
