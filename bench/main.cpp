@@ -52,6 +52,7 @@ public:
             std::printf("| %s | %.1f | %.1f | %.1f |\n", alpha == 255 ? "opaque" : "translucent",
                         element, painter, element / painter);
         }
+        printChain();
         printLoading();
         std::printf(
             "\nTwelve boxed texts burned into I420 frames, us of CPU time added per frame:\n\n"
@@ -73,6 +74,26 @@ public:
     }
 
 private:
+    /// What one of many live values costs; it must not depend on how many there are.
+    void printChain() const
+    {
+        std::printf(
+            "\nOne value to the finished picture through the whole chain, us of CPU time:\n\n"
+            "| elements | value to picture | element alone | chain beside it | without "
+            "a display | times that of 1 element |\n|---|---|---|---|---|---|\n");
+        const double element = median("chain/element/");
+        for (const int elements : {1, 30, 300}) {
+            const std::string arguments = "elements:" + std::to_string(elements);
+            const double whole = median("chain/picture/" + arguments);
+            // Without a picture, but the text is typeset all the same.
+            const double display = median("chain/display/" + arguments);
+            if (std::isnan(whole + display + element))
+                continue;
+            std::printf("| %d | %.1f | %.1f | %.1f | %.1f | %.2f |\n", elements, whole, element,
+                        whole - element, display, whole / median("chain/picture/elements:1"));
+        }
+    }
+
     /// What one record costs, beside the smallest profile: a ratio that grows with the number of
     /// records says that loading does not grow linearly.
     void printLoading() const

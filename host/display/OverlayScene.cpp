@@ -140,8 +140,8 @@ bool OverlayScene::displayElement(CVideoOverlayElement &element)
         entry.element = &element;
         connect(&element, &QObject::destroyed, this, [this, key = &element] { forget(key); });
     }
-    if (!entry.marked) {
-        entry.marked = true;
+    if (entry.markedAt < 0) {
+        entry.markedAt = m_marked.size();
         m_marked.append(&element);
         requestFlush();
     }
@@ -191,11 +191,17 @@ void OverlayScene::flush()
 {
     m_flushQueued = false;
     // Taking a picture calls into the element only, which cannot mark another one.
-    for (CVideoOverlayElement *key : qAsConst(m_marked))
-        take(m_entries[key]);
+    QVector<Entry *> changed;
+    for (CVideoOverlayElement *key : qAsConst(m_marked)) {
+        Entry *const entry = key ? &m_entries[key] : nullptr;
+        if (entry && take(*entry) && entry->shownAt >= 0)
+            changed.append(entry);
+    }
     m_marked.clear();
     if (m_changed)
         publish();
+    else if (!changed.isEmpty())
+        publishChanged(changed);
 }
 
 OverlaySnapshotPtr OverlayScene::snapshot() const
@@ -258,9 +264,12 @@ void OverlayScene::requestFlush()
 
 void OverlayScene::forget(CVideoOverlayElement *element)
 {
-    if (m_entries.remove(element) == 0)
+    const auto found = m_entries.find(element);
+    if (found == m_entries.end())
         return;
-    m_marked.removeOne(element);
+    if (found->markedAt >= 0)
+        m_marked[found->markedAt] = nullptr; // the others keep their places
+    m_entries.erase(found);
     m_changed = true;
     requestFlush();
 }
@@ -274,15 +283,15 @@ void OverlayScene::clear()
     m_changed = true;
 }
 
-void OverlayScene::take(Entry &entry)
+bool OverlayScene::take(Entry &entry)
 {
-    entry.marked = false;
+    entry.markedAt = -1;
     const CVideoOverlayElement &element = *entry.element;
     const bool visible = element.visible();
     m_changed |= visible != entry.visible;
     entry.visible = visible;
     if (!visible)
-        return; // shown again, it is announced again
+        return false; // shown again, it is announced again
 
     const RenderedElement rendered = element.getElement();
     ++m_renderCount;
@@ -301,23 +310,49 @@ void OverlayScene::take(Entry &entry)
         }
     }
     if (item == entry.item)
-        return;
+        return false;
+    m_changed |= item.id != entry.item.id; // it has another place among the others
     entry.item = item;
-    m_changed = true;
+    m_changed |= isShown(entry) != (entry.shownAt >= 0);
+    return true;
+}
+
+bool OverlayScene::isShown(const Entry &entry) const
+{
+    return m_ready && m_enabled && entry.visible && !entry.item.image.isNull()
+        && entry.item.opacity > 0;
+}
+
+void OverlayScene::publishChanged(const QVector<Entry *> &changed)
+{
+    auto next = std::make_shared<OverlaySnapshot>(*snapshot());
+    for (const Entry *entry : changed)
+        next->items[entry->shownAt] = entry->item;
+    next->revision = nextRevision();
+    {
+        const std::lock_guard lock(m_snapshotMutex);
+        m_snapshot = std::move(next);
+    }
+    Q_EMIT published();
 }
 
 void OverlayScene::publish()
 {
     m_changed = false;
     auto next = std::make_shared<OverlaySnapshot>();
-    if (m_ready && m_enabled) {
-        for (const Entry &entry : qAsConst(m_entries)) {
-            if (entry.visible && !entry.item.image.isNull() && entry.item.opacity > 0)
-                next->items.append(entry.item);
-        }
-        // Elements are painted in the order in which they were made: their ids count up.
-        std::sort(next->items.begin(), next->items.end(),
-                  [](const OverlayItem &a, const OverlayItem &b) { return a.id < b.id; });
+    QVector<Entry *> shown;
+    for (Entry &entry : m_entries) {
+        entry.shownAt = -1;
+        if (isShown(entry))
+            shown.append(&entry);
+    }
+    // Elements are painted in the order in which they were made: their ids count up.
+    std::sort(shown.begin(), shown.end(),
+              [](const Entry *a, const Entry *b) { return a->item.id < b->item.id; });
+    next->items.reserve(shown.size());
+    for (Entry *entry : qAsConst(shown)) {
+        entry->shownAt = next->items.size();
+        next->items.append(entry->item);
     }
     if (!m_margins.isEmpty())
         next->clip = evenRect(m_margins);

@@ -92,7 +92,8 @@ private:
     struct Entry
     {
         QPointer<VideoOverlay::CVideoOverlayElement> element;
-        bool marked = false; ///< its picture must be taken
+        int markedAt = -1; ///< where in m_marked; negative: its picture need not be taken
+        int shownAt = -1;  ///< where in the published items; negative: it is not among them
         bool visible = false;
         qint64 sourceKey = 0; ///< tells whether a picture element still hands out the same picture
         OverlayItem item;
@@ -101,18 +102,23 @@ private:
     void requestFlush();
     void forget(VideoOverlay::CVideoOverlayElement *element);
     void clear();
-    void take(Entry &entry);
+    bool take(Entry &entry); ///< its picture is another one, or elsewhere
+    bool isShown(const Entry &entry) const;
+    /// publish() for the case that the same elements are shown in the same order. Does not look at
+    /// those that did not change.
+    void publishChanged(const QVector<Entry *> &changed);
     void publish();
 
     SceneCapabilities m_capabilities;
     bool m_ready = false;
     bool m_enabled = false;
     bool m_flushQueued = false;
-    bool m_changed = false; ///< what is published may no longer be what is shown
+    bool m_changed = false; ///< other elements may be shown than are published, or elsewhere
     QRectF m_margins;
     quint64 m_renderCount = 0;
     QHash<VideoOverlay::CVideoOverlayElement *, Entry> m_entries;
-    QVector<VideoOverlay::CVideoOverlayElement *> m_marked; ///< keys of the marked entries
+    /// Keys of the marked entries; null where one left.
+    QVector<VideoOverlay::CVideoOverlayElement *> m_marked;
 
     mutable std::mutex m_snapshotMutex; ///< guards the pointer below, not what it points to
     OverlaySnapshotPtr m_snapshot;

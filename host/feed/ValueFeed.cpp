@@ -24,16 +24,26 @@ void ValueFeed::registerElement(const QString &key, CVideoOverlayElement *elemen
 {
     if (key.isEmpty() || !element)
         return;
-    Elements &elements = m_elements[key];
-    if (!elements.contains(element))
-        elements.append(element);
+    const QVector<Place> places = m_places.value(element);
+    const auto isHere = [&](const Place &place) {
+        // Another element may have died at this address.
+        return place.name == key && m_elements.value(key).value(place.number) == element;
+    };
+    if (std::any_of(places.cbegin(), places.cend(), isHere))
+        return;
+    const quint64 number = ++m_lastNumber;
+    m_elements[key].insert(number, element);
+    m_places[element].append({key, number});
 }
 
 void ValueFeed::unregisterElement(CVideoOverlayElement *element)
 {
-    for (auto it = m_elements.begin(); it != m_elements.end();) {
-        it->removeAll(element);
-        it = it->isEmpty() ? m_elements.erase(it) : std::next(it);
+    const QVector<Place> places = m_places.take(element);
+    for (const Place &place : places) {
+        Elements &elements = m_elements[place.name];
+        elements.remove(place.number);
+        if (elements.isEmpty())
+            m_elements.remove(place.name);
     }
 }
 

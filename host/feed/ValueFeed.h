@@ -4,6 +4,7 @@
 #include <videooverlay/display/IVideoOverlayElementAccessor.h>
 
 #include <QHash>
+#include <QMap>
 #include <QPointer>
 #include <QString>
 #include <QStringList>
@@ -39,11 +40,23 @@ public:
     QStringList unshownNames() const;        ///< of the values that came so far, sorted
 
 private:
-    using Elements = QVector<QPointer<VideoOverlay::CVideoOverlayElement>>;
+    /// By the number of the registration, so in its order; not owned.
+    using Elements = QMap<quint64, QPointer<VideoOverlay::CVideoOverlayElement>>;
+
+    /// Where an element is registered.
+    struct Place
+    {
+        QString name;
+        quint64 number;
+    };
 
     void deliver(const QString &name, const QVariant &value);
 
-    QHash<QString, Elements> m_elements; ///< by value name, in order of registration; not owned
+    QHash<QString, Elements> m_elements; ///< by value name
+    /// Everything above once more, so that nothing is searched when a profile goes. The keys may
+    /// have died; they are compared only.
+    QHash<VideoOverlay::CVideoOverlayElement *, QVector<Place>> m_places;
+    quint64 m_lastNumber = 0;
     QHash<QString, QVariant> m_values;
 };
 

@@ -533,6 +533,9 @@ private Q_SLOTS:
         element.setSettings(&next.settings);
         element.typeset();
         QCOMPARE(element.height(), 80.0);
+        SignalJournal journal(element, CVideoOverlayText::staticMetaObject);
+        next.settings.calculateSettings();
+        QCOMPARE(journal.take(), words("fontChanged")); // the new one is followed
     }
 
     // --- typesetting

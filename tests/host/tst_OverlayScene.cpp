@@ -15,6 +15,7 @@
 #include <atomic>
 #include <memory>
 #include <thread>
+#include <vector>
 
 using namespace Velmar::Host;
 using namespace Velmar::VideoOverlay;
@@ -252,6 +253,51 @@ private Q_SLOTS:
         display.control.displayElement(*early);
         display.scene->flush();
         QCOMPARE(shownIds(*display.scene), (QVector<int> {3, 9}));
+    }
+
+    void changedPicturesKeepTheirPlaces()
+    {
+        Display display;
+        OverlayScene &scene = *display.scene;
+        scene.setVideoOverlayEnabled(true);
+        std::vector<std::unique_ptr<CVideoOverlayText>> texts;
+        for (int id : {4, 1, 3, 2}) {
+            texts.push_back(display.text(id, QStringLiteral("text %1").arg(id)));
+            display.control.displayElement(*texts.back());
+        }
+        scene.flush();
+        const OverlaySnapshotPtr before = scene.snapshot();
+        QCOMPARE(shownIds(scene), QVector<int>({1, 2, 3, 4}));
+        const QVector<OverlayItem> old = before->items;
+
+        QSignalSpy published(&scene, &OverlayScene::published);
+        texts[2]->setText(QStringLiteral("other"));
+        texts[0]->setText(QStringLiteral("another"));
+        for (const int index : {2, 0, 1})
+            display.control.displayElement(*texts[size_t(index)]);
+        scene.flush();
+        QCOMPARE(published.count(), 1);
+        QCOMPARE(shownIds(scene), QVector<int>({1, 2, 3, 4}));
+        const QVector<OverlayItem> items = scene.snapshot()->items;
+        QVERIFY(scene.snapshot()->revision != before->revision);
+        QVERIFY(items.at(0) == old.at(0));
+        QVERIFY(items.at(1) == old.at(1));
+        QCOMPARE(items.at(2).image, texts[2]->getElement().getImage());
+        QCOMPARE(items.at(3).image, texts[0]->getElement().getImage());
+        QVERIFY(before->items == old); // whoever reads it sees nothing of that
+
+        display.control.displayElement(*texts[1]);
+        display.control.displayElement(*texts[2]);
+        texts.erase(texts.begin() + 1); // marked, and gone before its picture is taken
+        texts[1]->setText(QStringLiteral("last"));
+        scene.flush();
+        QCOMPARE(shownIds(scene), QVector<int>({2, 3, 4}));
+        QCOMPARE(scene.snapshot()->items.at(1).image, texts[1]->getElement().getImage());
+
+        texts[1]->setId(9); // behind all others from now on
+        display.control.displayElement(*texts[1]);
+        scene.flush();
+        QCOMPARE(shownIds(scene), QVector<int>({2, 4, 9}));
     }
 
     void deletedAndDestroyedElementsLeave()

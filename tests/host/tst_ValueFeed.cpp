@@ -10,6 +10,8 @@
 #include <QtTest>
 
 #include <memory>
+#include <new>
+#include <vector>
 
 using namespace Velmar::Host;
 using namespace Velmar::VideoOverlay;
@@ -119,6 +121,72 @@ private Q_SLOTS:
         QVERIFY(!feed.isShown(speed));
         feed.setValue(speed, 4);
         QCOMPARE(text.text(), QString());
+    }
+
+    void oneElementMayShowSeveralValues()
+    {
+        ValueFeed feed;
+        const QString depth = QStringLiteral("DEPTH");
+        CVideoOverlayText text;
+        CVideoOverlayText other;
+        giveDatasource(&text);
+        giveDatasource(&other);
+        feed.registerElement(speed, &text);
+        feed.registerElement(depth, &text);
+        feed.registerElement(depth, &other);
+        feed.setValue(speed, 1);
+        QCOMPARE(text.text(), QStringLiteral("1"));
+        feed.setValue(depth, 2);
+        QCOMPARE(text.text(), QStringLiteral("2"));
+        feed.unregisterElement(&text);
+        QVERIFY(!feed.isShown(speed));
+        QVERIFY(feed.isShown(depth));
+        feed.setValue(depth, 3);
+        QCOMPARE(text.text(), QStringLiteral("2"));
+        QCOMPARE(other.text(), QStringLiteral("3"));
+        feed.registerElement(speed, &text); // again
+        feed.setValue(speed, 4);
+        QCOMPARE(text.text(), QStringLiteral("4"));
+    }
+
+    void valuesComeInOrderOfRegistration()
+    {
+        ValueFeed feed;
+        std::vector<std::unique_ptr<CVideoOverlayText>> texts;
+        QVector<int> order;
+        for (int i = 0; i < 20; ++i) {
+            texts.push_back(std::make_unique<CVideoOverlayText>());
+            giveDatasource(texts.back().get());
+            connect(texts.back().get(), &CVideoOverlayText::textChanged, this,
+                    [&order, i] { order.append(i); });
+        }
+        QVector<int> expected;
+        for (int i = 19; i >= 0; --i) {
+            feed.registerElement(speed, texts[size_t(i)].get());
+            expected.append(i);
+        }
+        feed.setValue(speed, 1);
+        QCOMPARE(order, expected);
+    }
+
+    void anotherElementAtTheSameAddress()
+    {
+        ValueFeed feed;
+        alignas(CVideoOverlayText) unsigned char place[sizeof(CVideoOverlayText)];
+        auto *text = new (place) CVideoOverlayText;
+        feed.registerElement(speed, text);
+        text->~CVideoOverlayText(); // without being unregistered
+        feed.setValue(speed, 1);
+        text = new (place) CVideoOverlayText;
+        giveDatasource(text);
+        feed.setValue(speed, 2);
+        QCOMPARE(text->text(), QString()); // not registered
+        feed.registerElement(speed, text);
+        feed.setValue(speed, 3);
+        QCOMPARE(text->text(), QStringLiteral("3"));
+        feed.unregisterElement(text);
+        QVERIFY(!feed.isShown(speed));
+        text->~CVideoOverlayText();
     }
 
     void namesWithoutTextAreTold()

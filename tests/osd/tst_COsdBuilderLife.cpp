@@ -33,9 +33,11 @@ using Kind = Velmar::Database::DomainRecord::Kind;
 namespace {
 
 #ifdef __SANITIZE_ADDRESS__
-constexpr int switches = 200; // a switch takes ten times as long
+constexpr int switches = 60; // a switch takes ten times as long
+constexpr int templateChanges = 40;
 #else
 constexpr int switches = 1000;
+constexpr int templateChanges = 200;
 #endif
 
 /// How many slots a signal calls.
@@ -180,7 +182,7 @@ private Q_SLOTS:
         for (int i = 0; i < switches; ++i) {
             world.load(profiles[i % 2]);
             others.asked.clear();
-            if (i % 100 == 0) {
+            if (i % 20 == 0) {
                 AppStateControl::setActiveInspection(inspection);
                 AppStateControl::setActiveProject(project);
             }
@@ -215,7 +217,7 @@ private Q_SLOTS:
         const Census before(world);
         const int records = profile.elements().size();
 
-        for (int i = 0; i < 200; ++i) {
+        for (int i = 0; i < templateChanges; ++i) {
             world.templates.load(some);
             world.templates.load(others);
             forgetWhatWasSeen(world);

@@ -46,6 +46,11 @@ bool commonColor(const QList<CVideoOverlayElement *> &elements, ColorOf colorOf,
     return true;
 }
 
+QList<COsdElementDatasource *> datasourcesOf(const CVideoOverlayElement &element)
+{
+    return element.findChildren<COsdElementDatasource *>(QString(), Qt::FindDirectChildrenOnly);
+}
+
 /// For walks in which handlers of signals may delete elements.
 QVector<QPointer<CVideoOverlayElement>> guarded(const QList<CVideoOverlayElement *> &elements)
 {
@@ -252,23 +257,26 @@ void CVideoOverlayManager::connectText(CVideoOverlayText *text)
     using Element = CVideoOverlayElement;
     using Text = CVideoOverlayText;
     using Manager = CVideoOverlayManager;
+    // Not with the slot that asks who called: finding that out looks through the connections of all
+    // elements.
+    const auto changed = [this, text] { onElementChanged(text); };
     // The base's signals: the text class repeats some of them, and each change must count once.
     connect(text, &Element::deleteRequest, this, &Manager::onChildDestroyed);
-    connect(text, &Text::textColorChanged, this, &Manager::onTextChanged);
+    connect(text, &Text::textColorChanged, this, changed);
     connect(text, &Text::textColorChanged, this, &Manager::globalTextColorChanged);
-    connect(text, &Text::backgroundColorChanged, this, &Manager::onTextChanged);
+    connect(text, &Text::backgroundColorChanged, this, changed);
     connect(text, &Text::backgroundColorChanged, this, &Manager::globalBackgroundColorChanged);
-    connect(text, &Element::columnChanged, this, &Manager::onTextChanged);
+    connect(text, &Element::columnChanged, this, changed);
     connect(text, &Element::columnChanged, text, &Text::typeset);
-    connect(text, &Element::rowChanged, this, &Manager::onTextChanged);
-    connect(text, &Text::textChanged, this, &Manager::onTextChanged);
-    connect(text, &Element::visibleChanged, this, &Manager::onTextChanged);
+    connect(text, &Element::rowChanged, this, changed);
+    connect(text, &Text::textChanged, this, changed);
+    connect(text, &Element::visibleChanged, this, changed);
     connect(this, &Manager::globalTransparencyChanged, text, &Element::setTransparency);
-    connect(text, &Element::transparencyChanged, this, &Manager::onTextChanged);
-    connect(text, &Text::fontChanged, this, &Manager::onTextChanged);
-    connect(text, &Element::heightChanged, this, &Manager::onTextChanged);
-    connect(text, &Element::widthChanged, this, &Manager::onTextChanged);
-    connect(text, &Text::alignmentChanged, this, &Manager::onTextChanged);
+    connect(text, &Element::transparencyChanged, this, changed);
+    connect(text, &Text::fontChanged, this, changed);
+    connect(text, &Element::heightChanged, this, changed);
+    connect(text, &Element::widthChanged, this, changed);
+    connect(text, &Text::alignmentChanged, this, changed);
 }
 
 void CVideoOverlayManager::connectImage(CVideoOverlayImage *image)
@@ -276,14 +284,15 @@ void CVideoOverlayManager::connectImage(CVideoOverlayImage *image)
     using Element = CVideoOverlayElement;
     using Image = CVideoOverlayImage;
     using Manager = CVideoOverlayManager;
+    const auto changed = [this, image] { onElementChanged(image); };
     connect(image, &Element::deleteRequest, this, &Manager::onChildDestroyed);
-    connect(image, &Image::imageSrcChanged, this, &Manager::onImageChanged);
-    connect(image, &Element::visibleChanged, this, &Manager::onImageChanged);
-    connect(image, &Image::scaleFactorChanged, this, &Manager::onImageChanged);
-    connect(image, &Element::columnChanged, this, &Manager::onImageChanged);
-    connect(image, &Element::rowChanged, this, &Manager::onImageChanged);
-    connect(image, &Element::widthChanged, this, &Manager::onImageChanged);
-    connect(image, &Element::heightChanged, this, &Manager::onImageChanged);
+    connect(image, &Image::imageSrcChanged, this, changed);
+    connect(image, &Element::visibleChanged, this, changed);
+    connect(image, &Image::scaleFactorChanged, this, changed);
+    connect(image, &Element::columnChanged, this, changed);
+    connect(image, &Element::rowChanged, this, changed);
+    connect(image, &Element::widthChanged, this, changed);
+    connect(image, &Element::heightChanged, this, changed);
 }
 
 int CVideoOverlayManager::elementsCount()
@@ -337,12 +346,17 @@ bool CVideoOverlayManager::deleteElement(int index)
 
 void CVideoOverlayManager::discard(CVideoOverlayElement *element)
 {
-    silence(element);
     if (!element->isBusy()) {
+        // Destroyed at once, it needs not be silenced: that looks through the followers of all
+        // elements, and removing a profile would grow with the square of its size. Its datasources
+        // go first, because nothing may reach a half destroyed element through them.
+        disconnect(element, nullptr, this, nullptr);
+        qDeleteAll(datasourcesOf(*element));
         delete element;
         return;
     }
     // It was reached from one of its own signals, and its operation is still to be finished.
+    silence(element);
     element->setParent(nullptr);
     element->deleteLater();
 }
@@ -351,9 +365,7 @@ void CVideoOverlayManager::silence(CVideoOverlayElement *element)
 {
     disconnect(element, nullptr, this, nullptr);
     disconnect(this, nullptr, element, nullptr);
-    const auto datasources
-        = element->findChildren<COsdElementDatasource *>(QString(), Qt::FindDirectChildrenOnly);
-    for (COsdElementDatasource *datasource : datasources) {
+    for (COsdElementDatasource *datasource : datasourcesOf(*element)) {
         if (auto *text = qobject_cast<COsdTextDatasource *>(datasource))
             text->detach();
         else

@@ -146,6 +146,8 @@ Q_SIGNALS:
 public Q_SLOTS:
     void onRecordingStateChanged(Velmar::VideoOverlay::CVideoOverlayManager::State state);
     void onSettingsChanged();
+    // For whoever connects more signals of an element: its sender has changed. Finding the sender
+    // takes longer the more elements there are, so the manager itself follows them in another way.
     void onTextChanged();
     void onImageChanged();
     void onChildDestroyed(Velmar::VideoOverlay::CVideoOverlayElement *obj);

@@ -348,8 +348,11 @@ void CVideoOverlayText::onSettingsChanged()
     VideoOverlaySettings *grid = settings();
     if (!grid)
         return;
-    connect(grid, &VideoOverlaySettings::settingsChanged, this,
-            &CVideoOverlayText::updateFontsFromSettings, Qt::UniqueConnection);
+    // A grid that was left has been disconnected by then. Remembered, because a unique connection
+    // looks through those of all elements: loading would grow with the square of the profile.
+    if (!m_gridConnection)
+        m_gridConnection = connect(grid, &VideoOverlaySettings::settingsChanged, this,
+                                   &CVideoOverlayText::updateFontsFromSettings);
     updateFontsFromSettings();
 }
 

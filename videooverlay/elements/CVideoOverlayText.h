@@ -92,6 +92,7 @@ private:
     QFont m_font;
     QFontMetrics m_fontMetrics {m_font};
     int m_alignment = Qt::AlignLeft;
+    QMetaObject::Connection m_gridConnection; ///< following the font of the grid
 };
 
 } // namespace Velmar::VideoOverlay
