@@ -67,6 +67,7 @@ if(TARGET xqosd)
         "${CMAKE_INSTALL_PREFIX}/${CMAKE_INSTALL_LIBDIR}")
     set_target_properties(xqosd PROPERTIES INSTALL_RPATH "$ORIGIN/${XQ_LIBRARIES_FROM_PROGRAM}")
     install(TARGETS xqosd RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}")
-    install(DIRECTORY data/demo data/translations DESTINATION "${CMAKE_INSTALL_DATADIR}/xqosd"
+    install(DIRECTORY data/catalogs data/demo data/translations
+        DESTINATION "${CMAKE_INSTALL_DATADIR}/xqosd"
         FILES_MATCHING PATTERN "*.csv" PATTERN "*.png" PATTERN "*.json")
 endif()

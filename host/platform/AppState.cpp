@@ -23,7 +23,13 @@ State &state()
 
 } // namespace
 
-AppState::AppState() = default;
+AppState::AppState()
+{
+    // One of the signals spells the type out; by name the meta-type system knows only the alias.
+    qRegisterMetaType<Database::CDomainObjectPointer>(
+        "QSharedPointer<Velmar::Database::CDomainObject>");
+}
+
 AppState::~AppState() = default;
 
 AppState *AppState::instance()

@@ -10,3 +10,6 @@ rm -f "$4/overlay.png"
 "$1" snapshot --telemetry "$3/telemetry.csv" --picture "$3/picture.png" \
     --watermark "$3/watermark.png" --size 1280x720 --output "$4/overlay.png"
 test -s "$4/overlay.png"
+for catalog in ENG-GB DEU-DE FRE-CH; do
+    test -s "$3/../catalogs/EN13508-2-$catalog.json"
+done

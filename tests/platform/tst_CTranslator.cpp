@@ -2,6 +2,7 @@
 #include "platform/translation/CTranslator.h"
 
 #include "host/platform/Directories.h"
+#include "tests/support/TextFile.h"
 #include "tests/units/UnitsTest.h"
 
 #include <QDir>
@@ -11,19 +12,13 @@
 
 using namespace Velmar;
 using namespace Velmar::Translation;
+using Velmar::Test::writeFile;
 
 namespace {
 
 const QString context = QStringLiteral("Some.Context");
 const QString speedKey = QStringLiteral("Some.Context.Txt.SPEED");
 const QString timeKey = QStringLiteral("Some.Context.Txt.TIME");
-
-void writeFile(const QString &path, const QByteArray &content)
-{
-    QFile file(path);
-    if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size())
-        qFatal("cannot write %s", qPrintable(path));
-}
 
 QByteArray texts(const char *language, const char *locale, const char *entries)
 {

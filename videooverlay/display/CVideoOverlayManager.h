@@ -151,23 +151,32 @@ public Q_SLOTS:
     void onChildDestroyed(Velmar::VideoOverlay::CVideoOverlayElement *obj);
 
 private:
+    void adopt(CVideoOverlayElement *element);
+    void discard(CVideoOverlayElement *element);
+    void connectText(CVideoOverlayText *text);
+    void connectImage(CVideoOverlayImage *image);
+    void onElementChanged(CVideoOverlayElement *element);
+    template <typename Value> void setKx70(Value &stored, const Value &value);
+    ElementParam generalSettingsGetChanges();
+
     CVideoOverlayControl &m_control;
-    CVideoOverlayImage *m_watermark = nullptr;
-    QMutex m_mutex {QMutex::Recursive};
-    QList<CVideoOverlayElement *> m_elements;
+    CVideoOverlayImage *m_watermark = nullptr; ///< owned; not among the elements
+    QMutex m_mutex {QMutex::Recursive};        ///< comes before every element's own
+    QList<CVideoOverlayElement *> m_elements;  ///< in order of creation; children
     std::unique_ptr<VideoOverlayElementListModel> m_elementListModel;
     IVideoOverlayElementAccessor *m_elementAccessor = nullptr;
     QPointer<VideoOverlayProfilesModel> m_profilesModel;
     std::unique_ptr<Velmar::Shared::QmlStringListModel> m_favoritesModel;
     std::unique_ptr<VideoOverlaySettings> m_settings;
     int m_globalTransparency = 0;
-    int m_emitKx70Changes = 1;
-    ElementParam m_generalSettings;
+    int m_emitKx70Changes = 1;      ///< 0: values change without a signal
+    ElementParam m_generalSettings; ///< what changes are compared with
     bool m_analogVideo = false;
     bool m_kx70iiState = false;
     int m_kx70iiCol = 1;
     int m_kx70iiRow = 1;
-    QString m_kx70iiUnits;
+    // Not "metric" as in the default record: replaced as soon as general settings are applied.
+    QString m_kx70iiUnits = QStringLiteral("metrics");
 };
 
 } // namespace Velmar::VideoOverlay

@@ -31,6 +31,25 @@ CVideoOverlayElement::CVideoOverlayElement(QObject *parent)
 
 CVideoOverlayElement::~CVideoOverlayElement() = default;
 
+CVideoOverlayElement::EditLock::EditLock(CVideoOverlayElement *element)
+    : m_group(element->m_groupMutex)
+    , m_own(&element->m_mutex)
+    , m_element(element)
+{
+    ++m_element->m_runningEdits;
+}
+
+CVideoOverlayElement::EditLock::~EditLock()
+{
+    --m_element->m_runningEdits;
+}
+
+bool CVideoOverlayElement::isBusy() const
+{
+    QMutexLocker lock(&m_mutex);
+    return m_runningEdits > 0;
+}
+
 double CVideoOverlayElement::height()
 {
     QMutexLocker lock(&m_mutex);
@@ -98,7 +117,7 @@ ElementParam CVideoOverlayElement::getChangedProperties() const
 
 void CVideoOverlayElement::applyChangesToOrigParams()
 {
-    QMutexLocker lock(&m_mutex);
+    const EditLock lock(this);
     m_params = getAllProperties();
 }
 
@@ -110,7 +129,7 @@ int CVideoOverlayElement::id() const
 
 void CVideoOverlayElement::setId(int id)
 {
-    QMutexLocker lock(&m_mutex);
+    const EditLock lock(this);
     if (m_id == id)
         return;
     m_id = id;
@@ -125,7 +144,7 @@ int CVideoOverlayElement::row() const
 
 void CVideoOverlayElement::setRow(int row)
 {
-    QMutexLocker lock(&m_mutex);
+    const EditLock lock(this);
     if (m_row == row)
         return;
     m_row = row;
@@ -140,7 +159,7 @@ int CVideoOverlayElement::column() const
 
 void CVideoOverlayElement::setColumn(int column)
 {
-    QMutexLocker lock(&m_mutex);
+    const EditLock lock(this);
     if (m_column == column)
         return;
     m_column = column;
@@ -167,7 +186,7 @@ void CVideoOverlayElement::setPosition(double x, double y)
 
 void CVideoOverlayElement::setHeight(double height)
 {
-    QMutexLocker lock(&m_mutex);
+    const EditLock lock(this);
     if (m_height == height)
         return;
     m_height = height;
@@ -176,7 +195,7 @@ void CVideoOverlayElement::setHeight(double height)
 
 void CVideoOverlayElement::setWidth(double width)
 {
-    QMutexLocker lock(&m_mutex);
+    const EditLock lock(this);
     if (m_width == width)
         return;
     m_width = width;
@@ -191,7 +210,7 @@ bool CVideoOverlayElement::visible() const
 
 void CVideoOverlayElement::setVisible(bool visible)
 {
-    QMutexLocker lock(&m_mutex);
+    const EditLock lock(this);
     if (m_visible == visible)
         return;
     m_visible = visible;
@@ -210,7 +229,7 @@ bool CVideoOverlayElement::enabled() const
 
 void CVideoOverlayElement::setEnabled(bool enabled)
 {
-    QMutexLocker lock(&m_mutex);
+    const EditLock lock(this);
     if (m_enabled == enabled)
         return;
     m_enabled = enabled;
@@ -227,7 +246,7 @@ bool CVideoOverlayElement::captionVisible() const
 
 void CVideoOverlayElement::setCaptionVisible(bool visible)
 {
-    QMutexLocker lock(&m_mutex);
+    const EditLock lock(this);
     if (m_captionVisible == visible)
         return;
     m_captionVisible = visible;
@@ -242,7 +261,7 @@ QString CVideoOverlayElement::caption() const
 
 void CVideoOverlayElement::setCaption(const QString &caption)
 {
-    QMutexLocker lock(&m_mutex);
+    const EditLock lock(this);
     if (m_caption == caption)
         return;
     m_caption = caption;
@@ -257,7 +276,7 @@ CVideoOverlayElement::Type CVideoOverlayElement::type() const
 
 void CVideoOverlayElement::setType(Type type)
 {
-    QMutexLocker lock(&m_mutex);
+    const EditLock lock(this);
     m_type = type;
     Q_EMIT typeChanged();
 }
@@ -270,7 +289,7 @@ int CVideoOverlayElement::timeout() const
 
 void CVideoOverlayElement::setTimeout(int timeoutSeconds)
 {
-    QMutexLocker lock(&m_mutex);
+    const EditLock lock(this);
     if (m_timeout == timeoutSeconds)
         return;
     m_timeout = timeoutSeconds;
@@ -286,7 +305,7 @@ bool CVideoOverlayElement::timeoutDisabled() const
 
 void CVideoOverlayElement::setTimeoutDisabled(bool disabled)
 {
-    QMutexLocker lock(&m_mutex);
+    const EditLock lock(this);
     if (m_timeoutDisabled == disabled)
         return;
     m_timeoutDisabled = disabled;
@@ -301,7 +320,7 @@ int CVideoOverlayElement::getMaxLineNumber() const
 
 void CVideoOverlayElement::setMaxLineNumber(int lines)
 {
-    QMutexLocker lock(&m_mutex);
+    const EditLock lock(this);
     if (m_maxLineNumber == lines)
         return;
     m_maxLineNumber = lines;
@@ -316,7 +335,7 @@ int CVideoOverlayElement::transparency() const
 
 void CVideoOverlayElement::setTransparency(int transparency)
 {
-    QMutexLocker lock(&m_mutex);
+    const EditLock lock(this);
     if (m_transparency == transparency)
         return;
     m_transparency = transparency;
@@ -332,7 +351,7 @@ bool CVideoOverlayElement::canDelete() const
 
 void CVideoOverlayElement::setTemporaryHide(bool hide)
 {
-    QMutexLocker lock(&m_mutex);
+    const EditLock lock(this);
     m_temporaryHide = hide;
     Q_EMIT visibleChanged();
 }
@@ -351,7 +370,7 @@ QSize CVideoOverlayElement::pixelSize() const
 
 void CVideoOverlayElement::setSettings(VideoOverlaySettings *settings)
 {
-    QMutexLocker lock(&m_mutex);
+    const EditLock lock(this);
     if (m_settings == settings)
         return;
     if (m_settings) // whatever followed the old grid stops doing so
@@ -380,7 +399,7 @@ ElementParam &CVideoOverlayElement::getParamObjectRef()
 
 void CVideoOverlayElement::startTimer()
 {
-    QMutexLocker lock(&m_mutex);
+    const EditLock lock(this);
     if (m_timeout == 0 || !m_enabled || m_timeoutDisabled)
         return;
     const auto scheduled = [this](const QString &when) {
@@ -400,7 +419,7 @@ void CVideoOverlayElement::startTimer()
 
 void CVideoOverlayElement::suspendTimer()
 {
-    QMutexLocker lock(&m_mutex);
+    const EditLock lock(this);
     if (m_timeout == 0 || !m_enabled || !m_timer.isActive())
         return;
     m_remaining = m_timer.remainingTime();
@@ -409,7 +428,7 @@ void CVideoOverlayElement::suspendTimer()
 
 void CVideoOverlayElement::stopTimer()
 {
-    QMutexLocker lock(&m_mutex);
+    const EditLock lock(this);
     if (!m_timer.isActive())
         return;
     m_timer.stop();
@@ -430,7 +449,7 @@ void CVideoOverlayElement::expireTimer()
 
 void CVideoOverlayElement::determineVisibility()
 {
-    QMutexLocker lock(&m_mutex);
+    const EditLock lock(this);
     if (m_timeout != 0)
         setVisible(false);
     else if (m_type != InspText && m_type != FreeText)
@@ -439,18 +458,25 @@ void CVideoOverlayElement::determineVisibility()
 
 void CVideoOverlayElement::handleTimeout()
 {
-    // A receiver of deleteRequest may destroy this element: no lock is held from here on.
+    // A receiver may destroy this element, though a manager waits until this function is left.
     const QPointer<CVideoOverlayElement> alive(this);
     setVisible(false);
+    if (!alive)
+        return;
     bool deleteOnExpiry = false;
     {
         QMutexLocker lock(&m_mutex);
         deleteOnExpiry = m_deleteOnExpiry;
+        ++m_runningEdits;
     }
-    if (deleteOnExpiry)
+    if (deleteOnExpiry) // no lock is held
         Q_EMIT deleteRequest(this);
     if (alive)
         Q_EMIT timerExpired();
+    if (!alive)
+        return;
+    QMutexLocker lock(&m_mutex);
+    --m_runningEdits;
 }
 
 } // namespace Velmar::VideoOverlay

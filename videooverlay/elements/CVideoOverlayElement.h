@@ -6,6 +6,7 @@
 #include "videooverlay/xqvideooverlay_export.h"
 
 #include <QMutex>
+#include <QMutexLocker>
 #include <QObject>
 #include <QPointer>
 #include <QSize>
@@ -188,6 +189,22 @@ protected:
     VideoOverlaySettings *settings() const; ///< may be null
     QSize pixelSize() const;                ///< width and height, fractions cut off
 
+    /// Held by every operation that emits. The manager's lock, which handlers of the signals take,
+    /// comes before the element's own: a reader who holds the manager's lock and asks elements
+    /// would otherwise wait for an edit that waits for the reader.
+    class EditLock
+    {
+    public:
+        explicit EditLock(CVideoOverlayElement *element);
+        ~EditLock();
+
+    private:
+        Q_DISABLE_COPY(EditLock)
+        QMutexLocker m_group;
+        QMutexLocker m_own;
+        CVideoOverlayElement *m_element;
+    };
+
     mutable QMutex m_mutex {QMutex::Recursive}; ///< guards every field below
 
     /// Set by element kinds that are to be deleted, not only hidden, when their time is over.
@@ -195,6 +212,10 @@ protected:
 
 private:
     friend class CVideoOverlayControl; ///< holds the lock while a backend removes the element
+    friend class CVideoOverlayManager; ///< sets the group's lock, and asks before it destroys
+
+    /// One of the element's own operations is running, and would return into a destroyed object.
+    bool isBusy() const;
 
     std::atomic<double> m_x {0.0}; ///< written without the lock, hence atomic
     std::atomic<double> m_y {0.0};
@@ -217,6 +238,8 @@ private:
     int m_maxLineNumber = 3;
     QPointer<VideoOverlaySettings> m_settings;
     ElementParam m_params;
+    QMutex *m_groupMutex = nullptr; ///< the manager's; null while nobody manages the element
+    int m_runningEdits = 0;         ///< operations of this element on the stack
 };
 
 } // namespace Velmar::VideoOverlay

@@ -105,7 +105,7 @@ QString CVideoOverlayImage::imageSrc() const
 
 void CVideoOverlayImage::setImageSrc(const QString &path)
 {
-    QMutexLocker lock(&m_mutex);
+    const EditLock lock(this);
     if (m_imageSrc == path)
         return;
     m_imageSrc = path;
@@ -139,7 +139,7 @@ double CVideoOverlayImage::scaleFactor() const
 
 void CVideoOverlayImage::setScaleFactor(double factor)
 {
-    QMutexLocker lock(&m_mutex);
+    const EditLock lock(this);
     // NaN is not equal to itself, yet giving it twice is no change.
     if (m_scaleFactor == factor || (std::isnan(m_scaleFactor) && std::isnan(factor)))
         return;
@@ -151,7 +151,7 @@ void CVideoOverlayImage::setScaleFactor(double factor)
 
 void CVideoOverlayImage::setImage(QImage image)
 {
-    QMutexLocker lock(&m_mutex);
+    const EditLock lock(this);
     m_sourceImage = std::move(image);
     m_scaledImage = createScaledImage();
     takeSizeFromScaledImage();

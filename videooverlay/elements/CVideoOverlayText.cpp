@@ -225,7 +225,7 @@ QString CVideoOverlayText::unit()
 
 void CVideoOverlayText::setUnit(const QString &unit)
 {
-    QMutexLocker lock(&m_mutex);
+    const EditLock lock(this);
     if (m_unit == unit)
         return;
     m_unit = unit;
@@ -281,7 +281,7 @@ QString CVideoOverlayText::text() const
 
 void CVideoOverlayText::setText(const QString &text)
 {
-    QMutexLocker lock(&m_mutex);
+    const EditLock lock(this);
     if (m_text == text)
         return;
     m_text = text;
@@ -315,7 +315,7 @@ int CVideoOverlayText::alignment() const
 
 void CVideoOverlayText::setAlignment(const QString &alignment)
 {
-    QMutexLocker lock(&m_mutex);
+    const EditLock lock(this);
     if (alignment == QLatin1String("RIGHT"))
         m_alignment = Qt::AlignRight;
     else if (alignment == QLatin1String("CENTER"))
@@ -327,7 +327,7 @@ void CVideoOverlayText::setAlignment(const QString &alignment)
 
 void CVideoOverlayText::setBackgroundColor(QColor newColor)
 {
-    QMutexLocker lock(&m_mutex);
+    const EditLock lock(this);
     if (m_backgroundColor == newColor)
         return;
     m_backgroundColor = newColor;
@@ -336,7 +336,7 @@ void CVideoOverlayText::setBackgroundColor(QColor newColor)
 
 void CVideoOverlayText::setTextColor(QColor newColor)
 {
-    QMutexLocker lock(&m_mutex);
+    const EditLock lock(this);
     if (m_textColor == newColor)
         return;
     m_textColor = newColor;
@@ -355,7 +355,7 @@ void CVideoOverlayText::onSettingsChanged()
 
 void CVideoOverlayText::updateFontsFromSettings()
 {
-    QMutexLocker lock(&m_mutex);
+    const EditLock lock(this);
     const VideoOverlaySettings *grid = settings();
     if (!grid)
         return;
@@ -366,7 +366,7 @@ void CVideoOverlayText::updateFontsFromSettings()
 
 void CVideoOverlayText::typeset()
 {
-    QMutexLocker lock(&m_mutex);
+    const EditLock lock(this);
     const VideoOverlaySettings *grid = settings();
     const QString blank = QStringLiteral(" ");
     const auto width

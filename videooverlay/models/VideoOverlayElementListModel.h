@@ -69,16 +69,24 @@ public:
     int kx70Col() const;
     void setKx70Col(int column);
 
+    /// Deletes the element of a row; false when there is none, or when its record says "canDelete"
+    /// true. That reading is the inverse of the element's canDelete(), and kept so.
     Q_INVOKABLE bool remove(int index);
+    /// The same whatever the record says. For whoever replaces all elements.
+    bool removeAlways(int index);
+    /// Adds a text in the upper left cell and returns it as QObject *. Give it colours and switch
+    /// it on.
     Q_INVOKABLE QVariant createStaticText(QString text);
+    /// Adds a picture in the upper left cell and returns it as CVideoOverlayImage *.
     Q_INVOKABLE QVariant createImage(QString path);
+    /// Hides what is only shown for a while: elements with a timeout, inspection and free texts.
     Q_INVOKABLE void hideNotPermanentElements();
     Q_INVOKABLE void reset();
     Q_INVOKABLE void beginReset();
     Q_INVOKABLE void endReset();
-    Q_INVOKABLE void showObservationElements();
-    Q_INVOKABLE void showSecInspElements();
-    Q_INVOKABLE void hideStartUpInspElements();
+    Q_INVOKABLE void showObservationElements(); ///< those of table "SECOBS"
+    Q_INVOKABLE void showSecInspElements();     ///< those of every other table
+    Q_INVOKABLE void hideStartUpInspElements(); ///< all inspection texts
 
 Q_SIGNALS:
     void onRemoveAt(int index);        ///< never emitted by the library
@@ -90,6 +98,8 @@ Q_SIGNALS:
     void kx70Changed();
 
 private:
+    template <typename Visit> void forEachElement(Visit visit);
+
     CVideoOverlayManager &m_manager;
     QPointer<CVideoOverlayText> m_freeText;
 };

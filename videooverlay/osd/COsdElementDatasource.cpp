@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "videooverlay/osd/COsdElementDatasource.h"
 
+#include "platform/appstate/AppState.h"
+#include "platform/shared/GlobalLocaleData.h"
+#include "platform/translation/CTranslator.h"
 #include "videooverlay/elements/CVideoOverlayElement.h"
 
 namespace Velmar::VideoOverlay {
@@ -22,5 +25,14 @@ COsdElementDatasource::COsdElementDatasource(CVideoOverlayElement *element, Elem
 }
 
 COsdElementDatasource::~COsdElementDatasource() = default;
+
+void COsdElementDatasource::detach()
+{
+    for (QObject *followed :
+         {static_cast<QObject *>(m_element), static_cast<QObject *>(AppState::instance()),
+          static_cast<QObject *>(Shared::GlobalLocaleData::instance()),
+          static_cast<QObject *>(Translation::CTranslator::instance())})
+        disconnect(followed, nullptr, this, nullptr);
+}
 
 } // namespace Velmar::VideoOverlay

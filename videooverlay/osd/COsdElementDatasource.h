@@ -22,6 +22,9 @@ public:
     COsdElementDatasource(CVideoOverlayElement *element, ElementParam &param);
     ~COsdElementDatasource() override;
 
+    /// Follows nothing any more. For an element that is about to go but cannot be destroyed yet.
+    void detach();
+
 protected:
     ElementParam m_params; ///< as it was given, without the id
     CVideoOverlayElement *m_element;

@@ -43,6 +43,13 @@ COsdTextDatasource::COsdTextDatasource(QSharedPointer<TemplateCaptionResolver> r
 
 COsdTextDatasource::~COsdTextDatasource() = default;
 
+void COsdTextDatasource::detach()
+{
+    COsdElementDatasource::detach();
+    if (m_captionResolver)
+        disconnect(m_captionResolver.data(), nullptr, this, nullptr);
+}
+
 void COsdTextDatasource::setUnitProvider(UnitsProvider *provider)
 {
     m_unitsProvider = QSharedPointer<UnitsProvider>(provider, [](UnitsProvider *) {});

@@ -23,6 +23,8 @@ public:
                        ElementParam &param);
     ~COsdTextDatasource() override;
 
+    void detach(); ///< from the resolver, too
+
     /// What converts the value and names its unit, from now on; not owned, must outlive this
     /// object, may be null: then the value is shown as it is and no unit stands after it.
     void setUnitProvider(UnitsProvider *provider);

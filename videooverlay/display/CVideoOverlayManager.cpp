@@ -1,0 +1,674 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "videooverlay/display/CVideoOverlayManager.h"
+
+#include "platform/shared/QmlStringListModel.h"
+#include "videooverlay/display/CVideoOverlayCapabilities.h"
+#include "videooverlay/display/CVideoOverlayControl.h"
+#include "videooverlay/display/IVideoOverlayElementAccessor.h"
+#include "videooverlay/display/VideoOverlaySettings.h"
+#include "videooverlay/models/VideoOverlayElementListModel.h"
+#include "videooverlay/models/VideoOverlayProfilesModel.h"
+#include "videooverlay/osd/COsdImageDatasource.h"
+#include "videooverlay/osd/COsdTextDatasource.h"
+
+#include <QMutexLocker>
+#include <QSet>
+
+namespace Velmar::VideoOverlay {
+
+namespace {
+
+constexpr int GeneralSettingsId = 0x0FFFFFFF;
+
+/// One counter for the whole library, so that ids are unique across managers and never come again.
+int lastElementId = 0;
+
+/// The colour that @p colorOf gives for every text among @p elements; false when there is none or
+/// more than one. The colour itself is returned, never one made from its name: an invalid colour
+/// has the name of opaque black.
+template <typename ColorOf>
+bool commonColor(const QList<CVideoOverlayElement *> &elements, ColorOf colorOf, QColor &color)
+{
+    QSet<QString> names;
+    QColor found;
+    for (CVideoOverlayElement *element : elements) {
+        if (const auto *text = qobject_cast<CVideoOverlayText *>(element)) {
+            found = colorOf(*text);
+            names.insert(found.name(QColor::HexArgb));
+        }
+    }
+    if (names.size() != 1)
+        return false;
+    color = found;
+    return true;
+}
+
+} // namespace
+
+CVideoOverlayManager::CVideoOverlayManager(CVideoOverlayControl &control,
+                                           CVideoOverlayCapabilities &capabilities)
+    : m_control(control)
+    , m_favoritesModel(std::make_unique<Shared::QmlStringListModel>())
+    , m_settings(std::make_unique<VideoOverlaySettings>(capabilities))
+{
+    qRegisterMetaType<State>("State");
+    // After all members: the model sets the transparency.
+    m_elementListModel = std::make_unique<VideoOverlayElementListModel>(*this);
+    connect(&m_control, &CVideoOverlayControl::controlActiveChanged, this,
+            &CVideoOverlayManager::videoOverlayAvailableChanged);
+    connect(&m_control, &CVideoOverlayControl::videoOverlayEnabledChanged, this,
+            &CVideoOverlayManager::videoOverlayEnabledChanged);
+    connect(m_settings.get(), &VideoOverlaySettings::settingsChanged, this,
+            &CVideoOverlayManager::onSettingsChanged);
+    connect(m_settings.get(), &VideoOverlaySettings::settingsChanged, this,
+            &CVideoOverlayManager::settingsChanged);
+}
+
+CVideoOverlayManager::~CVideoOverlayManager()
+{
+    // Nobody is told: model, accessor and profiles model may be gone already.
+    QMutexLocker lock(&m_mutex);
+    const QList<CVideoOverlayElement *> elements = m_elements;
+    m_elements.clear();
+    for (CVideoOverlayElement *element : elements) {
+        m_control.deleteElement(*element);
+        discard(element);
+    }
+    if (m_watermark) {
+        m_control.deleteElement(*m_watermark);
+        discard(m_watermark);
+        m_watermark = nullptr;
+    }
+}
+
+void CVideoOverlayManager::setProfilesModel(VideoOverlayProfilesModel *model)
+{
+    m_profilesModel = model;
+}
+
+VideoOverlayProfilesModel *CVideoOverlayManager::getProfilesModel() const
+{
+    return m_profilesModel;
+}
+
+VideoOverlayElementListModel *CVideoOverlayManager::getElementListModel() const
+{
+    return m_elementListModel.get();
+}
+
+Shared::QmlStringListModel *CVideoOverlayManager::getFavoritesModel() const
+{
+    return m_favoritesModel.get();
+}
+
+void CVideoOverlayManager::registerElementAccessor(IVideoOverlayElementAccessor *accessor)
+{
+    m_elementAccessor = accessor;
+}
+
+VideoOverlaySettings *CVideoOverlayManager::getSettings() const
+{
+    return m_settings.get();
+}
+
+QMutex *CVideoOverlayManager::mutex()
+{
+    return &m_mutex;
+}
+
+bool CVideoOverlayManager::videoOverlayAvailable() const
+{
+    return m_control.controlActive();
+}
+
+bool CVideoOverlayManager::videoOverlayEnabled() const
+{
+    return m_control.videoOverlayEnabled();
+}
+
+void CVideoOverlayManager::setVideoOverlayEnabled(bool enabled)
+{
+    m_control.setVideoOverlayEnabled(enabled);
+}
+
+Profile *CVideoOverlayManager::currentProfile() const
+{
+    return m_profilesModel ? m_profilesModel->currentProfile() : nullptr;
+}
+
+void CVideoOverlayManager::setCurrentProfile(Profile *profile)
+{
+    if (!m_profilesModel || m_profilesModel->currentProfile() == profile)
+        return;
+    m_profilesModel->setCurrentProfile(profile);
+    Q_EMIT currentProfileChanged();
+}
+
+CVideoOverlayText *CVideoOverlayManager::createText()
+{
+    QMutexLocker lock(&m_mutex);
+    auto *text = new CVideoOverlayText;
+    text->setSettings(m_settings.get());
+    adopt(text);
+    connectText(text);
+    m_control.displayElement(*text);
+    return text;
+}
+
+CVideoOverlayImage *CVideoOverlayManager::createImage()
+{
+    QMutexLocker lock(&m_mutex);
+    auto *image = new CVideoOverlayImage;
+    image->setSettings(m_settings.get());
+    adopt(image);
+    connectImage(image);
+    m_control.displayElement(*image);
+    return image;
+}
+
+CVideoOverlayText *CVideoOverlayManager::createText(ElementParam &param)
+{
+    QMutexLocker lock(&m_mutex);
+    CVideoOverlayText *text = createText();
+    if (m_elementAccessor)
+        m_elementAccessor->registerElement(m_elementAccessor->makeKey(param), text);
+    return text;
+}
+
+CVideoOverlayImage *CVideoOverlayManager::createImage(ElementParam &param)
+{
+    QMutexLocker lock(&m_mutex);
+    CVideoOverlayImage *image = createImage();
+    if (m_elementAccessor)
+        m_elementAccessor->registerElement(m_elementAccessor->makeKey(param), image);
+    return image;
+}
+
+void CVideoOverlayManager::adopt(CVideoOverlayElement *element)
+{
+    element->m_groupMutex = &m_mutex;
+    element->setParent(this);
+    element->setId(++lastElementId);
+    element->setTransparency(m_globalTransparency);
+    m_elements.append(element);
+    adjustElementPosition(element); // in its place when it is first shown
+}
+
+void CVideoOverlayManager::createWatermark(const QString &path)
+{
+    QMutexLocker lock(&m_mutex);
+    if (m_watermark) {
+        m_control.deleteElement(*m_watermark);
+        disconnect(m_watermark, nullptr, this, nullptr);
+        m_watermark->m_groupMutex = nullptr;
+        m_watermark->deleteLater(); // a screen may still show it
+    }
+    m_watermark = new CVideoOverlayImage;
+    m_watermark->m_groupMutex = &m_mutex;
+    m_watermark->setId(++lastElementId);
+    m_watermark->setImageSrc(path);
+    m_watermark->setType(CVideoOverlayElement::Watermark);
+    connectImage(m_watermark);
+    m_control.displayElement(*m_watermark);
+
+    ElementParam param;
+    param.insert(QStringLiteral("type"), int(CVideoOverlayElement::Watermark));
+    param.insert(QStringLiteral("row"), 5);
+    param.insert(QStringLiteral("col"), 15);
+    param.insert(QStringLiteral("imagePath"), path);
+    param.insert(QStringLiteral("enabled"), true);
+    param.insert(QStringLiteral("scale"), 1.0);
+    new COsdImageDatasource(m_watermark, param); // a child of the watermark
+}
+
+void CVideoOverlayManager::showWatermark()
+{
+    if (m_watermark)
+        m_watermark->setVisible(true);
+}
+
+void CVideoOverlayManager::hideWatermark()
+{
+    if (m_watermark)
+        m_watermark->setVisible(false);
+}
+
+void CVideoOverlayManager::connectText(CVideoOverlayText *text)
+{
+    using Element = CVideoOverlayElement;
+    using Text = CVideoOverlayText;
+    using Manager = CVideoOverlayManager;
+    // The base's signals: the text class repeats some of them, and each change must count once.
+    connect(text, &Element::deleteRequest, this, &Manager::onChildDestroyed);
+    connect(text, &Text::textColorChanged, this, &Manager::onTextChanged);
+    connect(text, &Text::textColorChanged, this, &Manager::globalTextColorChanged);
+    connect(text, &Text::backgroundColorChanged, this, &Manager::onTextChanged);
+    connect(text, &Text::backgroundColorChanged, this, &Manager::globalBackgroundColorChanged);
+    connect(text, &Element::columnChanged, this, &Manager::onTextChanged);
+    connect(text, &Element::columnChanged, text, &Text::typeset);
+    connect(text, &Element::rowChanged, this, &Manager::onTextChanged);
+    connect(text, &Text::textChanged, this, &Manager::onTextChanged);
+    connect(text, &Element::visibleChanged, this, &Manager::onTextChanged);
+    connect(this, &Manager::globalTransparencyChanged, text, &Element::setTransparency);
+    connect(text, &Element::transparencyChanged, this, &Manager::onTextChanged);
+    connect(text, &Text::fontChanged, this, &Manager::onTextChanged);
+    connect(text, &Element::heightChanged, this, &Manager::onTextChanged);
+    connect(text, &Element::widthChanged, this, &Manager::onTextChanged);
+    connect(text, &Text::alignmentChanged, this, &Manager::onTextChanged);
+}
+
+void CVideoOverlayManager::connectImage(CVideoOverlayImage *image)
+{
+    using Element = CVideoOverlayElement;
+    using Image = CVideoOverlayImage;
+    using Manager = CVideoOverlayManager;
+    connect(image, &Element::deleteRequest, this, &Manager::onChildDestroyed);
+    connect(image, &Image::imageSrcChanged, this, &Manager::onImageChanged);
+    connect(image, &Element::visibleChanged, this, &Manager::onImageChanged);
+    connect(image, &Image::scaleFactorChanged, this, &Manager::onImageChanged);
+    connect(image, &Element::columnChanged, this, &Manager::onImageChanged);
+    connect(image, &Element::rowChanged, this, &Manager::onImageChanged);
+    connect(image, &Element::widthChanged, this, &Manager::onImageChanged);
+    connect(image, &Element::heightChanged, this, &Manager::onImageChanged);
+}
+
+int CVideoOverlayManager::elementsCount()
+{
+    QMutexLocker lock(&m_mutex);
+    return m_elements.size();
+}
+
+CVideoOverlayElement *CVideoOverlayManager::getElement(int index)
+{
+    QMutexLocker lock(&m_mutex);
+    return m_elements.value(index);
+}
+
+QList<CVideoOverlayElement *> CVideoOverlayManager::getElementList()
+{
+    QMutexLocker lock(&m_mutex);
+    return m_elements;
+}
+
+int CVideoOverlayManager::rowIndexByID(int id)
+{
+    QMutexLocker lock(&m_mutex);
+    for (int row = 0; row < m_elements.size(); ++row) {
+        if (m_elements.at(row)->id() == id)
+            return row;
+    }
+    return -1;
+}
+
+bool CVideoOverlayManager::deleteElement(int index)
+{
+    QMutexLocker lock(&m_mutex);
+    CVideoOverlayElement *element = m_elements.value(index);
+    if (!element)
+        return false;
+    m_control.deleteElement(*element);
+    m_elements.removeAt(index);
+    if (m_elementAccessor)
+        m_elementAccessor->unregisterElement(element);
+    discard(element);
+    return true;
+}
+
+void CVideoOverlayManager::discard(CVideoOverlayElement *element)
+{
+    disconnect(element, nullptr, this, nullptr);
+    disconnect(this, nullptr, element, nullptr);
+    element->m_groupMutex = nullptr;
+    if (!element->isBusy()) {
+        delete element;
+        return;
+    }
+    // It was reached from one of its own signals: nothing may come of it any more until it can go.
+    const auto datasources
+        = element->findChildren<COsdElementDatasource *>(QString(), Qt::FindDirectChildrenOnly);
+    for (COsdElementDatasource *datasource : datasources) {
+        if (auto *text = qobject_cast<COsdTextDatasource *>(datasource))
+            text->detach();
+        else
+            datasource->detach();
+    }
+    element->setParent(nullptr);
+    element->deleteLater();
+}
+
+bool CVideoOverlayManager::deleteElementFromModel(CVideoOverlayElement *element)
+{
+    QMutexLocker lock(&m_mutex);
+    Q_EMIT beforeRemoveElement(element);
+    const int row = m_elements.indexOf(element);
+    return row >= 0 && m_elementListModel->remove(row);
+}
+
+void CVideoOverlayManager::onChildDestroyed(CVideoOverlayElement *obj)
+{
+    deleteElementFromModel(obj);
+}
+
+void CVideoOverlayManager::removeElements()
+{
+    QMutexLocker lock(&m_mutex);
+    Q_EMIT beforeRemoveElements();
+    const QList<CVideoOverlayElement *> elements = m_elements;
+    for (CVideoOverlayElement *element : elements) {
+        if (element->type() == CVideoOverlayElement::Watermark || deleteElementFromModel(element))
+            continue;
+        // What may not be deleted by hand goes all the same: all belong to the old profile.
+        m_elementListModel->removeAlways(m_elements.indexOf(element));
+    }
+}
+
+void CVideoOverlayManager::adjustElementPosition(CVideoOverlayElement *element)
+{
+    if (!element)
+        return;
+    element->setPosition(m_settings->leftMargin() + element->column() * colWidth(),
+                         m_settings->topMargin() + element->row() * rowHeight());
+}
+
+double CVideoOverlayManager::colWidth() const
+{
+    return m_settings->colWidth();
+}
+
+double CVideoOverlayManager::rowHeight() const
+{
+    return m_settings->rowHeight();
+}
+
+void CVideoOverlayManager::onTextChanged()
+{
+    onElementChanged(qobject_cast<CVideoOverlayElement *>(sender()));
+}
+
+void CVideoOverlayManager::onImageChanged()
+{
+    onElementChanged(qobject_cast<CVideoOverlayElement *>(sender()));
+}
+
+void CVideoOverlayManager::onElementChanged(CVideoOverlayElement *element)
+{
+    if (!element)
+        return;
+    QMutexLocker lock(&m_mutex);
+    adjustElementPosition(element);
+    const int row = rowIndexByID(element->id());
+    if (row >= 0) { // the watermark has no row
+        const QModelIndex index = m_elementListModel->index(row);
+        Q_EMIT m_elementListModel->dataChanged(index, index);
+    }
+    m_control.displayElement(*element);
+}
+
+void CVideoOverlayManager::onSettingsChanged()
+{
+    QMutexLocker lock(&m_mutex);
+    m_control.setPaintMargins(m_settings->marginRect());
+    const QList<CVideoOverlayElement *> elements = m_elements;
+    for (CVideoOverlayElement *element : elements) {
+        adjustElementPosition(element);
+        m_control.displayElement(*element);
+    }
+}
+
+int CVideoOverlayManager::getGlobalTransparency()
+{
+    QMutexLocker lock(&m_mutex);
+    return m_globalTransparency;
+}
+
+void CVideoOverlayManager::setGlobalTransparency(int transparency)
+{
+    QMutexLocker lock(&m_mutex);
+    if (m_globalTransparency == transparency)
+        return;
+    m_globalTransparency = transparency;
+    Q_EMIT globalTransparencyChanged(transparency);
+}
+
+QColor CVideoOverlayManager::getTextColor()
+{
+    QMutexLocker lock(&m_mutex);
+    QColor color;
+    textsHaveSameColors(color);
+    return color;
+}
+
+void CVideoOverlayManager::setTextColor(QColor color)
+{
+    QMutexLocker lock(&m_mutex);
+    const QList<CVideoOverlayElement *> elements = m_elements;
+    for (CVideoOverlayElement *element : elements) {
+        if (auto *text = qobject_cast<CVideoOverlayText *>(element))
+            text->setTextColor(color);
+    }
+    Q_EMIT globalTextColorChanged(color);
+}
+
+QColor CVideoOverlayManager::getBackgroundColor()
+{
+    QMutexLocker lock(&m_mutex);
+    QColor color;
+    backgroundsHaveSameColors(color);
+    return color;
+}
+
+void CVideoOverlayManager::setBackgroundColor(QColor color)
+{
+    QMutexLocker lock(&m_mutex);
+    const QList<CVideoOverlayElement *> elements = m_elements;
+    for (CVideoOverlayElement *element : elements) {
+        if (auto *text = qobject_cast<CVideoOverlayText *>(element))
+            text->setBackgroundColor(color);
+    }
+    Q_EMIT globalBackgroundColorChanged(color);
+}
+
+bool CVideoOverlayManager::textsHaveSameColors(QColor &color)
+{
+    QMutexLocker lock(&m_mutex);
+    return commonColor(
+        m_elements, [](const CVideoOverlayText &text) { return text.textColor(); }, color);
+}
+
+bool CVideoOverlayManager::backgroundsHaveSameColors(QColor &color)
+{
+    QMutexLocker lock(&m_mutex);
+    return commonColor(
+        m_elements, [](const CVideoOverlayText &text) { return text.backgroundColor(); }, color);
+}
+
+bool CVideoOverlayManager::analogVideo() const
+{
+    return m_analogVideo;
+}
+
+void CVideoOverlayManager::setAnalogVideo(bool analog)
+{
+    if (m_analogVideo == analog)
+        return;
+    m_analogVideo = analog;
+    Q_EMIT analogVideoChanged(analog);
+}
+
+bool CVideoOverlayManager::kx70iiState()
+{
+    QMutexLocker lock(&m_mutex);
+    return m_kx70iiState;
+}
+
+void CVideoOverlayManager::setKx70iiState(bool on)
+{
+    QMutexLocker lock(&m_mutex);
+    setKx70(m_kx70iiState, on);
+}
+
+int CVideoOverlayManager::kx70iiCol() const
+{
+    return m_kx70iiCol;
+}
+
+void CVideoOverlayManager::setKx70iiCol(int column)
+{
+    setKx70(m_kx70iiCol, column);
+}
+
+int CVideoOverlayManager::kx70iiRow() const
+{
+    return m_kx70iiRow;
+}
+
+void CVideoOverlayManager::setKx70iiRow(int row)
+{
+    setKx70(m_kx70iiRow, row);
+}
+
+QString CVideoOverlayManager::kx70iiUnits() const
+{
+    return m_kx70iiUnits;
+}
+
+void CVideoOverlayManager::setKx70iiUnits(const QString &units)
+{
+    setKx70(m_kx70iiUnits, units);
+}
+
+template <typename Value> void CVideoOverlayManager::setKx70(Value &stored, const Value &value)
+{
+    if (stored == value)
+        return;
+    stored = value;
+    if (m_emitKx70Changes)
+        Q_EMIT kx70iiChanged();
+}
+
+void CVideoOverlayManager::setFavorites(QStringList &favorites, int maxLineNumber)
+{
+    m_favoritesModel->setStringList(favorites);
+    m_favoritesModel->setMaxLineNumber(maxLineNumber);
+}
+
+void CVideoOverlayManager::temporaryHideInspTexts(bool hide)
+{
+    QMutexLocker lock(&m_mutex);
+    const QList<CVideoOverlayElement *> elements = m_elements;
+    for (CVideoOverlayElement *element : elements) {
+        if (element->type() == CVideoOverlayElement::InspStaticText)
+            element->setTemporaryHide(hide);
+    }
+}
+
+void CVideoOverlayManager::onRecordingStateChanged(State state)
+{
+    if (state == State::Recording)
+        Q_EMIT videoRecording();
+    else
+        Q_EMIT videoNotRecording();
+}
+
+void CVideoOverlayManager::setGeneralSettings(const ElementParam &param)
+{
+    m_generalSettings = param;
+    m_emitKx70Changes = 0;
+    const auto apply = [&param](const QString &key, const auto &set) {
+        const auto it = param.constFind(key);
+        if (it != param.cend())
+            set(*it);
+    };
+    apply(QStringLiteral("globalTransparency"),
+          [this](const QVariant &value) { setGlobalTransparency(value.toInt()); });
+    apply(QStringLiteral("analogVideo"),
+          [this](const QVariant &value) { setAnalogVideo(value.toBool()); });
+    apply(QStringLiteral("kx70ii_col"),
+          [this](const QVariant &value) { setKx70iiCol(value.toInt()); });
+    apply(QStringLiteral("kx70ii_row"),
+          [this](const QVariant &value) { setKx70iiRow(value.toInt()); });
+    apply(QStringLiteral("kx70ii_units"),
+          [this](const QVariant &value) { setKx70iiUnits(value.toString()); });
+    apply(QStringLiteral("kx70ii_state"),
+          [this](const QVariant &value) { setKx70iiState(value.toBool()); });
+    m_emitKx70Changes = 1;
+    Q_EMIT kx70iiChanged();
+}
+
+ElementParam CVideoOverlayManager::generalSettingsGetAllProperties()
+{
+    ElementParam all = m_generalSettings;
+    all.insert(QStringLiteral("globalTransparency"), getGlobalTransparency());
+    all.insert(QStringLiteral("analogVideo"), analogVideo());
+    all.insert(QStringLiteral("kx70ii_state"), kx70iiState());
+    all.insert(QStringLiteral("kx70ii_col"), kx70iiCol());
+    all.insert(QStringLiteral("kx70ii_row"), kx70iiRow());
+    all.insert(QStringLiteral("kx70ii_units"), kx70iiUnits());
+    return all;
+}
+
+QList<ElementParam> CVideoOverlayManager::getAllPropertiesWithChanges()
+{
+    QList<ElementParam> all;
+    const QList<CVideoOverlayElement *> elements = getElementList();
+    for (CVideoOverlayElement *element : elements) {
+        ElementParam param = element->getAllProperties();
+        if (element->type() == CVideoOverlayElement::FreeText)
+            param.insert(QStringLiteral("favorites"), m_favoritesModel->stringList());
+        all.append(param);
+    }
+    all.append(generalSettingsGetAllProperties());
+    return all;
+}
+
+QList<ElementParam> CVideoOverlayManager::getPropertiesWithChanges()
+{
+    QList<ElementParam> all;
+    const QList<CVideoOverlayElement *> elements = getElementList();
+    for (CVideoOverlayElement *element : elements) {
+        ElementParam changed = element->getChangedProperties();
+        if (element->type() == CVideoOverlayElement::FreeText) {
+            const QString key = QStringLiteral("favorites");
+            const QStringList favorites = m_favoritesModel->stringList();
+            if (element->getAllProperties().value(key).toStringList() != favorites) {
+                changed.insert(key, favorites);
+                // Once reported, the favourites count as saved.
+                element->getParamObjectRef().insert(key, favorites);
+            }
+        }
+        if (!changed.isEmpty())
+            all.append(changed);
+    }
+    const ElementParam general = generalSettingsGetChanges();
+    if (!general.isEmpty())
+        all.append(general);
+    return all;
+}
+
+ElementParam CVideoOverlayManager::generalSettingsGetChanges()
+{
+    const ElementParam live = generalSettingsGetAllProperties();
+    ElementParam changed;
+    for (const QString &key : {QStringLiteral("globalTransparency"), QStringLiteral("analogVideo"),
+                               QStringLiteral("kx70ii_state"), QStringLiteral("kx70ii_col"),
+                               QStringLiteral("kx70ii_row"), QStringLiteral("kx70ii_units")}) {
+        if (m_generalSettings.value(key) != live.value(key))
+            changed.insert(key, live.value(key));
+    }
+    if (changed.isEmpty())
+        return changed;
+    changed.insert(QStringLiteral("id"),
+                   m_generalSettings.value(QStringLiteral("id"), GeneralSettingsId));
+    changed.insert(QStringLiteral("general"), true);
+    return changed;
+}
+
+void CVideoOverlayManager::resetChanges()
+{
+    QMutexLocker lock(&m_mutex);
+    for (CVideoOverlayElement *element : qAsConst(m_elements))
+        element->applyChangesToOrigParams();
+    m_generalSettings = generalSettingsGetAllProperties();
+}
+
+} // namespace Velmar::VideoOverlay

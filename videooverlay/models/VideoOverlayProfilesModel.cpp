@@ -1,0 +1,425 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "videooverlay/models/VideoOverlayProfilesModel.h"
+
+#include "platform/directories/CApplicationDirectories.h"
+#include "videooverlay/Log_p.h"
+#include "videooverlay/display/CVideoOverlayManager.h"
+#include "videooverlay/elements/CVideoOverlayElement.h"
+#include "videooverlay/profiles/COsdSettings.h"
+#include "videooverlay/profiles/ProfilesManager.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QMutexLocker>
+#include <QQmlEngine>
+
+#include <algorithm>
+#include <utility>
+
+namespace Velmar::VideoOverlay {
+
+namespace {
+
+const QString idKey = QStringLiteral("id");
+const QString typeKey = QStringLiteral("type");
+const QString textKey = QStringLiteral("text");
+const QString imagePathKey = QStringLiteral("imagePath");
+
+QString defaultProfileName()
+{
+    return QStringLiteral("Halvo push camera system - default");
+}
+
+/// Whoever shows the display role as text shows what people call the profile.
+void registerCaptions()
+{
+    if (!QMetaType::hasRegisteredConverterFunction<Profile *, QString>())
+        QMetaType::registerConverter<Profile *, QString>(
+            [](const Profile *profile) { return profile ? profile->caption() : QString(); });
+}
+
+/// Not QHash::unite, which would keep both values of a key.
+ElementParam united(ElementParam base, const ElementParam &above)
+{
+    for (auto it = above.cbegin(); it != above.cend(); ++it)
+        base.insert(it.key(), it.value());
+    return base;
+}
+
+bool isGeneral(const ElementParam &record)
+{
+    return record.value(QStringLiteral("general")).toBool();
+}
+
+/// A change of the text alone, whichever element it is from.
+bool isTextOnly(const ElementParam &changes)
+{
+    return changes.contains(textKey) && changes.size() == (changes.contains(idKey) ? 2 : 1);
+}
+
+/// A screen snip or a picture that could not be copied has no source of its own; what the profile
+/// or the element's record says must not be lost for that.
+void keepImagePath(ElementParam &record, const ElementParam &profileRecord,
+                   const ElementParam &elementRecord)
+{
+    for (const ElementParam *earlier : {&profileRecord, &elementRecord}) {
+        const QString path = earlier->value(imagePathKey).toString();
+        if (record.value(imagePathKey).toString().isEmpty() && !path.isEmpty())
+            record.insert(imagePathKey, path);
+    }
+}
+
+/// The records that a profile is to hold, made from what the manager reports.
+class SavedRecords
+{
+public:
+    explicit SavedRecords(Profile &profile)
+        : m_profile(profile)
+    {
+        for (const ElementParam &record : qAsConst(profile).elements()) {
+            if (!isGeneral(record) && record.value(idKey).toString().isEmpty())
+                m_neverShown.append(record);
+        }
+    }
+
+    void addElement(const CVideoOverlayElement &element, const ElementParam &reported)
+    {
+        const ElementParam *known
+            = m_profile.findParamByKeyValue(idKey, QString::number(element.id()));
+        if (!reported.contains(typeKey)) {
+            addStandIn(element, known);
+            return;
+        }
+        const ElementParam own = known ? *known : ElementParam();
+        ElementParam record = united(own, reported);
+        if (record.value(typeKey).toInt() == CVideoOverlayElement::Watermark)
+            return;
+        record.insert(idKey, element.id());
+        keepImagePath(record, own, element.getParamObject());
+        m_records.append(record);
+    }
+
+    void addGeneralSettings(const ElementParam &reported)
+    {
+        m_records.append(reported.contains(typeKey)
+                             ? reported
+                             : united(ElementParam::createGeneralSettingsDefault(), reported));
+    }
+
+    QList<ElementParam> take() { return std::exchange(m_records, {}); }
+
+private:
+    /// For an element that never got a datasource and so does not know what it is. Nothing but the
+    /// order tells which record it was made from, unless that has an id.
+    void addStandIn(const CVideoOverlayElement &element, const ElementParam *known)
+    {
+        if (!known && m_neverShown.isEmpty())
+            return; // not from the profile: there is nothing to save
+        ElementParam record = known ? *known : m_neverShown.takeFirst();
+        record.insert(idKey, element.id());
+        m_records.append(record);
+    }
+
+    Profile &m_profile;
+    QList<ElementParam> m_neverShown; ///< in file order
+    QList<ElementParam> m_records;
+};
+
+} // namespace
+
+VideoOverlayProfilesModel::VideoOverlayProfilesModel(CVideoOverlayManager &manager)
+    : m_manager(manager)
+    , m_profiles(std::make_unique<ProfilesManager>())
+{
+    registerCaptions();
+    for (Profile *profile : m_profiles->getProfiles())
+        connect(profile, &Profile::captionChanged, this, [this, profile] { onRenamed(profile); });
+    connect(m_profiles.get(), &ProfilesManager::profileAboutToBeAdded, this,
+            &VideoOverlayProfilesModel::beginAdding);
+    connect(m_profiles.get(), &ProfilesManager::profileAdded, this,
+            &VideoOverlayProfilesModel::endAdding);
+    connect(this, &VideoOverlayProfilesModel::profileLoaded, this,
+            &VideoOverlayProfilesModel::rememberDifferences);
+}
+
+VideoOverlayProfilesModel::~VideoOverlayProfilesModel() = default;
+
+int VideoOverlayProfilesModel::rowCount(const QModelIndex &parent) const
+{
+    return parent.isValid() ? 0 : m_profiles->getProfiles().size();
+}
+
+QVariant VideoOverlayProfilesModel::data(const QModelIndex &index, int role) const
+{
+    if (!index.isValid() || !checkIndex(index, CheckIndexOption::ParentIsInvalid))
+        return {};
+    switch (role) {
+    case Qt::DisplayRole:
+        return QVariant::fromValue(profileAt(index.row()));
+    case IndexRole:
+        return index.row();
+    default:
+        return {};
+    }
+}
+
+QHash<int, QByteArray> VideoOverlayProfilesModel::roleNames() const
+{
+    QHash<int, QByteArray> names = QAbstractListModel::roleNames();
+    names.insert(IndexRole, QByteArrayLiteral("index"));
+    return names;
+}
+
+int VideoOverlayProfilesModel::clone(int index)
+{
+    return clone(profileAt(index), QString()) ? rowCount() - 1 : -1;
+}
+
+Profile *VideoOverlayProfilesModel::clone(Profile *profile, QString name)
+{
+    return m_profiles->clone(profile, name);
+}
+
+bool VideoOverlayProfilesModel::remove(int index)
+{
+    Profile *profile = profileAt(index);
+    if (!profile) {
+        log(LogLevel::Error,
+            QStringLiteral("Fail to remove profile by index ") + QString::number(index));
+        return false;
+    }
+    if (profile->readOnly())
+        return true;
+    beginRemoveRows(QModelIndex(), index, index);
+    if (m_currentProfile == profile)
+        m_currentProfile = nullptr; // nobody may ask for it while it goes
+    m_profiles->remove(profile);
+    endRemoveRows();
+
+    if (rowCount() > 0) {
+        setCurrentProfileByIndex(std::min(index, rowCount() - 1));
+    } else {
+        m_currentProfile = nullptr;
+        announceCurrentProfile();
+    }
+    return true;
+}
+
+bool VideoOverlayProfilesModel::setCurrentProfileByIndex(int index)
+{
+    if (Profile *profile = profileAt(index))
+        return setCurrentProfile(profile);
+    log(LogLevel::Error, QStringLiteral("Fail to set profile by index ") + QString::number(index));
+    return false;
+}
+
+bool VideoOverlayProfilesModel::setCurrentProfile(Profile *profile)
+{
+    if (profile == m_currentProfile)
+        return true;
+    if (!profile) {
+        log(LogLevel::Error, QStringLiteral("Fail to set profile: there is none"));
+        return false;
+    }
+    log(LogLevel::Info, QStringLiteral("Switch current profile to: ") + profile->name());
+    m_currentProfile = profile;
+    const QPointer<Profile> selected(profile);
+    announceCurrentProfile();
+    // Handlers may have selected another profile, which is stored by then, or removed this one.
+    if (selected && selected == m_currentProfile)
+        COsdSettings::setDefaultProfile(selected->path());
+    return true;
+}
+
+Profile *VideoOverlayProfilesModel::currentProfile() const
+{
+    if (!m_currentProfile)
+        log(LogLevel::Error, QStringLiteral("Cannot find current profile"));
+    return m_currentProfile;
+}
+
+void VideoOverlayProfilesModel::saveCurrentProfile(QString name)
+{
+    if (!m_currentProfile) {
+        log(LogLevel::Error, QStringLiteral("Cannot save current profile. Profile not set"));
+        return;
+    }
+    Profile *target = m_currentProfile;
+    if (target->readOnly()) {
+        log(LogLevel::Info, QStringLiteral("Saving default profile with new name: ") + name);
+        target = clone(target, name);
+    } else {
+        log(LogLevel::Info, QStringLiteral("Saving profile: ") + target->name());
+    }
+    if (!target || !saveInto(*target))
+        return;
+    m_manager.resetChanges();
+    rememberDifferences();
+}
+
+void VideoOverlayProfilesModel::revertCurrentProfile()
+{
+    const Profile *profile = currentProfile();
+    if (!profile)
+        return;
+    log(LogLevel::Debug, QStringLiteral("Reverting current profile: ") + profile->name());
+    announceCurrentProfile();
+}
+
+Profile *VideoOverlayProfilesModel::applyChanges(Profile *profile)
+{
+    if (!profile)
+        return nullptr;
+    const QMutexLocker lock(m_manager.mutex());
+    const QList<CVideoOverlayElement *> elements = m_manager.getElementList();
+    const QList<ElementParam> reported = m_manager.getAllPropertiesWithChanges();
+    SavedRecords records(*profile);
+    for (int row = 0; row < elements.size(); ++row)
+        records.addElement(*elements.at(row), reported.at(row));
+    records.addGeneralSettings(reported.last());
+    profile->elements() = records.take();
+    return profile;
+}
+
+bool VideoOverlayProfilesModel::isCurrentProfileChanged()
+{
+    if (!m_currentProfile) {
+        log(LogLevel::Error, QStringLiteral("Current profile is null"));
+        return false;
+    }
+    const QMutexLocker lock(m_manager.mutex());
+    const QList<CVideoOverlayElement *> elements = m_manager.getElementList();
+    // A text that differs is no edit where it is typed anew for each use.
+    const auto typedTexts = std::count_if(
+        elements.cbegin(), elements.cend(), [](const CVideoOverlayElement *element) {
+            return element->type() == CVideoOverlayElement::FreeText
+                && isTextOnly(element->getChangedProperties());
+        });
+    const QList<ElementParam> changeSets = m_manager.getPropertiesWithChanges();
+    for (const ElementParam &changes : changeSets) {
+        if (!changes.contains(idKey))
+            log(LogLevel::Error, QStringLiteral("Profile changeset doesn't have id key"));
+    }
+    const auto textsOnly = std::count_if(changeSets.cbegin(), changeSets.cend(), isTextOnly);
+    return textsOnly < changeSets.size() || textsOnly > typedTexts
+        || handMadeDifferences() != m_knownDifferences;
+}
+
+int VideoOverlayProfilesModel::currentProfileIndex() const
+{
+    return m_currentProfile ? m_profiles->getProfiles().indexOf(m_currentProfile) : -1;
+}
+
+QString VideoOverlayProfilesModel::getDefaultProfilePath()
+{
+    const QString path = COsdSettings::getDefaultProfile();
+    if (path.isEmpty())
+        log(LogLevel::Error,
+            QStringLiteral("Cannot read OSD default profile path form OsdSettings.xml"));
+    else
+        log(LogLevel::Info, QStringLiteral("OSD profile selected to load: ") + path);
+    return path;
+}
+
+void VideoOverlayProfilesModel::setProfileByName(const QString &name)
+{
+    Profile *profile = m_profiles->findProfileByName(name);
+    if (!profile) {
+        log(LogLevel::Info,
+            QStringLiteral("Profile ") + name + QStringLiteral(" not found. Reverting to default"));
+        profile = m_profiles->findProfileByName(defaultProfileName());
+    }
+    if (profile)
+        setCurrentProfile(profile);
+    else
+        log(LogLevel::Error,
+            QStringLiteral("Profile ") + defaultProfileName() + QStringLiteral(" not found."));
+}
+
+void VideoOverlayProfilesModel::selectStartupProfile()
+{
+    const QString stored = getDefaultProfilePath();
+    if (stored.isEmpty()) {
+        // Not by an empty name: every profile that was saved has that.
+        setProfileByName(defaultProfileName());
+        return;
+    }
+    const QDir directory(CApplicationDirectories::readonlyConfigDirectory());
+    const QString path = QDir::cleanPath(directory.absoluteFilePath(stored));
+    if (Profile *profile = m_profiles->findProfileByPath(path))
+        setCurrentProfile(profile);
+    else
+        setProfileByName(QFileInfo(path).completeBaseName());
+}
+
+void VideoOverlayProfilesModel::forwardProfileLoaded() { }
+
+Profile *VideoOverlayProfilesModel::profileAt(int row) const
+{
+    return m_profiles->getProfiles().value(row);
+}
+
+void VideoOverlayProfilesModel::announceCurrentProfile()
+{
+    Q_EMIT currentProfileChanged(m_currentProfile);
+    rememberDifferences();
+}
+
+void VideoOverlayProfilesModel::onRenamed(Profile *profile)
+{
+    const QModelIndex changed = index(m_profiles->getProfiles().indexOf(profile));
+    if (changed.isValid())
+        Q_EMIT dataChanged(changed, changed);
+    if (profile == m_currentProfile)
+        COsdSettings::setDefaultProfile(profile->path());
+}
+
+void VideoOverlayProfilesModel::beginAdding()
+{
+    beginInsertRows(QModelIndex(), rowCount(), rowCount());
+}
+
+void VideoOverlayProfilesModel::endAdding()
+{
+    Profile *profile = m_profiles->getProfiles().last();
+    connect(profile, &Profile::captionChanged, this, [this, profile] { onRenamed(profile); });
+    endInsertRows();
+}
+
+/// False when saving failed; the profile is then as it was.
+bool VideoOverlayProfilesModel::saveInto(Profile &profile)
+{
+    const QList<ElementParam> before = profile.elements();
+    applyChanges(&profile);
+    if (m_profiles->saveProfile(&profile))
+        return true;
+    profile.elements() = before;
+    return false;
+}
+
+/// The ids of live elements without a record in the current profile, and of records whose element
+/// is gone. Elements that follow the catalog come and go with their records.
+QSet<int> VideoOverlayProfilesModel::handMadeDifferences() const
+{
+    QSet<int> ids;
+    const QList<CVideoOverlayElement *> elements = m_manager.getElementList();
+    for (const CVideoOverlayElement *element : elements)
+        ids.insert(element->id());
+    if (!m_currentProfile)
+        return ids;
+    for (const ElementParam &record : qAsConst(*m_currentProfile).elements()) {
+        const QVariant id = record.value(idKey);
+        if (!id.isValid() || isGeneral(record))
+            continue;
+        if (!ids.remove(id.toInt()))
+            ids.insert(id.toInt());
+    }
+    return ids;
+}
+
+void VideoOverlayProfilesModel::rememberDifferences()
+{
+    m_knownDifferences = handMadeDifferences();
+}
+
+} // namespace Velmar::VideoOverlay
