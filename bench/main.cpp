@@ -52,6 +52,7 @@ public:
             std::printf("| %s | %.1f | %.1f | %.1f |\n", alpha == 255 ? "opaque" : "translucent",
                         element, painter, element / painter);
         }
+        printLoading();
         std::printf(
             "\nTwelve boxed texts burned into I420 frames, us of CPU time added per frame:\n\n"
             "| frame | changing | this overlay | textoverlay x 12 | drawtext x 12 | times "
@@ -72,6 +73,28 @@ public:
     }
 
 private:
+    /// What one record costs, beside the smallest profile: a ratio that grows with the number of
+    /// records says that loading does not grow linearly.
+    void printLoading() const
+    {
+        std::printf("\nLoading a profile, us of CPU time per record, and times that of 100 "
+                    "records:\n\n| records | file | overlay |\n|---|---|---|\n");
+        for (const int records : {100, 1000, 10000}) {
+            const double file = perRecord("load/file/", records);
+            const double overlay = perRecord("load/overlay/", records);
+            if (std::isnan(file + overlay))
+                continue;
+            std::printf("| %d | %.1f (%.1f) | %.1f (%.1f) |\n", records, file,
+                        file / perRecord("load/file/", 100), overlay,
+                        overlay / perRecord("load/overlay/", 100));
+        }
+    }
+
+    double perRecord(const std::string &name, int records) const
+    {
+        return median(name + "records:" + std::to_string(records)) / records;
+    }
+
     /// NaN where it was not measured; such rows are left out of the tables.
     double median(const std::string &name) const
     {

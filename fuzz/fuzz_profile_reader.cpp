@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // Whatever bytes a profile file holds: reading ends, and what was read can be written and read
 // again with the same number of records.
+#include "host/platform/LogRouter.h"
 #include "videooverlay/profiles/ProfileXmlReader.h"
 #include "videooverlay/profiles/ProfileXmlWriter.h"
 
@@ -10,6 +11,7 @@
 
 #include <cstdint>
 #include <cstdlib>
+#include <memory>
 
 using namespace Velmar::VideoOverlay;
 
@@ -24,6 +26,13 @@ QString scratch(const char *name)
     return directory.filePath(QLatin1String(name));
 }
 
+/// Most inputs are refused, each with a line that nobody reads.
+class SilentLogSink : public Velmar::Logging::LogSink
+{
+public:
+    void write(const Velmar::Logging::LogEntry & /*entry*/) override { }
+};
+
 void require(bool condition)
 {
     if (!condition)
@@ -31,6 +40,12 @@ void require(bool condition)
 }
 
 } // namespace
+
+extern "C" int LLVMFuzzerInitialize(int * /*argc*/, char *** /*argv*/)
+{
+    Velmar::Logging::LogRouter::instance().addSink(std::make_shared<SilentLogSink>());
+    return 0;
+}
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
 {

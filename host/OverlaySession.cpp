@@ -1,13 +1,19 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/OverlaySession.h"
 
+#include "host/DemoLayout.h"
 #include "host/display/GridFit.h"
+#include "host/feed/SystemValues.h"
+#include "host/platform/CatalogStore.h"
 
+#include <videooverlay/display/CVideoOverlayManager.h>
 #include <videooverlay/elements/CVideoOverlayImage.h>
 #include <videooverlay/elements/CVideoOverlayText.h>
+#include <videooverlay/elements/ElementParam.h>
+#include <videooverlay/models/VideoOverlayElementListModel.h>
+#include <videooverlay/osd/COsdStaticTextDatasource.h>
 
-#include <QColor>
-#include <QRectF>
+#include <QImageReader>
 
 #include <algorithm>
 #include <cmath>
@@ -15,76 +21,24 @@
 
 namespace Velmar::Host {
 
-using VideoOverlay::CVideoOverlayElement;
-using VideoOverlay::CVideoOverlayImage;
-using VideoOverlay::CVideoOverlayText;
-using VideoOverlay::VideoOverlaySettings;
+using namespace VideoOverlay;
 
 namespace {
 
-const QLatin1String videoTimeName("VIDEO_TIME_COUNTER");
+constexpr int GridColumns = 54;
+constexpr int WatermarkRow = 24;
+constexpr int WatermarkRows = 2;
+constexpr qint64 MsPerSecond = 1000;
 
-/// How a value of the run is written. The width keeps the box from jumping while digits come and
-/// go, and makes the boxes of a column end at the same cell.
-struct ValueFormat
+CVideoOverlayElement::Type typeOf(const ElementParam &record)
 {
-    const char *name;
-    const char *caption;
-    const char *unit; ///< UTF-8
-    int decimals;
-    int width; ///< [characters] of the whole text
-};
-
-constexpr ValueFormat formats[] = {
-    {"SECTION_DISTANCE_COUNTER", "Distance", " m", 2, 19},
-    {"SPEED", "Speed", " m/min", 1, 19},
-    {"VIDEO_TIME_COUNTER", "Video", "", 0, 16},
-    {"TOTAL_DISTANCE_COUNTER", "Total", " m", 2, 16},
-    {"CAMERA_PAN", "Pan", "\u00B0", 0, 18},
-    {"CAMERA_TILT", "Tilt", "\u00B0", 0, 18},
-    {"CAMERA_PRESSURE", "Camera", " mbar", 0, 18},
-    {"CAMERA_TEMPERATURE", "Camera", " \u00B0C", 1, 18},
-    {"CRAWLER_PITCH", "Pitch", "\u00B0", 1, 19},
-    {"CRAWLER_ROLL", "Roll", "\u00B0", 1, 19},
-    {"CRAWLER_PRESSURE", "Crawler", " mbar", 0, 19},
-    {"CRAWLER_TEMPERATURE", "Crawler", " \u00B0C", 1, 19},
-    {"OBJECT_TEMPERATURE", "Wall", " \u00B0C", 1, 18},
-};
-
-const ValueFormat *formatOf(const QString &name)
-{
-    for (const ValueFormat &format : formats) {
-        if (name == QLatin1String(format.name))
-            return &format;
-    }
-    return nullptr;
+    return record.value(QStringLiteral("type")).value<CVideoOverlayElement::Type>();
 }
 
-QString decimal(double value, int decimals)
+/// Asked beforehand, so that what is no picture leaves nothing behind.
+bool isPicture(const QString &path)
 {
-    const QString text = QString::number(value, 'f', decimals);
-    // A value that rounds to nothing has no sign worth showing.
-    return text.toDouble() == 0.0 ? QString::number(0.0, 'f', decimals) : text;
-}
-
-/// Hours, minutes and seconds; the hours go on counting beyond a day.
-QString elapsedText(qint64 timeMs)
-{
-    const qint64 seconds = timeMs / 1000;
-    const auto two
-        = [](qint64 number) { return QString::number(number).rightJustified(2, QLatin1Char('0')); };
-    return QStringLiteral("%1:%2:%3")
-        .arg(two(seconds / 3600), two(seconds / 60 % 60), two(seconds % 60));
-}
-
-QString valueText(const ValueFormat &format, const QVariant &value)
-{
-    const QString caption = QString::fromLatin1(format.caption) + QStringLiteral(": ");
-    const QString number = value.type() == QVariant::Double
-        ? decimal(value.toDouble(), format.decimals)
-        : value.toString();
-    const QString body = number + QString::fromUtf8(format.unit);
-    return caption + body.rightJustified(format.width - caption.size());
+    return QImageReader(path).canRead();
 }
 
 } // namespace
@@ -92,18 +46,25 @@ QString valueText(const ValueFormat &format, const QVariant &value)
 OverlaySession::OverlaySession(QSize imageSize, QObject *parent)
     : QObject(parent)
     , m_scene(std::make_shared<OverlayScene>(imageSize))
+    , m_systemValues(CATManagement::CatalogStore::instance())
 {
     m_capabilities.setBackend(&m_scene->capabilities());
     m_control.setBackend(m_scene.get());
-    m_settings = std::make_unique<VideoOverlaySettings>(m_capabilities);
-    fitGrid(*m_settings);
+    m_manager = std::make_unique<CVideoOverlayManager>(m_control, m_capabilities);
+    m_manager->registerElementAccessor(&m_feed);
+    fitGrid(*m_manager->getSettings()); // before there are elements to be laid out anew
     m_scene->start();
-    m_control.setPaintMargins(m_settings->marginRect());
+    m_manager->onSettingsChanged(); // the display took no margins before it was up
+    // The demonstration's boxes bring their own alpha; the library's 44 would wash them out.
+    ElementParam general = ElementParam::createGeneralSettingsDefault();
+    general.insert(QStringLiteral("globalTransparency"), 0);
+    m_manager->setGeneralSettings(general);
 }
 
 OverlaySession::~OverlaySession()
 {
-    // A view may still hold the scene; the elements leave it one by one as they are destroyed.
+    m_manager.reset();
+    // A view may still hold the scene; the elements have left it.
     m_control.setBackend(nullptr);
     m_capabilities.setBackend(nullptr);
 }
@@ -115,55 +76,79 @@ std::shared_ptr<OverlayScene> OverlaySession::scene() const
 
 const VideoOverlaySettings &OverlaySession::settings() const
 {
-    return *m_settings;
+    return *m_manager->getSettings();
+}
+
+CVideoOverlayManager &OverlaySession::manager() const
+{
+    return *m_manager;
+}
+
+ValueFeed &OverlaySession::feed()
+{
+    return m_feed;
+}
+
+ScreenSnipDatasourceFactory &OverlaySession::screenSnips()
+{
+    return m_screenSnips;
+}
+
+void OverlaySession::load(const QList<ElementParam> &records)
+{
+    m_manager->removeElements();
+    for (const ElementParam &record : records)
+        create(record);
+    m_manager->getElementListModel()->reset();
+    m_feed.replay();
+    m_manager->resetChanges();
+    m_scene->flush();
 }
 
 void OverlaySession::addTexts()
 {
-    const QColor white(Qt::white);
-    const QColor blue(QStringLiteral("#0000FF"));
-    addText(QStringLiteral("Section 4711-4712   DN 300 concrete   downstream"), 0, 0, blue, white);
-    addValue(QStringLiteral("SECTION_DISTANCE_COUNTER"), 1, 0);
-    addValue(QStringLiteral("SPEED"), 2, 0);
-    addValue(QStringLiteral("VIDEO_TIME_COUNTER"), 1, 37);
-    addValue(QStringLiteral("TOTAL_DISTANCE_COUNTER"), 2, 37);
-    addValue(QStringLiteral("CAMERA_PAN"), 22, 0);
-    addValue(QStringLiteral("CAMERA_TILT"), 23, 0);
-    addValue(QStringLiteral("CAMERA_PRESSURE"), 24, 0);
-    addValue(QStringLiteral("CAMERA_TEMPERATURE"), 25, 0);
-    addValue(QStringLiteral("CRAWLER_PITCH"), 22, 20);
-    addValue(QStringLiteral("CRAWLER_ROLL"), 23, 20);
-    addValue(QStringLiteral("CRAWLER_PRESSURE"), 24, 20);
-    addValue(QStringLiteral("CRAWLER_TEMPERATURE"), 25, 20);
-    addValue(QStringLiteral("OBJECT_TEMPERATURE"), 26, 0);
-    m_scene->flush();
+    load(demoLayout([this](const QString &name) { return m_systemValues.caption(name); }));
 }
 
 bool OverlaySession::addPicture(const QString &path, int row, int column, int height)
 {
-    auto image = std::make_unique<CVideoOverlayImage>();
-    image->setType(CVideoOverlayElement::FreePicture);
-    if (!loadPicture(*image, path, height))
+    if (!isPicture(path))
         return false;
-    image->setRow(row);
-    image->setColumn(column);
-    adopt(*image);
-    m_elements.push_back(std::move(image));
+    ElementParam record;
+    record.insert(QStringLiteral("type"), int(CVideoOverlayElement::FreePicture));
+    record.insert(QStringLiteral("row"), row);
+    record.insert(QStringLiteral("col"), column);
+    record.insert(QStringLiteral("imagePath"), path);
+    record.insert(QStringLiteral("enabled"), true);
+    record.insert(QStringLiteral("scale"), 1.0);
+    auto *image = qobject_cast<CVideoOverlayImage *>(create(record));
+    m_manager->getElementListModel()->reset();
+    if (!image || image->imageSrcHeight() == 0) {
+        m_manager->deleteElementFromModel(image);
+        return false;
+    }
+    scaleTo(*image, height);
+    m_manager->resetChanges();
     m_scene->flush();
     return true;
 }
 
 bool OverlaySession::setWatermark(const QString &path)
 {
-    auto image = std::make_unique<CVideoOverlayImage>();
-    image->setType(CVideoOverlayElement::Watermark);
-    if (!loadPicture(*image, path, 2))
+    if (!isPicture(path))
         return false;
-    const int cells = int(std::ceil(image->width() / m_settings->colWidth()));
-    image->setRow(24);
-    image->setColumn(std::max(0, 54 - cells));
-    adopt(*image);
-    m_elements.push_back(std::move(image));
+    m_manager->createWatermark(path);
+    // The display got it; the manager keeps it to itself.
+    auto *image = qobject_cast<CVideoOverlayImage *>(
+        m_scene->elementOfType(CVideoOverlayElement::Watermark));
+    if (!image || image->imageSrcHeight() == 0) {
+        m_manager->hideWatermark();
+        return false;
+    }
+    scaleTo(*image, WatermarkRows);
+    const int cells = int(std::ceil(image->width() / m_manager->colWidth()));
+    image->setRow(WatermarkRow);
+    image->setColumn(std::max(0, GridColumns - cells));
     m_scene->flush();
     return true;
 }
@@ -175,12 +160,17 @@ void OverlaySession::setTelemetry(TelemetryFile telemetry)
     m_timeMs = -1;
 }
 
+void OverlaySession::setStart(const QDateTime &start)
+{
+    m_start = start;
+}
+
 QStringList OverlaySession::unshownNames() const
 {
     QStringList unshown;
     const QStringList names = m_telemetry.names();
     for (const QString &name : names) {
-        if (!m_values.contains(name))
+        if (!m_feed.isShown(name))
             unshown.append(name);
     }
     return unshown;
@@ -194,7 +184,7 @@ void OverlaySession::advanceTo(qint64 timeMs)
     m_timeMs = timeMs;
     while (m_nextReading < readings.size() && readings.at(m_nextReading).timeMs <= timeMs)
         show(readings.at(m_nextReading++));
-    show(videoTimeName, elapsedText(timeMs));
+    showTimes(timeMs);
     m_scene->flush();
 }
 
@@ -204,89 +194,79 @@ qint64 OverlaySession::nextChangeMs() const
     qint64 next = std::numeric_limits<qint64>::max();
     if (m_nextReading < readings.size())
         next = readings.at(m_nextReading).timeMs;
-    if (m_values.contains(videoTimeName)) // shows whole seconds
-        next = std::min(next, m_timeMs < 0 ? 0 : (m_timeMs / 1000 + 1) * 1000);
+    const auto nextSecond = [this](qint64 offsetMs) { // the texts show whole seconds
+        const qint64 now = m_timeMs + offsetMs;
+        return m_timeMs < 0 ? 0 : (now / MsPerSecond + 1) * MsPerSecond - offsetMs;
+    };
+    if (m_feed.isShown(ElementParam::NAME_VIDEO_TIME_COUNTER))
+        next = std::min(next, nextSecond(0));
+    if (m_start.isValid()
+        && (m_feed.isShown(ElementParam::NAME_DATE) || m_feed.isShown(ElementParam::NAME_TIME)))
+        next = std::min(next, nextSecond(m_start.time().msec()));
     return next;
 }
 
-void OverlaySession::addText(const QString &text, int row, int column, QColor background,
-                             QColor color)
+CVideoOverlayElement *OverlaySession::create(ElementParam record)
 {
-    auto element = std::make_unique<CVideoOverlayText>();
-    element->setType(CVideoOverlayElement::StaticText);
-    element->setSettings(m_settings.get());
-    element->setTransparency(0);
-    element->setBackgroundColor(background);
-    element->setTextColor(color);
-    element->setRow(row);
-    element->setColumn(column);
-    adopt(*element);
-    element->setText(text);
-    element->setEnabled(true);
-    m_elements.push_back(std::move(element));
-}
-
-void OverlaySession::addValue(const QString &name, int row, int column)
-{
-    const QColor yellow(QStringLiteral("#FFE066"));
-    addText(QString(), row, column, QColor(0, 0, 0, 150), yellow);
-    auto *element = static_cast<CVideoOverlayText *>(m_elements.back().get());
-    element->setType(CVideoOverlayElement::SystemText);
-    m_values.insert(name, element);
-}
-
-void OverlaySession::adopt(CVideoOverlayElement &element)
-{
-    element.setId(++m_lastId);
-    element.setEnabled(true);
-    place(element);
-    const auto changed = [this, element = &element] {
-        place(*element);
-        m_control.displayElement(*element);
-    };
-    for (const auto signal :
-         {&CVideoOverlayElement::rowChanged, &CVideoOverlayElement::columnChanged,
-          &CVideoOverlayElement::visibleChanged, &CVideoOverlayElement::widthChanged,
-          &CVideoOverlayElement::heightChanged, &CVideoOverlayElement::transparencyChanged})
-        connect(&element, signal, this, changed);
-    if (auto *text = qobject_cast<CVideoOverlayText *>(&element)) {
-        connect(text, &CVideoOverlayText::textChanged, this, changed);
-        connect(text, &CVideoOverlayText::textColorChanged, this, changed);
-        connect(text, &CVideoOverlayText::backgroundColorChanged, this, changed);
-        connect(text, &CVideoOverlayText::alignmentChanged, this, changed);
-        connect(text, &CVideoOverlayText::fontChanged, this, changed);
+    switch (typeOf(record)) {
+    case CVideoOverlayElement::SystemText: {
+        CVideoOverlayText *text = m_manager->createText(record);
+        giveDatasource(text, record);
+        // A caption without a value says nothing. The first value shows it.
+        text->setVisible(false);
+        return text;
     }
-    m_control.displayElement(element);
+    case CVideoOverlayElement::FreePicture: {
+        CVideoOverlayImage *image = m_manager->createImage();
+        giveDatasource(image, record);
+        return image;
+    }
+    case CVideoOverlayElement::StaticText: {
+        CVideoOverlayText *text = m_manager->createText();
+        new COsdStaticTextDatasource(text, record); // a child of its element
+        return text;
+    }
+    default:
+        return nullptr;
+    }
 }
 
-void OverlaySession::place(CVideoOverlayElement &element)
+bool OverlaySession::giveDatasource(CVideoOverlayElement *element, ElementParam &record)
 {
-    element.setPosition(m_settings->leftMargin() + element.column() * m_settings->colWidth(),
-                        m_settings->topMargin() + element.row() * m_settings->rowHeight());
+    const std::initializer_list<CAbstractOsdDatasourceFactory *> factories {
+        &m_systemValues, &m_screenSnips, &m_pictures};
+    return std::any_of(factories.begin(), factories.end(),
+                       [&](CAbstractOsdDatasourceFactory *factory) {
+                           return factory->getDatasource(element, record) != nullptr;
+                       });
 }
 
-bool OverlaySession::loadPicture(CVideoOverlayImage &image, const QString &path, int height)
+void OverlaySession::scaleTo(CVideoOverlayImage &image, int height)
 {
-    image.setImageSrc(path);
-    if (image.imageSrcHeight() == 0)
-        return false;
-    image.setScaleFactor(height * m_settings->rowHeight() / image.imageSrcHeight());
-    return true;
+    image.setScaleFactor(height * m_manager->rowHeight() / image.imageSrcHeight());
 }
 
 void OverlaySession::show(const TelemetryFile::Reading &reading)
 {
     const QString name = m_telemetry.names().at(reading.column);
-    if (name != videoTimeName) // the video's own time, not that of another recording
-        show(name, reading.value);
+    const bool fromVideo = name == ElementParam::NAME_VIDEO_TIME_COUNTER;
+    const bool fromStart
+        = m_start.isValid() && (name == ElementParam::NAME_DATE || name == ElementParam::NAME_TIME);
+    const SystemValue *value = SystemValues::find(name);
+    if (fromVideo || fromStart || !value)
+        return; // this video's own times, not those of another recording
+    QString error;
+    m_feed.setValue(name, SystemValues::read(*value, reading.value, &error));
 }
 
-void OverlaySession::show(const QString &name, const QVariant &value)
+void OverlaySession::showTimes(qint64 timeMs)
 {
-    CVideoOverlayText *element = m_values.value(name);
-    const ValueFormat *format = formatOf(name);
-    if (element && format)
-        element->setText(valueText(*format, value));
+    m_feed.setValue(ElementParam::NAME_VIDEO_TIME_COUNTER, QVariant::fromValue(timeMs));
+    if (!m_start.isValid())
+        return;
+    const QVariant now = QVariant::fromValue(m_start.toMSecsSinceEpoch() + timeMs);
+    m_feed.setValue(ElementParam::NAME_DATE, now);
+    m_feed.setValue(ElementParam::NAME_TIME, now);
 }
 
 } // namespace Velmar::Host

@@ -2,32 +2,37 @@
 #pragma once
 
 #include "host/display/OverlayScene.h"
+#include "host/feed/ScreenSnipDatasourceFactory.h"
+#include "host/feed/SystemValueDatasourceFactory.h"
 #include "host/feed/TelemetryFile.h"
+#include "host/feed/ValueFeed.h"
 
 #include <videooverlay/display/CVideoOverlayCapabilities.h>
 #include <videooverlay/display/CVideoOverlayControl.h>
 #include <videooverlay/display/VideoOverlaySettings.h>
+#include <videooverlay/osd/COsdImageDatasourceFactory.h>
 
-#include <QHash>
+#include <QDateTime>
+#include <QList>
 #include <QObject>
 #include <QSize>
 #include <QStringList>
-#include <QVector>
 
 #include <memory>
-#include <vector>
 
 namespace Velmar::VideoOverlay {
 class CVideoOverlayElement;
 class CVideoOverlayImage;
-class CVideoOverlayText;
+class CVideoOverlayManager;
+class ElementParam;
 } // namespace Velmar::VideoOverlay
 
 namespace Velmar::Host {
 
-/// One overlay from its elements to the display: owns the scene and the library's objects over it,
-/// places the elements on the grid and keeps their texts at the readings of a recorded run.
-/// Everything happens on the thread that made the session; only the scene is read elsewhere.
+/// One overlay from its elements to the display: owns the scene, the library's objects over it and
+/// the factories for what the elements show, and keeps the texts at the readings of a recorded run
+/// and at the live values. Everything happens on the thread that made the session; only the scene
+/// is read elsewhere.
 class OverlaySession : public QObject
 {
     Q_OBJECT
@@ -39,8 +44,14 @@ public:
     /// Shared with the streaming threads that read it; they may keep it beyond the session.
     std::shared_ptr<OverlayScene> scene() const;
     const VideoOverlay::VideoOverlaySettings &settings() const;
+    VideoOverlay::CVideoOverlayManager &manager() const;
+    ValueFeed &feed();
+    ScreenSnipDatasourceFactory &screenSnips();
 
-    /// Makes the text boxes of the demonstration.
+    /// Replaces all elements, but not the watermark, by those of @p records. A system text is
+    /// hidden until its first value.
+    void load(const QList<VideoOverlay::ElementParam> &records);
+    /// Loads the text boxes of the demonstration.
     void addTexts();
 
     /// Puts a picture on the grid, @p height cells high. False when the file cannot be read as one.
@@ -50,6 +61,8 @@ public:
 
     /// The run that the texts follow from now on.
     void setTelemetry(TelemetryFile telemetry);
+    /// When the video began: then DATE and TIME follow it, otherwise they come as other values do.
+    void setStart(const QDateTime &start);
     /// The value names of the run that no text shows.
     QStringList unshownNames() const;
     /// Brings every text to its reading at @p timeMs of the run, backwards as well, the video's
@@ -59,23 +72,23 @@ public:
     qint64 nextChangeMs() const;
 
 private:
-    void addText(const QString &text, int row, int column, QColor background, QColor color);
-    void addValue(const QString &name, int row, int column);
-    /// Wires an element as every element on this display is, and gives it the next id.
-    void adopt(VideoOverlay::CVideoOverlayElement &element);
-    void place(VideoOverlay::CVideoOverlayElement &element);
-    bool loadPicture(VideoOverlay::CVideoOverlayImage &image, const QString &path, int height);
+    VideoOverlay::CVideoOverlayElement *create(VideoOverlay::ElementParam record);
+    bool giveDatasource(VideoOverlay::CVideoOverlayElement *element,
+                        VideoOverlay::ElementParam &record);
+    void scaleTo(VideoOverlay::CVideoOverlayImage &image, int height);
     void show(const TelemetryFile::Reading &reading);
-    void show(const QString &name, const QVariant &value);
+    void showTimes(qint64 timeMs);
 
     std::shared_ptr<OverlayScene> m_scene;
     VideoOverlay::CVideoOverlayCapabilities m_capabilities;
     VideoOverlay::CVideoOverlayControl m_control;
-    std::unique_ptr<VideoOverlay::VideoOverlaySettings> m_settings;
-    std::vector<std::unique_ptr<VideoOverlay::CVideoOverlayElement>> m_elements;
-    QHash<QString, VideoOverlay::CVideoOverlayText *> m_values; ///< by value name; not owned
-    int m_lastId = 0;
+    ValueFeed m_feed;
+    SystemValueDatasourceFactory m_systemValues;
+    ScreenSnipDatasourceFactory m_screenSnips;
+    VideoOverlay::COsdImageDatasourceFactory m_pictures;
+    std::unique_ptr<VideoOverlay::CVideoOverlayManager> m_manager; ///< goes before all above
     TelemetryFile m_telemetry;
+    QDateTime m_start;     ///< invalid: not known
     int m_nextReading = 0; ///< index of the first reading that is not shown yet
     qint64 m_timeMs = -1;
 };

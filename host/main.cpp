@@ -1,12 +1,15 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "host/cli/ConsoleLog.h"
 #include "host/cli/Options.h"
 #include "host/cli/RecordCommand.h"
 #include "host/cli/Report.h"
 #include "host/cli/SnapshotCommand.h"
+#include "host/cli/ValuesCommand.h"
 #include "host/platform/Directories.h"
 #include "host/platform/LogRouter.h"
 #include "host/platform/LogSinks.h"
 
+#include <QDir>
 #include <QGuiApplication>
 #include <QTextCodec>
 
@@ -28,8 +31,10 @@ void logQtMessage(QtMsgType type, const QMessageLogContext &, const QString &tex
 
 bool setUpLog(const Options &options, QString *error)
 {
-    if (options.logPath.isEmpty())
-        return true; // without a sink, warnings reach the standard error stream
+    if (options.logPath.isEmpty()) {
+        Logging::LogRouter::instance().addSink(std::make_shared<ConsoleLog>());
+        return true;
+    }
     auto sink = std::make_shared<Logging::FileLogSink>(options.logPath);
     if (!sink->isOpen()) {
         *error = QStringLiteral("%1: the log cannot be written").arg(options.logPath);
@@ -37,6 +42,20 @@ bool setUpLog(const Options &options, QString *error)
     }
     Logging::LogRouter::instance().addSink(std::move(sink));
     return true;
+}
+
+/// The data beside the program, wherever it was installed to; in the folder that it was built in,
+/// those of the sources. Otherwise the platform knows where they were to be installed.
+void findData()
+{
+    const QDir program(QGuiApplication::applicationDirPath());
+    const QString installed = program.absoluteFilePath(QStringLiteral("../share/xqosd"));
+    const bool built
+        = program.canonicalPath() == QDir(QStringLiteral(XQ_BUILD_DIRECTORY)).canonicalPath();
+    if (built)
+        Directories::setReadonlyConfigDirectory(QStringLiteral(XQ_DATA_DIRECTORY));
+    else if (QDir(installed).exists())
+        Directories::setReadonlyConfigDirectory(installed);
 }
 
 } // namespace
@@ -53,6 +72,8 @@ int main(int argc, char **argv)
     // Written files are UTF-8, whatever the environment says.
     QTextCodec::setCodecForLocale(QTextCodec::codecForName("UTF-8"));
 
+    findData();
+
     Options options;
     QString error;
     if (!parseOptions(QGuiApplication::arguments(), &options, &error)) {
@@ -63,6 +84,8 @@ int main(int argc, char **argv)
         Directories::setSettingsDirectory(options.settingsDirectory);
     if (!setUpLog(options, &error))
         return reportError(error);
+
+    options.choices.apply();
 
     switch (options.command) {
     case Options::Command::Help:
@@ -75,6 +98,8 @@ int main(int argc, char **argv)
         return runRecord(options);
     case Options::Command::Snapshot:
         return runSnapshot(options);
+    case Options::Command::Values:
+        return runValues();
     }
     return FailureStatus;
 }

@@ -27,6 +27,7 @@ QString usage()
                           "\n"
                           "  record     burns the overlay into a video file\n"
                           "  snapshot   writes one picture of the overlay\n"
+                          "  values     lists the values that texts can show\n"
                           "\n"
                           "xqosd COMMAND --help lists the options of a command.\n");
 }
@@ -131,6 +132,26 @@ private:
     QCommandLineParser m_parser;
 };
 
+void addChoices(CommandParser &parser)
+{
+    parser.add("language", "CODE",
+               "Language of captions, numbers and dates: de, DEU, de_DE; else the system's.");
+    parser.add("units", "UNITS",
+               "metric (the default), imperial, or QUANTITY=UNIT, separated by commas; "
+               "xqosd values lists the units.");
+    parser.add("settings-dir", "DIR", "Where the program keeps its settings.");
+    parser.add("log", "FILE", "Writes the log there.");
+}
+
+bool readChoices(const CommandParser &parser, Options *options, QString *error)
+{
+    options->settingsDirectory = parser.value("settings-dir");
+    options->logPath = parser.value("log");
+    return (!parser.isSet("language")
+            || options->choices.setLanguage(parser.value("language"), error))
+        && (!parser.isSet("units") || options->choices.setUnits(parser.value("units"), error));
+}
+
 void addCommon(CommandParser &parser)
 {
     parser.add("source", "SOURCE",
@@ -145,8 +166,7 @@ void addCommon(CommandParser &parser)
                "Picture size. 1920x1080 for test and pipe; files and cameras keep their own.");
     parser.add("fps", "N", "Frames per second of test, pipe and cameras.");
     parser.add("seed", "N", "Which pipe is drawn.", QStringLiteral("1"));
-    parser.add("settings-dir", "DIR", "Where the program keeps its settings.");
-    parser.add("log", "FILE", "Writes the log there.");
+    addChoices(parser);
     parser.addFlag("quiet", "Prints errors only.");
 }
 
@@ -182,10 +202,23 @@ bool readCommon(const CommandParser &parser, Options *options, QString *error)
     options->telemetryPath = parser.value("telemetry");
     options->picturePath = parser.value("picture");
     options->watermarkPath = parser.value("watermark");
-    options->settingsDirectory = parser.value("settings-dir");
-    options->logPath = parser.value("log");
     options->quiet = parser.isSet("quiet");
-    return true;
+    return readChoices(parser, options, error);
+}
+
+bool readInput(const QString &text, Options *options, QString *error)
+{
+    static const QString socketPrefix = QStringLiteral("socket:");
+    if (text == QLatin1String("stdin")) {
+        options->inputFromPipe = true;
+        return true;
+    }
+    options->inputSocket
+        = text.startsWith(socketPrefix) ? text.mid(socketPrefix.size()) : QString();
+    if (!options->inputSocket.isEmpty())
+        return true;
+    *error = QStringLiteral("--input: \"%1\" is neither stdin nor socket:PATH").arg(text);
+    return false;
 }
 
 /// The file itself, whatever way leads to it.
@@ -205,7 +238,8 @@ bool checkFiles(const Options &options, QString *error)
         if (!input.isEmpty())
             taken.append(fileOf(input));
     }
-    for (const QString &output : {options.outputPath, options.pngPath, options.logPath}) {
+    for (const QString &output :
+         {options.outputPath, options.pngPath, options.logPath, options.inputSocket}) {
         if (output.isEmpty())
             continue;
         // Devices are no files to be replaced.
@@ -229,6 +263,9 @@ bool parseRecord(const QStringList &arguments, Options *options, QString *error)
     parser.add("bitrate", "KBIT", "Constant bit rate [kbit/s]; else constant quality.");
     parser.add("png", "FILE", "Also writes one frame as a picture.");
     parser.add("png-at", "SECONDS", "Which frame that is.", QStringLiteral("0"));
+    parser.add("input", "INPUT",
+               "Live values for the texts: \"stdin\" or \"socket:PATH\", one JSON object per line; "
+               "xqosd values shows one.");
     if (!parser.parse(arguments, error))
         return false;
     if (parser.isSet("help")) {
@@ -248,6 +285,8 @@ bool parseRecord(const QStringList &arguments, Options *options, QString *error)
     if (parser.isSet("bitrate")
         && !readInt(QStringLiteral("bitrate"), parser.value("bitrate"), 1, MostKbit,
                     &options->bitrateKbit, error))
+        return false;
+    if (parser.isSet("input") && !readInput(parser.value("input"), options, error))
         return false;
     options->encoder = parser.value("encoder").toUtf8();
     options->pngPath = parser.value("png");
@@ -280,6 +319,20 @@ bool parseSnapshot(const QStringList &arguments, Options *options, QString *erro
                        error);
 }
 
+bool parseValues(const QStringList &arguments, Options *options, QString *error)
+{
+    CommandParser parser(QStringLiteral("Lists the values that texts can show."));
+    addChoices(parser);
+    if (!parser.parse(arguments, error))
+        return false;
+    if (parser.isSet("help")) {
+        options->helpText = parser.helpText();
+        return true;
+    }
+    options->command = Options::Command::Values;
+    return readChoices(parser, options, error);
+}
+
 } // namespace
 
 bool parseOptions(const QStringList &arguments, Options *options, QString *error)
@@ -294,6 +347,8 @@ bool parseOptions(const QStringList &arguments, Options *options, QString *error
         return parseRecord(rest, options, error);
     if (command == QLatin1String("snapshot"))
         return parseSnapshot(rest, options, error);
+    if (command == QLatin1String("values"))
+        return parseValues(rest, options, error);
     if (command == QLatin1String("--help") || command == QLatin1String("-h")
         || command == QLatin1String("help")) {
         options->helpText = usage();

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include "host/cli/UserChoices.h"
 #include "host/video/VideoSource.h"
 
 #include <QByteArray>
@@ -17,6 +18,7 @@ struct Options
         Version,
         Record,
         Snapshot,
+        Values,
     };
 
     Command command = Command::Help;
@@ -30,6 +32,7 @@ struct Options
     QString settingsDirectory; ///< empty: the user's own
     QString logPath;           ///< empty: warnings on the standard error stream
     bool quiet = false;
+    UserChoices choices; ///< language and units
 
     // record
     qint64 durationNs = -1; ///< -1: all of the source
@@ -37,6 +40,8 @@ struct Options
     int bitrateKbit = 0;    ///< 0: constant quality
     QString pngPath;        ///< empty: none
     qint64 pngAtNs = 0;
+    bool inputFromPipe = false; ///< live values come from the standard input
+    QString inputSocket;        ///< live values come from there; empty: from no socket
 
     // snapshot
     qint64 atNs = 0;

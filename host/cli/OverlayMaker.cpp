@@ -46,6 +46,8 @@ bool OverlayMaker::makeSession(QSize size, QString *error)
     m_session = std::make_unique<OverlaySession>(size);
     m_session->addTexts();
     m_session->setTelemetry(m_telemetry);
+    for (auto it = m_liveValues.cbegin(); it != m_liveValues.cend(); ++it)
+        m_session->feed().setValue(it.key(), it.value());
     if (!m_picturePath.isEmpty()
         && !m_session->addPicture(m_picturePath, PictureRow, PictureColumn, PictureRows)) {
         *error = QStringLiteral("%1: cannot be read as a picture").arg(m_picturePath);
@@ -64,8 +66,21 @@ FrameGate::Answer OverlayMaker::at(qint64 timeNs, QSize size)
     if (!size.isEmpty() && size != m_size && !makeSession(size, &error))
         Logging::CLogger::logMessage(Logging::LogLevel::Warning, QStringLiteral("Host"), error);
     m_session->advanceTo(timeNs / NsPerMs);
+    if (m_live) // the next value may come at any moment
+        return {m_session->scene()->snapshot(), timeNs + 1};
     const qint64 nextMs = m_session->nextChangeMs();
     return {m_session->scene()->snapshot(), nextMs > Never / NsPerMs ? Never : nextMs * NsPerMs};
+}
+
+void OverlayMaker::setLiveValue(const QString &name, const QVariant &value)
+{
+    m_liveValues.insert(name, value);
+    m_session->feed().setValue(name, value);
+}
+
+void OverlayMaker::expectLiveValues()
+{
+    m_live = true;
 }
 
 std::function<PipeRunRenderer::View(qint64)> OverlayMaker::cameraView() const

@@ -26,6 +26,11 @@ public:
     /// the counter says; null without readings of the distance. Callable on any thread.
     std::function<PipeRunRenderer::View(qint64 timeNs)> cameraView() const;
 
+    /// Shows a value that came now. It stays until a reading or another value of that name comes.
+    void setLiveValue(const QString &name, const QVariant &value);
+    /// Values come while the video runs: no frame may reuse the overlay of an earlier one then.
+    void expectLiveValues();
+
 private:
     bool makeSession(QSize size, QString *error);
 
@@ -33,6 +38,8 @@ private:
     QString m_watermarkPath;
     TelemetryFile m_telemetry;
     QSize m_size;
+    bool m_live = false;
+    QHash<QString, QVariant> m_liveValues; ///< the last of each name, for a new session
     std::unique_ptr<OverlaySession> m_session;
 };
 

@@ -5,6 +5,7 @@
 #include "host/cli/OverlayMaker.h"
 #include "host/cli/ProgressLine.h"
 #include "host/cli/Report.h"
+#include "host/feed/LiveInput.h"
 #include "host/video/RecordPipeline.h"
 #include "host/video/VideoErrors.h"
 
@@ -13,6 +14,8 @@
 
 #include <algorithm>
 
+#include <unistd.h>
+
 namespace Velmar::Host {
 
 namespace {
@@ -20,6 +23,17 @@ namespace {
 constexpr int ProgressIntervalMs = 200;
 constexpr double NsPerSecond = 1e9;
 constexpr QSize DefaultSize {1920, 1080};
+
+bool openInput(const Options &options, LiveInput *input, OverlayMaker *maker, QString *error)
+{
+    if (!options.inputSocket.isEmpty() && !input->listen(options.inputSocket, error))
+        return false;
+    if (options.inputFromPipe)
+        input->readFrom(STDIN_FILENO);
+    if (options.inputFromPipe || !options.inputSocket.isEmpty())
+        maker->expectLiveValues();
+    return true;
+}
 
 } // namespace
 
@@ -37,6 +51,16 @@ int runRecord(const Options &options)
 
     InterruptWatch interrupt;
     ProgressLine progress(options.quiet ? ProgressLine::Mode::Off : ProgressLine::Mode::Terminal);
+    LiveInput input;
+    QObject::connect(
+        &input, &LiveInput::valueRead,
+        [&maker](const QString &name, const QVariant &value) { maker.setLiveValue(name, value); });
+    QObject::connect(&input, &LiveInput::problemFound, [&progress](const QString &text) {
+        progress.clear();
+        reportWarning(text);
+    });
+    if (!openInput(options, &input, &maker, &error))
+        return reportError(error);
     RecordPipeline pipeline(source, {options.outputPath, options.encoder, options.bitrateKbit},
                             [&maker](qint64 ns, QSize size) { return maker.at(ns, size); });
     pipeline.setRange(0, options.durationNs);

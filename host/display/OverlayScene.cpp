@@ -228,6 +228,15 @@ void OverlayScene::paint(QImage &picture, const OverlaySnapshot &overlay)
     }
 }
 
+CVideoOverlayElement *OverlayScene::elementOfType(CVideoOverlayElement::Type type) const
+{
+    for (const Entry &entry : m_entries) {
+        if (entry.element && entry.element->type() == type)
+            return entry.element;
+    }
+    return nullptr;
+}
+
 quint64 OverlayScene::renderCount() const
 {
     return m_renderCount;

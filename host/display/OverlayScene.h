@@ -77,6 +77,11 @@ public:
     void paint(QImage &picture) const;
     static void paint(QImage &picture, const OverlaySnapshot &overlay);
 
+    /// One of the elements that were announced and not deleted since; null when there is none. For
+    /// elements that their manager does not hand out. GUI thread only.
+    VideoOverlay::CVideoOverlayElement *
+    elementOfType(VideoOverlay::CVideoOverlayElement::Type type) const;
+
     quint64 renderCount() const; ///< pictures taken from elements so far
 
 Q_SIGNALS:

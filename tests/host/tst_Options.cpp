@@ -15,6 +15,11 @@ private Q_SLOTS:
     void sources_data();
     void sources();
     void snapshot();
+    void languages_data();
+    void languages();
+    void units();
+    void input();
+    void values();
     void help_data();
     void help();
     void refused_data();
@@ -106,12 +111,86 @@ void tst_Options::snapshot()
     QVERIFY(options.transparent);
 }
 
+void tst_Options::languages_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QString>("name");
+    for (const char *text : {"de", "DE", "deu", "DEU", "GER", "de_DE", "de-DE", "de_DE.UTF-8"})
+        QTest::newRow(text) << QString::fromLatin1(text) << QStringLiteral("de_DE");
+    QTest::newRow("Swiss") << QStringLiteral("FRE_CH") << QStringLiteral("fr_CH");
+    QTest::newRow("Swedish") << QStringLiteral("swe") << QStringLiteral("sv_SE");
+    QTest::newRow("without captions") << QStringLiteral("is") << QStringLiteral("is_IS");
+}
+
+void tst_Options::languages()
+{
+    QFETCH(QString, text);
+    QFETCH(QString, name);
+    Options options;
+    QString error;
+    QVERIFY2(parseOptions(words(QStringLiteral("snapshot --output o.png --language ") + text),
+                          &options, &error),
+             qPrintable(error));
+    QVERIFY(options.choices.locale());
+    QCOMPARE(options.choices.locale()->name(), name);
+}
+
+void tst_Options::units()
+{
+    using Velmar::Shared::LocaleSettings;
+    Options options;
+    QString error;
+    QVERIFY2(parseOptions(words(QStringLiteral("values --units "
+                                               "imperial,speed=m/s,temperature=C,angle=%")),
+                          &options, &error),
+             qPrintable(error));
+    LocaleSettings::reset();
+    options.choices.apply();
+    QCOMPARE(LocaleSettings::unit(LocaleSettings::Quantity::Distance), QStringLiteral("ft"));
+    QCOMPARE(LocaleSettings::unit(LocaleSettings::Quantity::Speed), QStringLiteral("m/s"));
+    QCOMPARE(LocaleSettings::unit(LocaleSettings::Quantity::Temperature),
+             QStringLiteral("\u00B0C"));
+    QCOMPARE(LocaleSettings::unit(LocaleSettings::Quantity::Angle), QStringLiteral("%"));
+    // What comes later wins.
+    QVERIFY(
+        parseOptions(words(QStringLiteral("values --units speed=m/s,metric")), &options, &error));
+    options.choices.apply();
+    QCOMPARE(LocaleSettings::unit(LocaleSettings::Quantity::Speed), QStringLiteral("m/min"));
+    LocaleSettings::reset();
+}
+
+void tst_Options::input()
+{
+    Options options;
+    QString error;
+    QVERIFY(parseOptions(words(QStringLiteral("record --output a.mkv --input stdin")), &options,
+                         &error));
+    QVERIFY(options.inputFromPipe);
+    QVERIFY(options.inputSocket.isEmpty());
+    Options other;
+    QVERIFY(parseOptions(words(QStringLiteral("record --output a.mkv --input socket:/run/x:y")),
+                         &other, &error));
+    QVERIFY(!other.inputFromPipe);
+    QCOMPARE(other.inputSocket, QStringLiteral("/run/x:y"));
+}
+
+void tst_Options::values()
+{
+    Options options;
+    QString error;
+    QVERIFY(
+        parseOptions(words(QStringLiteral("values --language de --log l.txt")), &options, &error));
+    QCOMPARE(options.command, Options::Command::Values);
+    QCOMPARE(options.logPath, QStringLiteral("l.txt"));
+}
+
 void tst_Options::help_data()
 {
     QTest::addColumn<QString>("line");
     QTest::addColumn<QString>("mentions");
     QTest::newRow("program") << QStringLiteral("--help") << QStringLiteral("record");
     QTest::newRow("record") << QStringLiteral("record --help") << QStringLiteral("--png-at");
+    QTest::newRow("values") << QStringLiteral("values --help") << QStringLiteral("--units");
     QTest::newRow("name of the command")
         << QStringLiteral("snapshot --help") << QStringLiteral("Usage: xqosd snapshot [options]\n");
     QTest::newRow("snapshot") << QStringLiteral("snapshot -h") << QStringLiteral("--transparent");
@@ -158,6 +237,22 @@ void tst_Options::refused_data()
         << record + QStringLiteral("--png-at 1") << QStringLiteral("--png FILE");
     QTest::newRow("rate of a file")
         << record + QStringLiteral("--source x.mkv --fps 5") << QStringLiteral("keeps its own");
+    for (const char *language : {"xx", "german", "de_XX", "C", "d", "_", "de_DE_DE"})
+        QTest::addRow("language %s", language) << record + QStringLiteral("--language ")
+                + QLatin1String(language) << QStringLiteral("--language");
+    for (const char *units :
+         {"metrical", "speed", "speed=", "speed=mph", "weight=kg", "metric,,", "temperature=K"})
+        QTest::addRow("units %s", units) << record + QStringLiteral("--units ")
+                + QLatin1String(units) << QStringLiteral("--units");
+    for (const char *input : {"file", "socket:", "socket", "stdin2"})
+        QTest::addRow("input %s", input) << record + QStringLiteral("--input ")
+                + QLatin1String(input) << QStringLiteral("--input");
+    QTest::newRow("socket over the output")
+        << record + QStringLiteral("--input socket:a.mkv") << QStringLiteral("a.mkv");
+    QTest::newRow("input of a picture")
+        << QStringLiteral("snapshot --output o.png --input stdin") << QStringLiteral("input");
+    QTest::newRow("values takes no file")
+        << QStringLiteral("values --output x") << QStringLiteral("output");
     QTest::newRow("value missing") << QStringLiteral("record --output") << QStringLiteral("output");
 }
 

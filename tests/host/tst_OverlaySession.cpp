@@ -1,7 +1,15 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/OverlaySession.h"
 #include "host/display/GridFit.h"
+#include "host/platform/Directories.h"
+#include "host/platform/LocaleSettings.h"
+#include "host/platform/TranslationStore.h"
 #include "tests/support/LoggedTest.h"
+
+#include "videooverlay/display/CVideoOverlayManager.h"
+#include "videooverlay/elements/CVideoOverlayImage.h"
+#include "videooverlay/elements/CVideoOverlayText.h"
+#include "videooverlay/models/VideoOverlayElementListModel.h"
 
 #include <QDir>
 #include <QFile>
@@ -11,6 +19,7 @@
 
 #include <limits>
 
+using namespace Velmar;
 using namespace Velmar::Host;
 using namespace Velmar::VideoOverlay;
 
@@ -49,11 +58,41 @@ QString picturePath(const QTemporaryDir &directory)
     return path;
 }
 
+CVideoOverlayText *textOf(const OverlaySession &session, const QString &name)
+{
+    const QList<CVideoOverlayElement *> elements = session.manager().getElementList();
+    for (CVideoOverlayElement *element : elements) {
+        if (element->getParamObject().value(ElementParam::NAME_COLUMNBOUND) == name)
+            return qobject_cast<CVideoOverlayText *>(element);
+    }
+    return nullptr;
+}
+
 } // namespace
 
 class tst_OverlaySession : public Velmar::Test::LoggedTest
 {
     Q_OBJECT
+
+public:
+    tst_OverlaySession()
+    {
+        allow(QStringLiteral("2 VideoOverlayLibrary: Invalid project.")); // there is none here
+    }
+
+protected:
+    void prepare() override
+    {
+        // Pictures are copied there.
+        Directories::setSettingsDirectory(m_settings.path());
+        Shared::LocaleSettings::reset();
+        Translation::TranslationStore::instance().setDirectory(
+            QStringLiteral(TRANSLATIONS_DIRECTORY));
+        Translation::TranslationStore::instance().setLocale(QLocale(QStringLiteral("en_GB")));
+    }
+
+private:
+    QTemporaryDir m_settings;
 
 private Q_SLOTS:
     void everyCellLiesOnThePicture_data()
@@ -109,7 +148,7 @@ private Q_SLOTS:
         const OverlayItem *speed
             = itemAt(*overlay,
                      QPoint(2 * qRound(settings.leftMargin() / 2),
-                            2 * qRound(settings.topMargin() / 2 + settings.rowHeight())));
+                            2 * qRound((settings.topMargin() + 3 * settings.rowHeight()) / 2)));
         QVERIFY(speed);
         QCOMPARE(speed->opacity, 255);
         QCOMPARE(overlay->items.size(), 3); // heading, speed, time: no box without a reading
@@ -225,6 +264,102 @@ private Q_SLOTS:
         const QRect box(item.position, item.image.size());
         QVERIFY(margins.toAlignedRect().contains(box));
         QVERIFY(margins.right() - box.right() < 2 * session.settings().colWidth());
+    }
+
+    void languageAndUnits_data()
+    {
+        QTest::addColumn<QString>("locale");
+        QTest::addColumn<bool>("imperial");
+        QTest::addColumn<QStringList>("texts");
+        QTest::newRow("English, metric")
+            << QStringLiteral("en_GB") << false
+            << QStringList({QStringLiteral("Speed:                 6.50 m/min"),
+                            QStringLiteral("Section distance counter:    12.35 m"),
+                            QStringLiteral("Camera Temperature: 24.6 \u00B0C"),
+                            QStringLiteral("Crawler Pressure: 1146 mbar")});
+        QTest::newRow("German, imperial")
+            << QStringLiteral("de_DE") << true
+            << QStringList({QStringLiteral("Geschwindigkeit: 21.33 ft/min"),
+                            QStringLiteral("Meterz\u00E4hler Haltung: 40,50 ft"),
+                            QStringLiteral("Kameratemperatur: 76,3 \u00B0F"),
+                            QStringLiteral("Fahrwagendruck: 1146 mbar")});
+    }
+
+    void languageAndUnits()
+    {
+        QFETCH(QString, locale);
+        QFETCH(bool, imperial);
+        QFETCH(QStringList, texts);
+        Shared::LocaleSettings::setLocale(QLocale(locale));
+        Shared::LocaleSettings::setUnitSystem(imperial
+                                                  ? Shared::LocaleSettings::UnitSystem::Imperial
+                                                  : Shared::LocaleSettings::UnitSystem::Metric);
+        Translation::TranslationStore::instance().setLocale(QLocale(locale));
+        OverlaySession session(QSize(1920, 1080));
+        session.addTexts();
+        session.setTelemetry(telemetry("t_ms,SPEED,SECTION_DISTANCE_COUNTER,CAMERA_TEMPERATURE,"
+                                       "CRAWLER_PRESSURE\n0,6.5,12.345,24.6,1146\n"));
+        session.advanceTo(0);
+        QStringList shown;
+        for (const char *name :
+             {"SPEED", "SECTION_DISTANCE_COUNTER", "CAMERA_TEMPERATURE", "CRAWLER_PRESSURE"})
+            shown.append(textOf(session, QString::fromLatin1(name))->text());
+        for (int i = 0; i < texts.size(); ++i)
+            QCOMPARE(shown.at(i).simplified(), texts.at(i).simplified());
+        // The boxes of a block end at the same cell.
+        QCOMPARE(shown.at(0).size(), shown.at(1).size());
+    }
+
+    void theManagerAndTheListHaveTheElements()
+    {
+        OverlaySession session(QSize(1920, 1080));
+        session.addTexts();
+        VideoOverlayElementListModel &list = *session.manager().getElementListModel();
+        QCOMPARE(list.rowCount(), 14);
+        QVERIFY(session.manager().getPropertiesWithChanges().isEmpty()); // the baseline
+        QCOMPARE(session.manager().getGlobalTransparency(), 0);
+        CVideoOverlayText *speed = textOf(session, QStringLiteral("SPEED"));
+        QVERIFY(speed && !speed->visible()); // until its first value
+
+        // Loaded again, there are as many, and they show the last values.
+        session.feed().setValue(QStringLiteral("SPEED"), 3.0);
+        session.addTexts();
+        QCOMPARE(list.rowCount(), 14);
+        speed = textOf(session, QStringLiteral("SPEED"));
+        QVERIFY(speed->visible());
+        QVERIFY2(speed->text().endsWith(QStringLiteral(" 3.00 m/min")), qPrintable(speed->text()));
+        session.load({});
+        QCOMPARE(list.rowCount(), 0);
+        QCOMPARE(session.scene()->snapshot()->items.size(), 0);
+    }
+
+    void dateAndTimeFollowTheStart()
+    {
+        ElementParam date;
+        date.insert(QStringLiteral("type"), int(CVideoOverlayElement::SystemText));
+        date.insert(QStringLiteral("enabled"), true);
+        date.insert(QStringLiteral("unit"), QStringLiteral("yyyy-MM-dd"));
+        date.insert(ElementParam::NAME_COLUMNBOUND, ElementParam::NAME_DATE);
+        ElementParam time = date;
+        time.insert(QStringLiteral("row"), 1);
+        time.insert(QStringLiteral("unit"), QStringLiteral("hh:mm:ss"));
+        time.insert(ElementParam::NAME_COLUMNBOUND, ElementParam::NAME_TIME);
+        OverlaySession session(QSize(1920, 1080));
+        session.load({date, time});
+        session.setTelemetry(telemetry("t_ms,DATE\n0,2001-02-03\n"));
+        session.advanceTo(0);
+        QCOMPARE(textOf(session, ElementParam::NAME_DATE)->text(), QStringLiteral("2001-02-03 "));
+        QVERIFY(!textOf(session, ElementParam::NAME_TIME)->visible());
+
+        session.setStart(QDateTime(QDate(2026, 3, 31), QTime(23, 59, 58, 400)));
+        session.advanceTo(0);
+        QCOMPARE(textOf(session, ElementParam::NAME_DATE)->text(), QStringLiteral("2026-03-31 "));
+        QCOMPARE(textOf(session, ElementParam::NAME_TIME)->text(), QStringLiteral("23:59:58 "));
+        QCOMPARE(session.nextChangeMs(), 600);
+        session.advanceTo(1600);
+        QCOMPARE(textOf(session, ElementParam::NAME_DATE)->text(), QStringLiteral("2026-04-01 "));
+        QCOMPARE(textOf(session, ElementParam::NAME_TIME)->text(), QStringLiteral("00:00:00 "));
+        QCOMPARE(session.nextChangeMs(), 2600);
     }
 
     void unreadablePictures()

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "VideoReader.h"
 
+#include "host/feed/LiveInputParser.h"
 #include "host/video/VideoErrors.h"
 
 #include <QFile>
@@ -44,6 +45,9 @@ private Q_SLOTS:
     void earlierRecordingSurvivesAFailure();
     void telemetryThatNobodyShows();
     void sourceThatWasCutOff();
+    void values();
+    void languageAndUnits();
+    void liveValuesFromAPipe();
     void errors_data();
     void errors();
     void brokenVideoInstallation();
@@ -291,6 +295,87 @@ void tst_xqosd::sourceThatWasCutOff()
                  && outcome.err.contains(QLatin1String(" s of 6.00 s")),
              qPrintable(outcome.err));
     QVERIFY(!readFrames(path("rest.mkv")).isEmpty());
+}
+
+void tst_xqosd::values()
+{
+    const Outcome outcome
+        = run({QStringLiteral("values"), QStringLiteral("--language"), QStringLiteral("de"),
+               QStringLiteral("--units"), QStringLiteral("imperial")});
+    QCOMPARE(outcome.err, QString());
+    QCOMPARE(outcome.status, 0);
+    const QString speed
+        = outcome.out.mid(outcome.out.indexOf(QStringLiteral("\nSPEED\n"))).left(400);
+    for (const char *line :
+         {"  caption   Geschwindigkeit\n", "  quantity  speed\n", "  unit      ft/min\n",
+          "  units     m/min, ft/min, inch/min, m/s, ft/s, inch/s, cm/s\n",
+          "  input     a number [m/min]\n", "  example   {\"SPEED\": 6.5}\n"})
+        QVERIFY2(speed.contains(QString::fromUtf8(line)), line);
+    QCOMPARE(outcome.out.count(QStringLiteral("  quantity ")), 18);
+    // The example at the end is what the live input takes.
+    const QString example = outcome.out.trimmed().section(QLatin1Char('\n'), -1);
+    LiveInputParser parser;
+    const LiveInputParser::Batch batch = parser.feed(example.toUtf8() + '\n');
+    QCOMPARE(batch.problems, QStringList());
+    QCOMPARE(batch.values.size(), 18);
+}
+
+void tst_xqosd::languageAndUnits()
+{
+    const auto picture = [this](const char *name, const QStringList &more) {
+        const Outcome outcome
+            = run(QStringList {QStringLiteral("snapshot"), QStringLiteral("--transparent"),
+                               QStringLiteral("--telemetry"), m_telemetry,
+                               QStringLiteral("--output"), path(name)}
+                  + more);
+        return outcome.status == 0 && outcome.err.isEmpty() ? QImage(path(name)) : QImage();
+    };
+    const QImage english = picture("en.png", {QStringLiteral("--language"), QStringLiteral("en")});
+    const QImage german = picture("de.png", {QStringLiteral("--language"), QStringLiteral("DEU")});
+    const QImage feet = picture("ft.png",
+                                {QStringLiteral("--language"), QStringLiteral("en"),
+                                 QStringLiteral("--units"), QStringLiteral("imperial")});
+    QVERIFY(!english.isNull() && !german.isNull() && !feet.isNull());
+    QVERIFY(english != german);
+    QVERIFY(english != feet);
+    // The captions are the same in either unit, up to the value.
+    const QRect captions(0, 40, 500, 40);
+    QCOMPARE(english.copy(captions), feet.copy(captions));
+}
+
+void tst_xqosd::liveValuesFromAPipe()
+{
+    QProcess program;
+    program.start(QStringLiteral(XQOSD_PROGRAM),
+                  {QStringLiteral("record"), QStringLiteral("--source"), QStringLiteral("test"),
+                   QStringLiteral("--size"), QStringLiteral("640x480"), QStringLiteral("--output"),
+                   path("live.mkv"), QStringLiteral("--input"), QStringLiteral("stdin")});
+    QVERIFY(program.waitForStarted());
+    QTRY_VERIFY_WITH_TIMEOUT(
+        QFileInfo(path("live.mkv.part")).size() + QFileInfo(path("live.mkv")).size() > 100000,
+        LimitMs);
+    program.write("nonsense\n{\"SPEED\": 6.5}\n");
+    QByteArray errors; // gathered: a question may be asked twice
+    const auto warned = [&] {
+        errors += program.readAllStandardError();
+        return errors.contains("warning: live input, line 1: no JSON");
+    };
+    QTRY_VERIFY_WITH_TIMEOUT(warned(), LimitMs);
+    QTest::qWait(300); // some frames more
+    ::kill(pid_t(program.processId()), SIGINT);
+    QVERIFY(program.waitForFinished(LimitMs));
+    QCOMPARE(program.exitCode(), 130);
+    const QVector<DecodedFrame> frames = readFrames(path("live.mkv"));
+    QVERIFY(frames.size() > 2);
+    // The box of the speed, absent from the first frame; the digits of the time are far less.
+    const QImage first = frames.first().image;
+    const QImage last = frames.last().image;
+    int pixels = 0;
+    for (int y = 0; y < first.height() / 2; ++y) {
+        for (int x = 0; x < first.width(); ++x)
+            pixels += qAbs(qGray(first.pixel(x, y)) - qGray(last.pixel(x, y))) > 60 ? 1 : 0;
+    }
+    QVERIFY2(pixels > 1500, qPrintable(QString::number(pixels)));
 }
 
 void tst_xqosd::errors_data()

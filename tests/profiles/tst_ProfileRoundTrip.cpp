@@ -188,7 +188,7 @@ private:
 
 void tst_ProfileRoundTrip::randomRecordsSurvive()
 {
-    for (quint32 seed = 1; seed <= 500; ++seed) {
+    for (quint32 seed = 1; seed <= 300; ++seed) {
         const Records records = Generator(seed).records();
         QVERIFY(write(records));
         Records expected = records;

@@ -25,6 +25,9 @@ public:
     static QStringList takeQtWarnings();
 
 protected:
+    /// A line, written as takeLog() does, that may come any number of times in this class.
+    void allow(const QString &line);
+
     /// Called before each test function; what is logged here is not recorded.
     virtual void prepare();
 
@@ -34,6 +37,7 @@ private Q_SLOTS:
 
 private:
     std::shared_ptr<Logging::RecordingLogSink> m_sink;
+    QStringList m_allowed;
 };
 
 } // namespace Velmar::Test

@@ -36,9 +36,20 @@ const Templates::CTemplateColumn *TemplateCaptionResolver::getColumn(const QStri
         log(LogLevel::Warning, QStringLiteral("Cannot find caption for empty columnBound"));
         return nullptr;
     }
-    const int viewCount = m_template ? m_template->programViewCount() : 0;
-    for (int i = 0; i < viewCount; ++i) {
-        const Templates::CProgramView *view = m_template->programView(i);
+    if (const auto *const column
+        = m_template ? findColumn(*m_template, binding, tableKey) : nullptr)
+        return column;
+    log(LogLevel::Warning,
+        QStringLiteral("Cannot find caption for ") + binding + QStringLiteral(" in ") + tableKey);
+    return nullptr;
+}
+
+const Templates::CTemplateColumn *
+TemplateCaptionResolver::findColumn(const Templates::CCatalogTemplate &catalogTemplate,
+                                    const QString &binding, const QString &tableKey)
+{
+    for (int i = 0; i < catalogTemplate.programViewCount(); ++i) {
+        const Templates::CProgramView *view = catalogTemplate.programView(i);
         if (!view || !COsdDomainDatasource::allowedProgramViews().contains(view->key()))
             continue;
         for (int j = 0; j < view->columnCount(); ++j) {
@@ -47,8 +58,6 @@ const Templates::CTemplateColumn *TemplateCaptionResolver::getColumn(const QStri
                 return column;
         }
     }
-    log(LogLevel::Warning,
-        QStringLiteral("Cannot find caption for ") + binding + QStringLiteral(" in ") + tableKey);
     return nullptr;
 }
 

@@ -31,6 +31,11 @@ public:
     const Velmar::Templates::CTemplateColumn *getColumn(const QString &binding,
                                                         const QString &tableKey) const;
 
+    /// As getColumn(), in any template and without a line in the log.
+    static const Velmar::Templates::CTemplateColumn *
+    findColumn(const Velmar::Templates::CCatalogTemplate &catalogTemplate, const QString &binding,
+               const QString &tableKey);
+
     /// Null until a template was loaded.
     QSharedPointer<Velmar::Templates::CCatalogTemplate> catalogTemplate() const;
 

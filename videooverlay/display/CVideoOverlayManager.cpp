@@ -13,6 +13,9 @@
 
 #include <QMutexLocker>
 #include <QSet>
+#include <QVector>
+
+#include <algorithm>
 
 namespace Velmar::VideoOverlay {
 
@@ -43,6 +46,16 @@ bool commonColor(const QList<CVideoOverlayElement *> &elements, ColorOf colorOf,
     return true;
 }
 
+/// For walks in which handlers of signals may delete elements.
+QVector<QPointer<CVideoOverlayElement>> guarded(const QList<CVideoOverlayElement *> &elements)
+{
+    QVector<QPointer<CVideoOverlayElement>> result;
+    result.reserve(elements.size());
+    for (CVideoOverlayElement *element : elements)
+        result.append(element);
+    return result;
+}
+
 } // namespace
 
 CVideoOverlayManager::CVideoOverlayManager(CVideoOverlayControl &control,
@@ -52,6 +65,8 @@ CVideoOverlayManager::CVideoOverlayManager(CVideoOverlayControl &control,
     , m_settings(std::make_unique<VideoOverlaySettings>(capabilities))
 {
     qRegisterMetaType<State>("State");
+    qRegisterMetaType<State>("Velmar::VideoOverlay::CVideoOverlayManager::State");
+    qRegisterMetaType<CVideoOverlayElement *>(); // QML calls getElement()
     // After all members: the model sets the transparency.
     m_elementListModel = std::make_unique<VideoOverlayElementListModel>(*this);
     connect(&m_control, &CVideoOverlayControl::controlActiveChanged, this,
@@ -199,8 +214,7 @@ void CVideoOverlayManager::createWatermark(const QString &path)
     QMutexLocker lock(&m_mutex);
     if (m_watermark) {
         m_control.deleteElement(*m_watermark);
-        disconnect(m_watermark, nullptr, this, nullptr);
-        m_watermark->m_groupMutex = nullptr;
+        silence(m_watermark);
         m_watermark->deleteLater(); // a screen may still show it
     }
     m_watermark = new CVideoOverlayImage;
@@ -293,11 +307,18 @@ QList<CVideoOverlayElement *> CVideoOverlayManager::getElementList()
 int CVideoOverlayManager::rowIndexByID(int id)
 {
     QMutexLocker lock(&m_mutex);
-    for (int row = 0; row < m_elements.size(); ++row) {
-        if (m_elements.at(row)->id() == id)
-            return row;
-    }
-    return -1;
+    // Ids grow with the rows, and every change of an element asks for its row: a walk would make
+    // the loading of a profile grow with the square of its size.
+    const auto begin = m_elements.cbegin();
+    const auto end = m_elements.cend();
+    auto found
+        = std::lower_bound(begin, end, id, [](const CVideoOverlayElement *element, int wanted) {
+              return element->id() < wanted;
+          });
+    const auto hasId = [id](const CVideoOverlayElement *element) { return element->id() == id; };
+    if (found == end || !hasId(*found))
+        found = std::find_if(begin, end, hasId); // somebody gave an element another id
+    return found == end ? -1 : int(found - begin);
 }
 
 bool CVideoOverlayManager::deleteElement(int index)
@@ -316,14 +337,20 @@ bool CVideoOverlayManager::deleteElement(int index)
 
 void CVideoOverlayManager::discard(CVideoOverlayElement *element)
 {
-    disconnect(element, nullptr, this, nullptr);
-    disconnect(this, nullptr, element, nullptr);
-    element->m_groupMutex = nullptr;
+    silence(element);
     if (!element->isBusy()) {
         delete element;
         return;
     }
-    // It was reached from one of its own signals: nothing may come of it any more until it can go.
+    // It was reached from one of its own signals, and its operation is still to be finished.
+    element->setParent(nullptr);
+    element->deleteLater();
+}
+
+void CVideoOverlayManager::silence(CVideoOverlayElement *element)
+{
+    disconnect(element, nullptr, this, nullptr);
+    disconnect(this, nullptr, element, nullptr);
     const auto datasources
         = element->findChildren<COsdElementDatasource *>(QString(), Qt::FindDirectChildrenOnly);
     for (COsdElementDatasource *datasource : datasources) {
@@ -332,8 +359,10 @@ void CVideoOverlayManager::discard(CVideoOverlayElement *element)
         else
             datasource->detach();
     }
-    element->setParent(nullptr);
-    element->deleteLater();
+    QMutexLocker lock(&element->m_mutex);
+    element->m_timer.stop();
+    element->m_timeoutDisabled = true; // or showing it once more would start the timer, with a line
+    element->m_groupMutex = nullptr;
 }
 
 bool CVideoOverlayManager::deleteElementFromModel(CVideoOverlayElement *element)
@@ -346,19 +375,26 @@ bool CVideoOverlayManager::deleteElementFromModel(CVideoOverlayElement *element)
 
 void CVideoOverlayManager::onChildDestroyed(CVideoOverlayElement *obj)
 {
+    if (!obj)
+        return;
+    // What asks to be destroyed is in the middle of asking.
+    const QPointer<CVideoOverlayElement> asking(obj);
+    asking->countEdit(1);
     deleteElementFromModel(obj);
+    if (asking)
+        asking->countEdit(-1);
 }
 
 void CVideoOverlayManager::removeElements()
 {
     QMutexLocker lock(&m_mutex);
     Q_EMIT beforeRemoveElements();
-    const QList<CVideoOverlayElement *> elements = m_elements;
-    for (CVideoOverlayElement *element : elements) {
-        if (element->type() == CVideoOverlayElement::Watermark || deleteElementFromModel(element))
+    for (const QPointer<CVideoOverlayElement> &element : guarded(m_elements)) {
+        if (!element || element->type() == CVideoOverlayElement::Watermark
+            || deleteElementFromModel(element))
             continue;
         // What may not be deleted by hand goes all the same: all belong to the old profile.
-        m_elementListModel->removeAlways(m_elements.indexOf(element));
+        m_elementListModel->removeAlways(m_elements.indexOf(element.data()));
     }
 }
 
@@ -400,6 +436,9 @@ void CVideoOverlayManager::onElementChanged(CVideoOverlayElement *element)
     if (row >= 0) { // the watermark has no row
         const QModelIndex index = m_elementListModel->index(row);
         Q_EMIT m_elementListModel->dataChanged(index, index);
+        // A handler may have deleted it, and then its box must not come back.
+        if (rowIndexByID(element->id()) < 0)
+            return;
     }
     m_control.displayElement(*element);
 }
@@ -441,8 +480,7 @@ QColor CVideoOverlayManager::getTextColor()
 void CVideoOverlayManager::setTextColor(QColor color)
 {
     QMutexLocker lock(&m_mutex);
-    const QList<CVideoOverlayElement *> elements = m_elements;
-    for (CVideoOverlayElement *element : elements) {
+    for (const QPointer<CVideoOverlayElement> &element : guarded(m_elements)) {
         if (auto *text = qobject_cast<CVideoOverlayText *>(element))
             text->setTextColor(color);
     }
@@ -460,8 +498,7 @@ QColor CVideoOverlayManager::getBackgroundColor()
 void CVideoOverlayManager::setBackgroundColor(QColor color)
 {
     QMutexLocker lock(&m_mutex);
-    const QList<CVideoOverlayElement *> elements = m_elements;
-    for (CVideoOverlayElement *element : elements) {
+    for (const QPointer<CVideoOverlayElement> &element : guarded(m_elements)) {
         if (auto *text = qobject_cast<CVideoOverlayText *>(element))
             text->setBackgroundColor(color);
     }
@@ -555,9 +592,8 @@ void CVideoOverlayManager::setFavorites(QStringList &favorites, int maxLineNumbe
 void CVideoOverlayManager::temporaryHideInspTexts(bool hide)
 {
     QMutexLocker lock(&m_mutex);
-    const QList<CVideoOverlayElement *> elements = m_elements;
-    for (CVideoOverlayElement *element : elements) {
-        if (element->type() == CVideoOverlayElement::InspStaticText)
+    for (const QPointer<CVideoOverlayElement> &element : guarded(m_elements)) {
+        if (element && element->type() == CVideoOverlayElement::InspStaticText)
             element->setTemporaryHide(hide);
     }
 }
@@ -609,9 +645,9 @@ ElementParam CVideoOverlayManager::generalSettingsGetAllProperties()
 
 QList<ElementParam> CVideoOverlayManager::getAllPropertiesWithChanges()
 {
+    QMutexLocker lock(&m_mutex);
     QList<ElementParam> all;
-    const QList<CVideoOverlayElement *> elements = getElementList();
-    for (CVideoOverlayElement *element : elements) {
+    for (CVideoOverlayElement *element : qAsConst(m_elements)) {
         ElementParam param = element->getAllProperties();
         if (element->type() == CVideoOverlayElement::FreeText)
             param.insert(QStringLiteral("favorites"), m_favoritesModel->stringList());
@@ -623,9 +659,9 @@ QList<ElementParam> CVideoOverlayManager::getAllPropertiesWithChanges()
 
 QList<ElementParam> CVideoOverlayManager::getPropertiesWithChanges()
 {
+    QMutexLocker lock(&m_mutex);
     QList<ElementParam> all;
-    const QList<CVideoOverlayElement *> elements = getElementList();
-    for (CVideoOverlayElement *element : elements) {
+    for (CVideoOverlayElement *element : qAsConst(m_elements)) {
         ElementParam changed = element->getChangedProperties();
         if (element->type() == CVideoOverlayElement::FreeText) {
             const QString key = QStringLiteral("favorites");

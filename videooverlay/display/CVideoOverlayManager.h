@@ -152,7 +152,10 @@ public Q_SLOTS:
 
 private:
     void adopt(CVideoOverlayElement *element);
+    /// Destroys it, at once or, in the middle of its own operation, when that is over.
     void discard(CVideoOverlayElement *element);
+    /// Nothing comes of it any more: no signal to or from here, no timeout, no new value.
+    void silence(CVideoOverlayElement *element);
     void connectText(CVideoOverlayText *text);
     void connectImage(CVideoOverlayImage *image);
     void onElementChanged(CVideoOverlayElement *element);

@@ -50,6 +50,12 @@ bool CVideoOverlayElement::isBusy() const
     return m_runningEdits > 0;
 }
 
+void CVideoOverlayElement::countEdit(int difference)
+{
+    QMutexLocker lock(&m_mutex);
+    m_runningEdits += difference;
+}
+
 double CVideoOverlayElement::height()
 {
     QMutexLocker lock(&m_mutex);
@@ -467,16 +473,14 @@ void CVideoOverlayElement::handleTimeout()
     {
         QMutexLocker lock(&m_mutex);
         deleteOnExpiry = m_deleteOnExpiry;
-        ++m_runningEdits;
     }
+    countEdit(1);
     if (deleteOnExpiry) // no lock is held
         Q_EMIT deleteRequest(this);
     if (alive)
         Q_EMIT timerExpired();
-    if (!alive)
-        return;
-    QMutexLocker lock(&m_mutex);
-    --m_runningEdits;
+    if (alive)
+        countEdit(-1);
 }
 
 } // namespace Velmar::VideoOverlay

@@ -59,8 +59,8 @@ class XQVIDEOOVERLAY_EXPORT CVideoOverlayElement : public QObject
     // clang-format on
 
 public:
-    /// Element kinds. The numbers are stored in profiles.
-    enum Type {
+    /// Element kinds. The numbers are stored in profiles, which may hold others.
+    enum Type : int {
         StaticText = 0,     ///< fixed text
         SystemText = 1,     ///< a live system value
         FreePicture = 2,    ///< picture file or screen snip
@@ -216,6 +216,7 @@ private:
 
     /// One of the element's own operations is running, and would return into a destroyed object.
     bool isBusy() const;
+    void countEdit(int difference); ///< 1 when such an operation begins, -1 when it ends
 
     std::atomic<double> m_x {0.0}; ///< written without the lock, hence atomic
     std::atomic<double> m_y {0.0};

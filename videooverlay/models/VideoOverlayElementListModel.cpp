@@ -8,6 +8,7 @@
 
 #include <QMutexLocker>
 #include <QQmlEngine>
+#include <QVector>
 
 namespace Velmar::VideoOverlay {
 
@@ -43,9 +44,9 @@ int VideoOverlayElementListModel::rowCount(const QModelIndex &parent) const
 
 QVariant VideoOverlayElementListModel::data(const QModelIndex &index, int role) const
 {
-    if (!checkIndex(index, CheckIndexOption::IndexIsValid | CheckIndexOption::ParentIsInvalid))
+    if (!index.isValid())
         return {};
-    const CVideoOverlayElement *element = m_manager.getElement(index.row());
+    const CVideoOverlayElement *element = m_manager.getElement(index.row()); // null beyond the end
     if (!element)
         return {};
     switch (role) {
@@ -172,9 +173,14 @@ void VideoOverlayElementListModel::setKx70Col(int column)
 template <typename Visit> void VideoOverlayElementListModel::forEachElement(Visit visit)
 {
     QMutexLocker lock(m_manager.mutex());
-    const QList<CVideoOverlayElement *> elements = m_manager.getElementList();
-    for (CVideoOverlayElement *element : elements)
-        visit(*element);
+    // Handlers of the elements' signals may delete elements.
+    QVector<QPointer<CVideoOverlayElement>> elements;
+    for (CVideoOverlayElement *element : m_manager.getElementList())
+        elements.append(element);
+    for (const QPointer<CVideoOverlayElement> &element : qAsConst(elements)) {
+        if (element)
+            visit(*element);
+    }
 }
 
 bool VideoOverlayElementListModel::remove(int index)
@@ -210,9 +216,10 @@ QVariant VideoOverlayElementListModel::createStaticText(QString text)
     param.insert(QStringLiteral("col"), 0);
     param.insert(QStringLiteral("text"), text);
     new COsdStaticTextDatasource(element, param); // a child of the element
-    endInsertRows();
     QQmlEngine::setObjectOwnership(element, QQmlEngine::CppOwnership);
-    return QVariant::fromValue<QObject *>(element);
+    const QPointer<QObject> created(element); // whoever follows the rows may delete it
+    endInsertRows();
+    return QVariant::fromValue<QObject *>(created);
 }
 
 QVariant VideoOverlayElementListModel::createImage(QString path)
@@ -229,9 +236,10 @@ QVariant VideoOverlayElementListModel::createImage(QString path)
     param.insert(QStringLiteral("enabled"), true);
     param.insert(QStringLiteral("scale"), 1.0);
     new COsdImageDatasource(element, param); // a child of the element
-    endInsertRows();
     QQmlEngine::setObjectOwnership(element, QQmlEngine::CppOwnership);
-    return QVariant::fromValue(element);
+    const QPointer<CVideoOverlayImage> created(element); // whoever follows the rows may delete it
+    endInsertRows();
+    return QVariant::fromValue(created.data());
 }
 
 void VideoOverlayElementListModel::hideNotPermanentElements()
@@ -241,8 +249,10 @@ void VideoOverlayElementListModel::hideNotPermanentElements()
         if (element.timeout() < 1 && type != CVideoOverlayElement::InspText
             && type != CVideoOverlayElement::FreeText)
             return;
+        const QPointer<CVideoOverlayElement> alive(&element);
         element.expireTimer();
-        element.setVisible(false);
+        if (alive)
+            alive->setVisible(false);
     });
     log(LogLevel::Debug, QStringLiteral("VideoOverlayElementListModel::hideNotPermanentElements"));
 }

@@ -51,6 +51,16 @@ bool isGeneral(const ElementParam &record)
     return record.value(QStringLiteral("general")).toBool();
 }
 
+/// Whoever builds the overlay gives the records new ids. Those of an earlier overlay would say that
+/// an element which is not shown this time was deleted.
+void forgetIds(Profile &profile)
+{
+    for (ElementParam &record : profile.elements()) {
+        if (!isGeneral(record))
+            record.remove(idKey);
+    }
+}
+
 /// A change of the text alone, whichever element it is from.
 bool isTextOnly(const ElementParam &changes)
 {
@@ -361,6 +371,8 @@ Profile *VideoOverlayProfilesModel::profileAt(int row) const
 
 void VideoOverlayProfilesModel::announceCurrentProfile()
 {
+    if (m_currentProfile)
+        forgetIds(*m_currentProfile);
     Q_EMIT currentProfileChanged(m_currentProfile);
     rememberDifferences();
 }

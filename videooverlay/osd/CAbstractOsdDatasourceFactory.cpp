@@ -3,6 +3,7 @@
 
 #include "videooverlay/captions/TemplateCaptionResolver.h"
 #include "videooverlay/elements/ElementParam.h"
+#include "videooverlay/osd/COsdBuilder.h"
 
 #include <utility>
 
@@ -14,7 +15,11 @@ CAbstractOsdDatasourceFactory::CAbstractOsdDatasourceFactory(
 {
 }
 
-CAbstractOsdDatasourceFactory::~CAbstractOsdDatasourceFactory() = default;
+CAbstractOsdDatasourceFactory::~CAbstractOsdDatasourceFactory()
+{
+    if (m_builder)
+        m_builder->forgetFactory(this);
+}
 
 COsdElementDatasource *CAbstractOsdDatasourceFactory::getDatasource(CVideoOverlayElement *element,
                                                                     ElementParam &param)

@@ -3,17 +3,20 @@
 
 #include "videooverlay/xqvideooverlay_export.h"
 
+#include <QPointer>
 #include <QSharedPointer>
 
 namespace Velmar::VideoOverlay {
 
+class COsdBuilder;
 class COsdElementDatasource;
 class CVideoOverlayElement;
 class ElementParam;
 class TemplateCaptionResolver;
 
 /// Makes the datasources of some of a profile's elements. The builder asks the factories that the
-/// host registered, one after the other; the first that accepts a record serves it.
+/// host registered, one after the other; the first that makes a datasource serves the record. A
+/// factory that is destroyed is not asked any more.
 class XQVIDEOOVERLAY_EXPORT CAbstractOsdDatasourceFactory
 {
 public:
@@ -35,8 +38,11 @@ public:
     COsdElementDatasource *getDatasource(CVideoOverlayElement *element, ElementParam &param);
 
 private:
+    friend class COsdBuilder; // notes itself here when it is told of this factory
+
     Q_DISABLE_COPY(CAbstractOsdDatasourceFactory)
     QSharedPointer<TemplateCaptionResolver> m_captionResolver;
+    QPointer<COsdBuilder> m_builder; ///< null unless registered
 };
 
 } // namespace Velmar::VideoOverlay

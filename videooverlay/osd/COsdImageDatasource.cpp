@@ -7,6 +7,9 @@
 
 #include <QDir>
 #include <QFile>
+#include <QUuid>
+
+#include <cstdio>
 
 namespace Velmar::VideoOverlay {
 
@@ -26,6 +29,24 @@ bool isSamePlace(const QString &one, const QString &other)
     const QString canonical = QFileInfo(one).canonicalFilePath();
     return canonical.isEmpty() ? QDir::cleanPath(one) == QDir::cleanPath(other)
                                : canonical == QFileInfo(other).canonicalFilePath();
+}
+
+/// Copied beside the target first: whatever fails, an older target stays whole.
+bool replaceWithCopy(const QFileInfo &source, const QString &target)
+{
+    if (!source.isFile()) // reading from a pipe would wait for its writer
+        return false;
+    const QString unfinished = QFileInfo(target).dir().filePath(
+        QStringLiteral(".unfinished-") + QUuid::createUuid().toString(QUuid::WithoutBraces));
+    if (!QFile::copy(source.filePath(), unfinished))
+        return false;
+    // QFile::rename() never replaces.
+    if (std::rename(QFile::encodeName(unfinished).constData(),
+                    QFile::encodeName(target).constData())
+        == 0)
+        return true;
+    QFile::remove(unfinished);
+    return false;
 }
 
 } // namespace
@@ -61,13 +82,12 @@ QFileInfo COsdImageDatasource::storeFile(const QFileInfo &source)
 {
     const QDir store(CApplicationDirectories::settingsDirectory());
     const QString target = store.absoluteFilePath(source.fileName());
-    // By whatever path: what is removed below must not be the only copy.
+    // By whatever path: what is replaced below must not be the only copy.
     if (isSamePlace(source.absolutePath(), store.absolutePath())
         || isSamePlace(source.absoluteFilePath(), target))
         return source;
-    QFile::remove(target);
     store.mkpath(QStringLiteral("."));
-    if (QFile::copy(source.filePath(), target))
+    if (replaceWithCopy(source, target))
         return QFileInfo(target);
     log(LogLevel::Error,
         QStringLiteral("COsdElementDatasource file copy error (") + source.filePath()

@@ -22,8 +22,8 @@ public:
     ~COsdImageDatasource() override;
 
     /// Copies @p source into the settings directory and returns the copy; a file that is there
-    /// already is returned as it is. Replaces an earlier copy of that name. No file, and a line in
-    /// the log, when it cannot be copied.
+    /// already is returned as it is. Replaces an earlier copy of that name, which stays whole when
+    /// the new one cannot be made: then no file comes back, and there is a line in the log.
     static QFileInfo storeFile(const QFileInfo &source);
 };
 

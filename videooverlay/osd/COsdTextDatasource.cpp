@@ -16,8 +16,8 @@ namespace Velmar::VideoOverlay {
 
 namespace {
 
-/// Far beyond the widest grid, and far below what a text cannot hold.
-constexpr int MaxWidth = 1000;
+/// Far beyond the widest grid: a wider padding only costs memory, and the widest cannot be had.
+constexpr int MaxWidth = 10000;
 
 } // namespace
 

@@ -1,0 +1,266 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "host/feed/SystemValueDatasourceFactory.h"
+#include "host/feed/SystemValues.h"
+#include "host/platform/CatalogStore.h"
+#include "host/platform/LocaleSettings.h"
+#include "host/platform/TranslationStore.h"
+#include "tests/support/LoggedTest.h"
+
+#include "videooverlay/elements/CVideoOverlayImage.h"
+#include "videooverlay/elements/CVideoOverlayText.h"
+#include "videooverlay/elements/ElementParam.h"
+#include "videooverlay/osd/COsdValueDatasource.h"
+#include "videooverlay/units/UnitsProvider.h"
+
+#include <QtTest>
+
+using namespace Velmar;
+using namespace Velmar::Host;
+using namespace Velmar::VideoOverlay;
+using Shared::LocaleSettings;
+
+namespace {
+
+ElementParam record(const QString &name)
+{
+    ElementParam param;
+    param.insert(QStringLiteral("type"), int(CVideoOverlayElement::SystemText));
+    param.insert(QStringLiteral("enabled"), true);
+    param.insert(ElementParam::NAME_COLUMNBOUND, name);
+    return param;
+}
+
+} // namespace
+
+class tst_SystemValueDatasourceFactory : public Velmar::Test::LoggedTest
+{
+    Q_OBJECT
+
+public:
+    tst_SystemValueDatasourceFactory()
+    {
+        allow(QStringLiteral("2 VideoOverlayLibrary: Invalid project.")); // there is none here
+    }
+
+private Q_SLOTS:
+    void accept_data();
+    void accept();
+    void textOfEachValue_data();
+    void textOfEachValue();
+    void emptyUnitBecomesTheUsers_data();
+    void emptyUnitBecomesTheUsers();
+    void givenUnitStays();
+    void captionsFollowTheLanguage();
+    void wrongElement();
+    void nothingBeforeTheFirstValue();
+    void everyCaptionedValueIsKnown();
+
+protected:
+    void prepare() override
+    {
+        LocaleSettings::reset();
+        LocaleSettings::setLocale(QLocale(QStringLiteral("en_US")));
+        Translation::TranslationStore::instance().setDirectory(
+            QStringLiteral(TRANSLATIONS_DIRECTORY));
+        Translation::TranslationStore::instance().setLocale(QLocale(QStringLiteral("en_US")));
+        m_factory = std::make_unique<SystemValueDatasourceFactory>(
+            CATManagement::CatalogStore::instance());
+    }
+
+private:
+    std::unique_ptr<SystemValueDatasourceFactory> m_factory;
+};
+
+void tst_SystemValueDatasourceFactory::accept_data()
+{
+    QTest::addColumn<QVariant>("type");
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<bool>("accepted");
+    const QVariant system(int(CVideoOverlayElement::SystemText));
+    QTest::newRow("speed") << system << QStringLiteral("SPEED") << true;
+    QTest::newRow("type as text") << QVariant(QStringLiteral("SystemText"))
+                                  << QStringLiteral("SPEED") << true;
+    QTest::newRow("pan and tilt") << system << QStringLiteral("PAN AND TILT") << true;
+    QTest::newRow("unknown value") << system << QStringLiteral("OBJ_Key") << false;
+    QTest::newRow("no value") << system << QString() << false;
+    QTest::newRow("inspection text")
+        << QVariant(int(CVideoOverlayElement::InspText)) << QStringLiteral("SPEED") << false;
+    QTest::newRow("no type") << QVariant() << QStringLiteral("SPEED") << false;
+}
+
+void tst_SystemValueDatasourceFactory::accept()
+{
+    QFETCH(QVariant, type);
+    QFETCH(QString, name);
+    QFETCH(bool, accepted);
+    ElementParam param = record(name);
+    param.insert(QStringLiteral("type"), type);
+    param.insert(QStringLiteral("textDatasource"), QStringLiteral("DB"));
+    QCOMPARE(m_factory->accept(param), accepted);
+    CVideoOverlayText text;
+    QCOMPARE(m_factory->getDatasource(&text, param) != nullptr, accepted);
+    if (name == QLatin1String("PAN AND TILT"))
+        QCOMPARE(takeLog().filter(QStringLiteral("cannot find caption")).size(), 1);
+}
+
+void tst_SystemValueDatasourceFactory::textOfEachValue_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QString>("unit");
+    QTest::addColumn<QVariant>("value");
+    QTest::addColumn<QString>("expected");
+    const auto row = [](const char *name, const char *unit, const QVariant &value,
+                        const char *expected) {
+        QTest::addRow("%s %s", name, unit) << QString::fromLatin1(name) << QString::fromUtf8(unit)
+                                           << value << QString::fromUtf8(expected);
+    };
+    for (const char *name :
+         {"SECTION_DISTANCE_COUNTER", "TOTAL_DISTANCE_COUNTER", "SAT_DISTANCE_COUNTER"}) {
+        row(name, "", 12.346, "12.35 m");
+        row(name, "m[.x]", 12.346, "12.3 m");
+        row(name, "ft", 3.048, "10.00 ft");
+    }
+    row("SPEED", "", 6.5, "6.50 m/min");
+    row("SPEED", "ft/min", 10.0, "32.81 ft/min");
+    row("SPEED", "m/s", 60.0, "1.00 m/s");
+    for (const char *name : {"CAMERA_TILT", "CAMERA_PAN"}) {
+        row(name, "", -3.4, "-3 \xC2\xB0");
+        row(name, "hour", 45.0, "1.5 h");
+    }
+    row("CAMERA_TILT", "%", 45.0, "100.0 %");
+    row("CAMERA_PAN", "\xC2\xB0", -0.2, "0 \xC2\xB0"); // no sign before nothing
+    for (const char *name : {"CRAWLER_PITCH", "CRAWLER_ROLL"}) {
+        row(name, "", -0.82, "-0.8 \xC2\xB0");
+        row(name, "%", 45.0, "100.0 %");
+        row(name, "\xC2\xB0", -0.02, "0.0 \xC2\xB0");
+    }
+    for (const char *name : {"CAMERA_TEMPERATURE", "CRAWLER_TEMPERATURE", "OBJECT_TEMPERATURE"}) {
+        row(name, "", 24.6,
+            "24.6 \xC2\xB0"
+            "C");
+        row(name,
+            "\xC2\xB0"
+            "F",
+            24.6,
+            "76.3 \xC2\xB0"
+            "F");
+    }
+    for (const char *name : {"CAMERA_PRESSURE", "CRAWLER_PRESSURE"}) {
+        row(name, "", 1098.4, "1098 mbar");
+        row(name, "atm", 1013.25, "1.000 atm");
+        row(name, "Pa", 10.0, "1000 Pa");
+    }
+    row("DATE", "yyyy-MM-dd", qint64(86400000), "1970-01-02 ");
+    row("DATE", "", qint64(86400000), "1/2/70 ");
+    row("TIME", "hh:mm:ss", qint64(3723000), "01:02:03 ");
+    row("VIDEO_TIME_COUNTER", "", qint64(3723000), "01:02:03 ");
+    row("VIDEO_TIME_COUNTER", "mm:ss", qint64(3723000), "02:03 ");
+    row("VIDEO_TIME_COUNTER", "hh:mm", qint64(1000000), "00:16 "); // not "1e+06"
+    row("SPEED", "m/min", QStringLiteral("---"), "--- m/min");
+}
+
+void tst_SystemValueDatasourceFactory::textOfEachValue()
+{
+    QFETCH(QString, name);
+    QFETCH(QString, unit);
+    QFETCH(QVariant, value);
+    QFETCH(QString, expected);
+    CVideoOverlayText text;
+    ElementParam param = record(name);
+    param.insert(QStringLiteral("unit"), unit);
+    auto *datasource = qobject_cast<COsdValueDatasource *>(m_factory->getDatasource(&text, param));
+    QVERIFY(datasource);
+    QCOMPARE(datasource->parent(), &text);
+    datasource->update(value);
+    QCOMPARE(text.text(), expected);
+}
+
+void tst_SystemValueDatasourceFactory::emptyUnitBecomesTheUsers_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QString>("unit");
+    QTest::newRow("speed") << QStringLiteral("SPEED") << QStringLiteral("ft/min");
+    QTest::newRow("distance") << QStringLiteral("TOTAL_DISTANCE_COUNTER") << QStringLiteral("ft");
+    QTest::newRow("angle") << QStringLiteral("CAMERA_PAN") << QStringLiteral("\u00B0");
+    QTest::newRow("temperature") << QStringLiteral("OBJECT_TEMPERATURE")
+                                 << QStringLiteral("\u00B0F");
+    QTest::newRow("pressure") << QStringLiteral("CAMERA_PRESSURE") << QStringLiteral("mbar");
+    QTest::newRow("a pattern is no unit") << QStringLiteral("DATE") << QString();
+}
+
+void tst_SystemValueDatasourceFactory::emptyUnitBecomesTheUsers()
+{
+    QFETCH(QString, name);
+    QFETCH(QString, unit);
+    LocaleSettings::setUnitSystem(LocaleSettings::UnitSystem::Imperial);
+    CVideoOverlayText text;
+    ElementParam param = record(name);
+    QVERIFY(m_factory->getDatasource(&text, param));
+    QCOMPARE(text.unit(), unit);
+    // It is what the element was made with, not an edit of the operator.
+    QCOMPARE(text.getParamObject().value(QStringLiteral("unit")).toString(), unit);
+}
+
+void tst_SystemValueDatasourceFactory::givenUnitStays()
+{
+    LocaleSettings::setUnitSystem(LocaleSettings::UnitSystem::Imperial);
+    CVideoOverlayText text;
+    ElementParam param = record(QStringLiteral("SPEED"));
+    param.insert(QStringLiteral("unit"), QStringLiteral("cm/s"));
+    QVERIFY(m_factory->getDatasource(&text, param));
+    QCOMPARE(text.unit(), QStringLiteral("cm/s"));
+}
+
+void tst_SystemValueDatasourceFactory::captionsFollowTheLanguage()
+{
+    CVideoOverlayText text;
+    ElementParam param = record(QStringLiteral("SPEED"));
+    param.insert(QStringLiteral("captionEnabled"), true);
+    param.insert(QStringLiteral("max_width"), 12);
+    auto *datasource = qobject_cast<COsdValueDatasource *>(m_factory->getDatasource(&text, param));
+    QVERIFY(datasource);
+    datasource->update(QVariant(6.5));
+    QCOMPARE(text.text(), QStringLiteral("Speed:   6.50 m/min"));
+    Translation::TranslationStore::instance().setLocale(QLocale(QStringLiteral("de_DE")));
+    QCOMPARE(text.text(), QStringLiteral("Geschwindigkeit:   6.50 m/min"));
+    QCOMPARE(m_factory->caption(QStringLiteral("CAMERA_PRESSURE")), QStringLiteral("Kameradruck"));
+}
+
+void tst_SystemValueDatasourceFactory::wrongElement()
+{
+    CVideoOverlayImage image;
+    ElementParam param = record(QStringLiteral("SPEED"));
+    QCOMPARE(m_factory->getDatasource(&image, param), nullptr);
+    QCOMPARE(image.children().size(), 1); // its own timer
+}
+
+void tst_SystemValueDatasourceFactory::nothingBeforeTheFirstValue()
+{
+    CVideoOverlayText date;
+    ElementParam param = record(QStringLiteral("DATE"));
+    QVERIFY(m_factory->getDatasource(&date, param));
+    QCOMPARE(date.text().trimmed(), QString()); // not the start of the epoch
+    CVideoOverlayText speed;
+    ElementParam other = record(QStringLiteral("SPEED"));
+    QVERIFY(m_factory->getDatasource(&speed, other));
+    QCOMPARE(speed.text(), QStringLiteral(" m/min"));
+}
+
+void tst_SystemValueDatasourceFactory::everyCaptionedValueIsKnown()
+{
+    int captioned = 0;
+    for (const SystemValue &value : SystemValues::all()) {
+        QCOMPARE(SystemValues::find(value.name), &value);
+        QCOMPARE(m_factory->converter(value.name) == nullptr,
+                 value.quantity == SystemValue::Quantity::Text);
+        QVERIFY(!value.description.isEmpty() && !value.example.isEmpty());
+        captioned += !m_factory->caption(value.name).isEmpty();
+    }
+    QCOMPARE(SystemValues::all().size(), 18);
+    QCOMPARE(captioned, 16);
+    QCOMPARE(takeLog().filter(QStringLiteral("cannot find caption")).size(), 2);
+    QVERIFY(!SystemValues::find(QStringLiteral("speed")));
+}
+
+QTEST_MAIN(tst_SystemValueDatasourceFactory)
+#include "tst_SystemValueDatasourceFactory.moc"
