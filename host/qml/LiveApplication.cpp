@@ -104,7 +104,7 @@ void LiveApplication::expose(const Setup &setup)
     const std::initializer_list<std::pair<const char *, QObject *>> objects {
         {"texts", m_texts.get()},
         {"messages", m_messages.get()},
-        {"overlay", m_overlay.get()},
+        {"liveOverlay", m_overlay.get()},
         {"manager", &m_overlay->manager()},
         {"elements", m_overlay->manager().getElementListModel()},
         {"profiles", &m_overlay->profiles()},

@@ -14,6 +14,7 @@
 #include <videooverlay/osd/COsdDomainDatasourceFactory.h>
 #include <videooverlay/profiles/ProfilesManager.h>
 
+#include <QDateTime>
 #include <QDir>
 
 namespace Velmar::Host {
@@ -92,6 +93,12 @@ void LiveOverlay::setTelemetry(TelemetryFile telemetry)
 
 void LiveOverlay::advanceTo(qint64 timeMs)
 {
+    const qint64 now = QDateTime::currentMSecsSinceEpoch();
+    if (now / 1000 != m_clockSecond) { // the texts show whole seconds
+        m_clockSecond = now / 1000;
+        m_session->feed().setValue(ElementParam::NAME_DATE, QVariant::fromValue(now));
+        m_session->feed().setValue(ElementParam::NAME_TIME, QVariant::fromValue(now));
+    }
     m_session->advanceTo(timeMs);
     Q_EMIT valuesChanged();
 }

@@ -65,6 +65,7 @@ private:
 
     QSize m_pictureSize;
     TelemetryFile m_telemetry;
+    qint64 m_clockSecond = -1; ///< that the texts show
     // What makes datasources goes after the elements.
     SystemValueDatasourceFactory m_systemValues;
     VideoOverlay::COsdImageDatasourceFactory m_pictures;

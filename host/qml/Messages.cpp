@@ -45,7 +45,7 @@ QStringList Messages::complaintsOf(const std::function<void()> &work)
     QStringList complaints;
     const QVector<Logging::LogEntry> entries = sink->take();
     for (const Logging::LogEntry &entry : entries) {
-        if (entry.level <= Logging::LogLevel::Warning)
+        if (entry.level == Logging::LogLevel::Error)
             complaints.append(entry.message);
     }
     return complaints;

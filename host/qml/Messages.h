@@ -29,8 +29,9 @@ public:
     Q_INVOKABLE void notice(const QString &text);
     Q_INVOKABLE void dismiss();
 
-    /// Runs @p work and returns what was logged as an error or a warning meanwhile. The library
-    /// gives the reasons of its failures there.
+    /// Runs @p work and returns what was logged as an error meanwhile: the library gives the
+    /// reasons of its failures there. Some lines of this level are no failures, so whether there
+    /// was one is to be told otherwise.
     static QStringList complaintsOf(const std::function<void()> &work);
 
 Q_SIGNALS:

@@ -8,6 +8,8 @@
 #include <videooverlay/models/VideoOverlayProfilesModel.h>
 #include <videooverlay/profiles/Profile.h>
 
+#include <QFile>
+
 namespace Velmar::Host {
 
 using VideoOverlay::Profile;
@@ -95,9 +97,9 @@ bool ProfileActions::remove(int row)
         m_messages.error(m_texts.text(QStringLiteral("errorReadOnly")));
         return false;
     }
-    bool done = false;
-    const QStringList complaints = Messages::complaintsOf([&] { done = profiles.remove(row); });
-    return report(done && complaints.isEmpty(), complaints);
+    const QString path = profile->path();
+    const QStringList complaints = Messages::complaintsOf([&] { profiles.remove(row); });
+    return report(!QFile::exists(path), complaints);
 }
 
 } // namespace Velmar::Host

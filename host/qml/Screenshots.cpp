@@ -4,7 +4,7 @@
 #include "host/qml/EditorController.h"
 #include "host/qml/LiveApplication.h"
 #include "host/qml/LiveOverlay.h"
-#include "host/qml/ProjectController.h"
+#include "host/qml/Messages.h"
 #include "host/qml/VideoController.h"
 
 #include <videooverlay/display/CVideoOverlayManager.h>
@@ -42,7 +42,7 @@ QObject *Screenshots::find(const char *objectName) const
 void Screenshots::click(const char *objectName) const
 {
     if (QObject *button = find(objectName))
-        QMetaObject::invokeMethod(button, "click");
+        QMetaObject::invokeMethod(button, "clicked");
 }
 
 void Screenshots::addSteps()
@@ -61,14 +61,16 @@ void Screenshots::addSteps()
     };
     m_steps.push_back({QStringLiteral("live"), [show] { show(0); }});
     m_steps.push_back({QStringLiteral("recording"), [this] { m_application.video().startRecording(); }});
+    m_steps.push_back({QStringLiteral("recorded"),
+                       [this] { m_application.video().stopRecording(); }});
     m_steps.push_back({QStringLiteral("observation"), [this] {
-                           m_application.video().stopRecording();
+                           m_application.messages().dismiss();
                            click("observationButton");
                        }});
     m_steps.push_back({QStringLiteral("editor"), [this, show, selectValue] {
                            QMetaObject::invokeMethod(find("observation"), "close");
                            show(1);
-                           selectValue(VideoOverlay::ElementParam::NAME_SPEED);
+                           selectValue(VideoOverlay::ElementParam::NAME_SECTION_DISTANCE_COUNTER);
                        }});
     m_steps.push_back({QStringLiteral("editor-properties"), [this] {
                            m_application.editor().nudge(0, -1);

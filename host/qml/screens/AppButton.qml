@@ -10,6 +10,7 @@ Button {
     property color fill: Theme.raised
     property color ink: Theme.text
     property string symbol: ""
+    property int align: Text.AlignHCenter
 
     implicitHeight: Theme.touch
     implicitWidth: Math.max(Theme.touch, contentItem.implicitWidth + 2 * Theme.gap)
@@ -17,15 +18,16 @@ Button {
     font.pixelSize: Theme.font
     opacity: enabled ? 1 : 0.4
     activeFocusOnTab: true
-    Keys.onReturnPressed: click()
-    Keys.onEnterPressed: click()
+    Keys.onReturnPressed: clicked()
+    Keys.onEnterPressed: clicked()
 
     contentItem: Text {
         text: control.symbol === "" ? control.text
             : control.text === "" ? control.symbol : control.symbol + "  " + control.text
         font: control.font
-        color: control.checked ? Theme.onAccent : control.ink
-        horizontalAlignment: Text.AlignHCenter
+        color: control.checked ? Theme.accentInk : control.ink
+        horizontalAlignment: control.align
+        leftPadding: control.align === Text.AlignLeft ? Theme.gap : 0
         verticalAlignment: Text.AlignVCenter
         elide: Text.ElideRight
     }

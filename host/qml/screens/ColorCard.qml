@@ -11,7 +11,7 @@ Card {
     property string title: ""
     property color start: "white"
     property color choice: "white"
-    readonly property var palette: ["#ffffff", "#d0d0d0", "#808080", "#000000",
+    readonly property var tones: ["#ffffff", "#d0d0d0", "#808080", "#000000",
         "#ffe066", "#ff9f1c", "#e02020", "#8a0f0f",
         "#a8e05f", "#1f9d3a", "#0b4f2a", "#30d5c8",
         "#5bb0ff", "#1060d0", "#0a1f5c", "#c060e0"]
@@ -44,7 +44,7 @@ Card {
             rowSpacing: 4
             columnSpacing: 4
             Repeater {
-                model: card.palette
+                model: card.tones
                 AppButton {
                     readonly property color color: modelData
                     objectName: card.objectName + "Color" + index
@@ -88,7 +88,7 @@ Card {
                 objectName: card.objectName + "Ok"
                 text: texts.ok
                 fill: Theme.accent
-                ink: Theme.onAccent
+                ink: Theme.accentInk
                 enabled: value.acceptableInput
                 onClicked: {
                     card.close()

@@ -57,7 +57,7 @@ Item {
                 objectName: "save"
                 text: texts.save
                 fill: Theme.accent
-                ink: Theme.onAccent
+                ink: Theme.accentInk
                 enabled: editor.history.modified
                 onClicked: screen.saveWanted()
             }
@@ -110,6 +110,8 @@ Item {
                     spacing: Theme.gap
 
                     GridLayout {
+                        Layout.fillWidth: false
+                        Layout.alignment: Qt.AlignTop
                         columns: 3
                         rowSpacing: 4
                         columnSpacing: 4
@@ -137,19 +139,24 @@ Item {
                         ScrollBar.vertical: ScrollBar { }
                         delegate: AppButton {
                             width: warnings.width - 16
+                            align: Text.AlignLeft
                             symbol: "\u26A0"
                             text: modelData.text
                             font.pixelSize: Theme.smallFont
                             onClicked: editor.select(modelData.index)
                         }
                         AppText {
-                            anchors.centerIn: parent
+                            anchors.fill: parent
+                            horizontalAlignment: Text.AlignHCenter
+                            verticalAlignment: Text.AlignVCenter
                             visible: warnings.count === 0
                             text: "\u2713 " + texts.noWarnings
                             color: Theme.muted
                         }
                     }
                     ColumnLayout {
+                        Layout.fillWidth: false
+                        Layout.preferredWidth: 150
                         spacing: 4
                         AppButton {
                             objectName: "addText"
@@ -171,7 +178,7 @@ Item {
                             symbol: "\u2715"
                             text: texts.deleteElement
                             fill: Theme.danger
-                            ink: Theme.onDanger
+                            ink: Theme.dangerInk
                             enabled: editor.canDelete
                             onClicked: editor.deleteSelected()
                         }

@@ -53,7 +53,7 @@ ColumnLayout {
                     Layout.fillWidth: true
                     Layout.leftMargin: Theme.gap
                     text: row.text
-                    color: row.checked ? Theme.onAccent : Theme.text
+                    color: row.checked ? Theme.accentInk : Theme.text
                     elide: Text.ElideRight
                     maximumLineCount: 1
                     wrapMode: Text.NoWrap
@@ -61,7 +61,7 @@ ColumnLayout {
                 AppText {
                     Layout.rightMargin: Theme.gap
                     text: shown ? "\u2713" : "\u2715"
-                    color: row.checked ? Theme.onAccent : Theme.text
+                    color: row.checked ? Theme.accentInk : Theme.text
                 }
             }
         }

@@ -27,7 +27,7 @@ ColumnLayout {
                 id: badge
                 anchors.centerIn: parent
                 text: "\u25CF " + texts.recording + " " + video.recordedTime
-                color: Theme.onDanger
+                color: Theme.dangerInk
                 font.bold: true
             }
         }
@@ -105,7 +105,7 @@ ColumnLayout {
             text: screen.recording ? texts.stop
                 : video.recordState === VideoController.Finishing ? texts.finishing : texts.record
             fill: Theme.danger
-            ink: Theme.onDanger
+            ink: Theme.dangerInk
             enabled: video.recordState !== VideoController.Finishing && (screen.recording || video.running)
             onClicked: screen.recording ? video.stopRecording() : video.startRecording()
         }

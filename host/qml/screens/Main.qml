@@ -78,14 +78,14 @@ ApplicationWindow {
                                 Layout.alignment: Qt.AlignHCenter
                                 text: modelData.symbol
                                 font.pixelSize: 34
-                                color: tab.checked ? Theme.onAccent : Theme.text
+                                color: tab.checked ? Theme.accentInk : Theme.text
                             }
                             Text {
                                 Layout.alignment: Qt.AlignHCenter
                                 text: tab.text
                                 font.pixelSize: Theme.smallFont
                                 font.bold: tab.checked
-                                color: tab.checked ? Theme.onAccent : Theme.text
+                                color: tab.checked ? Theme.accentInk : Theme.text
                             }
                         }
                     }

@@ -11,6 +11,11 @@ Rectangle {
     implicitHeight: visible ? Math.max(Theme.touch + Theme.gap, content.implicitHeight + Theme.gap) : 0
     color: messages.isError ? Theme.danger : Theme.good
 
+    Timer {     // what was done needs no answer; what failed stays until it is read
+        interval: 8000
+        running: bar.visible && !messages.isError
+        onTriggered: messages.dismiss()
+    }
     RowLayout {
         id: content
         anchors { fill: parent; leftMargin: Theme.gap; rightMargin: Theme.gap / 2 }
@@ -18,13 +23,13 @@ Rectangle {
         AppText {
             text: messages.isError ? "\u26A0" : "\u2713"
             font.pixelSize: Theme.titleFont
-            color: Theme.onDanger
+            color: Theme.dangerInk
         }
         AppText {
             objectName: "messageText"
             Layout.fillWidth: true
             text: messages.text
-            color: Theme.onDanger
+            color: Theme.dangerInk
             wrapMode: Text.WrapAtWordBoundaryOrAnywhere
             maximumLineCount: 4
             elide: Text.ElideRight

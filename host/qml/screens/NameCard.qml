@@ -56,7 +56,7 @@ Card {
                 objectName: card.objectName + "Ok"
                 text: texts.ok
                 fill: Theme.accent
-                ink: Theme.onAccent
+                ink: Theme.accentInk
                 enabled: card.mayBeEmpty || field.text.trim() !== ""
                 onClicked: card.accept()
             }

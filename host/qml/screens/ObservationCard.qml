@@ -62,6 +62,7 @@ Card {
             delegate: AppButton {
                 objectName: "code" + modelData.code
                 width: list.width - 16
+                align: Text.AlignLeft
                 text: modelData.code + "   " + modelData.caption
                 checked: card.code === modelData.code
                 symbol: checked ? "\u2713" : ""
@@ -86,7 +87,7 @@ Card {
                 objectName: "observationSave"
                 text: texts.store
                 fill: Theme.accent
-                ink: Theme.onAccent
+                ink: Theme.accentInk
                 enabled: card.code !== ""
                 onClicked: {
                     if (project.addObservation(card.code, card.distanceM, remark.text))

@@ -63,6 +63,7 @@ Card {
                 delegate: AppButton {
                     objectName: "picture" + fileName
                     width: list.width - 16
+                    align: Text.AlignLeft
                     text: fileName
                     symbol: fileIsDir ? "\u25B7" : checked ? "\u2713" : ""
                     checked: card.chosen === filePath
@@ -113,7 +114,7 @@ Card {
                 objectName: "pictureAdd"
                 text: texts.add
                 fill: Theme.accent
-                ink: Theme.onAccent
+                ink: Theme.accentInk
                 enabled: card.chosen !== ""
                 onClicked: {
                     if (editor.addPicture(card.chosen))

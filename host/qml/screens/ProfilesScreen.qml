@@ -50,14 +50,14 @@ ColumnLayout {
                     Layout.preferredWidth: 24
                     Layout.leftMargin: Theme.gap
                     text: row.isCurrent ? "\u25B6" : ""
-                    color: row.checked ? Theme.onAccent : Theme.text
+                    color: row.checked ? Theme.accentInk : Theme.text
                 }
                 AppText {
                     Layout.fillWidth: true
                     text: row.text
                     elide: Text.ElideMiddle
                     maximumLineCount: 1
-                    color: row.checked ? Theme.onAccent : Theme.text
+                    color: row.checked ? Theme.accentInk : Theme.text
                 }
                 Repeater {
                     model: [row.isCurrent ? texts.current : "",
@@ -91,7 +91,7 @@ ColumnLayout {
             text: texts.select
             symbol: "\u25B6"
             fill: Theme.accent
-            ink: Theme.onAccent
+            ink: Theme.accentInk
             enabled: screen.markedProfile !== null && screen.marked !== profileActions.currentIndex
             onClicked: {
                 const index = screen.marked
@@ -121,7 +121,7 @@ ColumnLayout {
             text: texts.remove
             symbol: "\u2715"
             fill: Theme.danger
-            ink: Theme.onDanger
+            ink: Theme.dangerInk
             enabled: screen.canChange
             onClicked: removal.open()
         }

@@ -34,6 +34,7 @@ RowLayout {
             delegate: AppButton {
                 objectName: "projectFile" + index
                 width: files.width - 16
+                align: Text.AlignLeft
                 text: modelData.name
                 checked: project.path === modelData.path
                 symbol: checked ? "\u2713" : ""
@@ -66,6 +67,7 @@ RowLayout {
             delegate: AppButton {
                 objectName: "inspection" + index
                 width: inspections.width - 16
+                align: Text.AlignLeft
                 text: modelData.name + (modelData.detail === "" ? "" : "  \u2013  " + modelData.detail)
                 checked: project.inspectionIndex === index
                 symbol: checked ? "\u2713" : ""
@@ -150,7 +152,7 @@ RowLayout {
                     objectName: "projectCreate"
                     text: texts.create
                     fill: Theme.accent
-                    ink: Theme.onAccent
+                    ink: Theme.accentInk
                     enabled: projectName.text.trim() !== "" && sectionName.text.trim() !== ""
                     onClicked: {
                         const choice = project.catalogs[newProject.catalog]

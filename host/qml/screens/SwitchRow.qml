@@ -28,7 +28,7 @@ Switch {
             x: control.checked ? 16 : parent.width - width - 16
             text: control.checked ? "\u2713" : "\u2715"
             font.pixelSize: Theme.font
-            color: control.checked ? Theme.onAccent : Theme.text
+            color: control.checked ? Theme.accentInk : Theme.text
         }
         Rectangle {
             x: control.checked ? parent.width - width - 5 : 5
@@ -36,7 +36,7 @@ Switch {
             width: 34
             height: 34
             radius: 17
-            color: control.checked ? Theme.onAccent : Theme.text
+            color: control.checked ? Theme.accentInk : Theme.text
         }
     }
     contentItem: Text {

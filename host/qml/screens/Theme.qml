@@ -14,11 +14,11 @@ QtObject {
     readonly property color text: "#ffffff"
     readonly property color muted: "#d5dfe9"
     readonly property color accent: "#ffd54a"
-    readonly property color onAccent: "#10151a"
+    readonly property color accentInk: "#10151a"
     readonly property color danger: "#8a0f0f"
-    readonly property color onDanger: "#ffffff"
+    readonly property color dangerInk: "#ffffff"
     readonly property color good: "#0b4f2a"
-    readonly property color onGood: "#ffffff"
+    readonly property color goodInk: "#ffffff"
 
     readonly property int touch: 60
     readonly property int gap: 12

@@ -20,7 +20,7 @@ Item {
     OverlayView {
         id: overlayView
         anchors.fill: parent
-        Component.onCompleted: overlay.showIn(overlayView)
+        Component.onCompleted: liveOverlay.showIn(overlayView)
     }
     Connections {
         target: video
