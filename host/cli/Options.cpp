@@ -352,6 +352,8 @@ bool parseLive(const QStringList &arguments, Options *options, QString *error)
     CommandParser parser(QStringLiteral("Shows the touch screens."));
     addSource(parser,
               "Picture size. 1280x720 for test and pipe; files and cameras keep their own.");
+    parser.add("input", "INPUT",
+               "Live values, one JSON object a line, from \"stdin\" or \"socket:PATH\".");
     parser.add("projects", "DIR", "Where the projects are.");
     parser.add("recordings", "DIR", "Where recordings go.");
     parser.add("screenshots", "DIR", "Writes a picture of every screen there and ends.");
@@ -365,6 +367,8 @@ bool parseLive(const QStringList &arguments, Options *options, QString *error)
     options->projectDirectory = parser.value("projects");
     options->recordingDirectory = parser.value("recordings");
     options->screenshotDirectory = parser.value("screenshots");
+    if (parser.isSet("input") && !readInput(parser.value("input"), options, error))
+        return false;
     return readSource(parser, options, error) && checkFiles(*options, error);
 }
 

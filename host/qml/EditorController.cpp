@@ -362,8 +362,11 @@ void EditorController::change(Element *element, const QByteArray &property, cons
 
 void EditorController::set(const QString &property, const QVariant &value)
 {
-    if (m_selected)
-        change(m_selected, property.toLatin1(), value);
+    if (!m_selected)
+        return;
+    change(m_selected, property.toLatin1(), value);
+    if (m_selected->type() == Element::FreeText && property == QLatin1String("text"))
+        m_selected->setVisible(!value.toString().isEmpty()); // free texts never show themselves
 }
 
 void EditorController::setForAll(const QString &property, const QVariant &value)
@@ -574,8 +577,9 @@ void EditorController::updateWarnings()
             Element &other = *elements.at(j);
             const QRectF common = rect & rectOf(other);
             if (other.visible() && common.width() > 1 && common.height() > 1)
-                warn(i,
-                     m_texts.text(QStringLiteral("warningOverlap")).arg(name(element), name(other)));
+                warn(
+                    i,
+                    m_texts.text(QStringLiteral("warningOverlap")).arg(name(element), name(other)));
         }
     }
     Q_EMIT selectedNameChanged();
@@ -610,7 +614,8 @@ bool EditorController::save()
     if (!report(Messages::complaintsOf([this] { m_overlay.profiles().saveCurrentProfile(); })))
         return false;
     m_history.clear();
-    m_messages.notice(m_texts.text(QStringLiteral("saved")).arg(manager().currentProfile()->caption()));
+    m_messages.notice(
+        m_texts.text(QStringLiteral("saved")).arg(manager().currentProfile()->caption()));
     return true;
 }
 

@@ -63,13 +63,13 @@ public:
 
     EditHistory *history() { return &m_history; }
     VideoOverlay::CVideoOverlayElement *selected() const { return m_selected; } ///< may be null
-    int selectedIndex() const; ///< -1: none
+    int selectedIndex() const;                                                  ///< -1: none
     bool selectedIsText() const;
     bool selectedIsPicture() const;
     bool selectedHasOwnText() const; ///< typed by the operator, not taken from a value
     bool selectedIsFreeText() const;
     QString selectedName() const;
-    bool canDelete() const; ///< what the operator could add again
+    bool canDelete() const;          ///< what the operator could add again
     QStringList unitChoices() const; ///< empty for what has no unit
     QStringList favorites() const;
 

@@ -75,8 +75,8 @@ bool LiveApplication::start(const Setup &setup, QString *error)
     m_overlay->setTelemetry(telemetry);
     m_video = std::make_unique<VideoController>(video, *m_overlay, *m_messages, *m_texts);
     m_editor = std::make_unique<EditorController>(*m_overlay, *m_messages, *m_texts);
-    m_filter = std::make_unique<ElementFilter>(*m_editor,
-                                               *m_overlay->manager().getElementListModel());
+    m_filter
+        = std::make_unique<ElementFilter>(*m_editor, *m_overlay->manager().getElementListModel());
     m_profileActions = std::make_unique<ProfileActions>(*m_overlay, *m_messages, *m_texts);
     m_project = std::make_unique<ProjectController>(setup.projectDirectory, *m_overlay, *m_messages,
                                                     *m_texts);

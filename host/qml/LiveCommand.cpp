@@ -3,8 +3,12 @@
 
 #include "host/cli/InterruptWatch.h"
 #include "host/cli/Report.h"
+#include "host/feed/LiveInput.h"
 #include "host/qml/LiveApplication.h"
+#include "host/qml/LiveOverlay.h"
+#include "host/qml/Messages.h"
 #include "host/qml/Screenshots.h"
+#include "host/qml/VideoController.h"
 #include "platform/directories/CApplicationDirectories.h"
 
 #include <QEventLoop>
@@ -18,9 +22,8 @@ namespace {
 
 QString orStandard(const QString &path, QStandardPaths::StandardLocation location)
 {
-    return path.isEmpty()
-        ? QStandardPaths::writableLocation(location) + QStringLiteral("/xqosd")
-        : QFileInfo(path).absoluteFilePath();
+    return path.isEmpty() ? QStandardPaths::writableLocation(location) + QStringLiteral("/xqosd")
+                          : QFileInfo(path).absoluteFilePath();
 }
 
 } // namespace
@@ -30,7 +33,8 @@ int runLive(const Options &options)
     const QString data = CApplicationDirectories::readonlyConfigDirectory();
     LiveApplication::Setup setup;
     setup.source = options.source;
-    setup.telemetryPath = options.telemetryPath.isEmpty() && options.source.isDrawn()
+    const bool hasInput = options.inputFromPipe || !options.inputSocket.isEmpty();
+    setup.telemetryPath = options.telemetryPath.isEmpty() && options.source.isDrawn() && !hasInput
         ? data + QStringLiteral("/demo/telemetry.csv")
         : options.telemetryPath;
     setup.projectDirectory
@@ -47,9 +51,28 @@ int runLive(const Options &options)
     if (!application.start(setup, &error))
         return reportError(error);
 
+    LiveInput input;
+    QObject::connect(&input, &LiveInput::valueRead, &application.overlay(), &LiveOverlay::setValue);
+    QObject::connect(&input, &LiveInput::problemFound, &application.messages(), &Messages::error);
+    if (options.inputFromPipe)
+        input.readFrom(0);
+    else if (!options.inputSocket.isEmpty() && !input.listen(options.inputSocket, &error))
+        return reportError(error);
+
     QEventLoop loop;
     InterruptWatch interrupt;
-    QObject::connect(&interrupt, &InterruptWatch::interrupted, &loop, &QEventLoop::quit);
+    QObject::connect(&interrupt, &InterruptWatch::interrupted, &loop, [&] {
+        VideoController &video = application.video();
+        if (video.recordState() == VideoController::Idle) {
+            loop.quit();
+            return;
+        }
+        QObject::connect(&video, &VideoController::recordStateChanged, &loop, [&] {
+            if (video.recordState() == VideoController::Idle)
+                loop.quit();
+        });
+        video.stopRecording(); // so that the file is complete
+    });
     QObject::connect(qGuiApp, &QGuiApplication::lastWindowClosed, &loop, &QEventLoop::quit);
     QString failure;
     Screenshots screenshots(application, options.screenshotDirectory);

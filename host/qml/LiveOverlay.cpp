@@ -103,6 +103,11 @@ void LiveOverlay::advanceTo(qint64 timeMs)
     Q_EMIT valuesChanged();
 }
 
+void LiveOverlay::setValue(const QString &name, const QVariant &value)
+{
+    m_session->feed().setValue(name, value);
+}
+
 QVariant LiveOverlay::value(const QString &name) const
 {
     return m_session->feed().value(name);

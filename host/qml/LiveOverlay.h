@@ -50,6 +50,7 @@ public:
     const TelemetryFile &telemetry() const { return m_telemetry; }
     /// Brings the values to their readings at @p timeMs of the run.
     void advanceTo(qint64 timeMs);
+    void setValue(const QString &name, const QVariant &value);
     QVariant value(const QString &name) const; ///< the last one; invalid when there was none
 
     /// Makes an OverlayView show this overlay.

@@ -6,7 +6,6 @@
 #include "host/qml/UiTexts.h"
 
 #include <videooverlay/models/VideoOverlayProfilesModel.h>
-#include <videooverlay/profiles/Profile.h>
 
 #include <QFile>
 
@@ -14,15 +13,6 @@ namespace Velmar::Host {
 
 using VideoOverlay::Profile;
 using VideoOverlay::VideoOverlayProfilesModel;
-
-namespace {
-
-Profile *profileAt(const VideoOverlayProfilesModel &profiles, int row)
-{
-    return profiles.data(profiles.index(row)).value<Profile *>();
-}
-
-} // namespace
 
 ProfileActions::ProfileActions(LiveOverlay &overlay, Messages &messages, const UiTexts &texts,
                                QObject *parent)
@@ -37,6 +27,12 @@ ProfileActions::ProfileActions(LiveOverlay &overlay, Messages &messages, const U
             &ProfileActions::currentChanged); // renamed
 }
 
+Profile *ProfileActions::profileAt(int row) const
+{
+    const VideoOverlayProfilesModel &profiles = m_overlay.profiles();
+    return profiles.data(profiles.index(row)).value<Profile *>();
+}
+
 int ProfileActions::currentIndex() const
 {
     return m_overlay.profiles().currentProfileIndex();
@@ -44,7 +40,7 @@ int ProfileActions::currentIndex() const
 
 QString ProfileActions::currentName() const
 {
-    const Profile *profile = profileAt(m_overlay.profiles(), currentIndex());
+    const Profile *profile = profileAt(currentIndex());
     return profile ? profile->caption() : QString();
 }
 
@@ -71,14 +67,14 @@ bool ProfileActions::clone(int row, const QString &name)
     bool done = false;
     const QStringList complaints = Messages::complaintsOf([&] {
         VideoOverlayProfilesModel &profiles = m_overlay.profiles();
-        done = profiles.clone(profileAt(profiles, row), name) != nullptr;
+        done = profiles.clone(profileAt(row), name) != nullptr;
     });
     return report(done, complaints);
 }
 
 bool ProfileActions::rename(int row, const QString &name)
 {
-    Profile *profile = profileAt(m_overlay.profiles(), row);
+    Profile *profile = profileAt(row);
     bool done = false;
     const QStringList complaints = Messages::complaintsOf(
         [&] { done = profile && !profile->readOnly() && profile->rename(name.trimmed()); });
@@ -92,7 +88,7 @@ bool ProfileActions::rename(int row, const QString &name)
 bool ProfileActions::remove(int row)
 {
     VideoOverlayProfilesModel &profiles = m_overlay.profiles();
-    const Profile *profile = profileAt(profiles, row);
+    const Profile *profile = profileAt(row);
     if (!profile || profile->readOnly()) {
         m_messages.error(m_texts.text(QStringLiteral("errorReadOnly")));
         return false;

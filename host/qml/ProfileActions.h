@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <videooverlay/profiles/Profile.h>
+
 #include <QObject>
 #include <QString>
 
@@ -28,6 +30,8 @@ public:
     int currentIndex() const;    ///< -1: none
     QString currentName() const; ///< for people
 
+    /// Null where there is no such row.
+    Q_INVOKABLE Velmar::VideoOverlay::Profile *profileAt(int row) const;
     Q_INVOKABLE bool select(int row);
     /// A blank name makes a numbered copy.
     Q_INVOKABLE bool clone(int row, const QString &name);

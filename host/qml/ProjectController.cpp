@@ -128,9 +128,9 @@ QVariantList ProjectController::inspections() const
 
 QString ProjectController::inspectionName() const
 {
-    return m_inspectionIndex < 0 ? QString()
-                                 : textOf(m_inspections.at(m_inspectionIndex)->parentObject(),
-                                          QStringLiteral("OBJ_Key"));
+    return m_inspectionIndex < 0
+        ? QString()
+        : textOf(m_inspections.at(m_inspectionIndex)->parentObject(), QStringLiteral("OBJ_Key"));
 }
 
 QString ProjectController::catalogId() const
@@ -158,8 +158,7 @@ QVariantList ProjectController::catalogs() const
     const CatalogStore &store = CatalogStore::instance();
     const QStringList ids = store.catalogIds();
     for (const QString &id : ids)
-        list.append(
-            entry(QStringLiteral("id"), id, QStringLiteral("name"), store.catalogName(id)));
+        list.append(entry(QStringLiteral("id"), id, QStringLiteral("name"), store.catalogName(id)));
     return list;
 }
 
@@ -168,9 +167,8 @@ void ProjectController::provideDemo(const QString &demoFile)
     if (!files().isEmpty() || !QDir().mkpath(m_directory))
         return;
     const QString path = QDir(m_directory).filePath(QStringLiteral("Demo") + suffix);
-    const QString catalog = language() == QLatin1String("de")
-        ? QStringLiteral("EN13508-2-DEU-DE")
-        : QString(); // the file's own
+    const QString catalog = language() == QLatin1String("de") ? QStringLiteral("EN13508-2-DEU-DE")
+                                                              : QString(); // the file's own
     if (!m_session.createDemo(path, demoFile, catalog)) {
         fail(m_session.errorText());
         return;
@@ -199,10 +197,9 @@ bool ProjectController::fill(InspectionDatabase &database, const QString &name,
                              const QString &section, const QString &catalogId) const
 {
     return database.transaction([&] {
-        const RecordPointer project
-            = database.add(Kind::Project, {},
-                           {{QStringLiteral("PRJ_Name"), name},
-                            {Database::catalogIdColumn, catalogId}});
+        const RecordPointer project = database.add(
+            Kind::Project, {},
+            {{QStringLiteral("PRJ_Name"), name}, {Database::catalogIdColumn, catalogId}});
         const RecordPointer object = project
             ? database.add(Kind::Section, project, {{QStringLiteral("OBJ_Key"), section}})
             : RecordPointer();

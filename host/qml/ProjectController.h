@@ -41,7 +41,7 @@ public:
     QVariantList files() const; ///< maps of "name" and "path"
     QString path() const;       ///< of the open project; empty: none
     QString projectName() const;
-    QVariantList inspections() const; ///< maps of "name" and "detail"
+    QVariantList inspections() const;                         ///< maps of "name" and "detail"
     int inspectionIndex() const { return m_inspectionIndex; } ///< -1: none
     QString inspectionName() const;
     QVariantList observationCodes() const; ///< of the project's catalog: "code" and "caption"

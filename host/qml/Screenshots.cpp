@@ -6,6 +6,7 @@
 #include "host/qml/LiveOverlay.h"
 #include "host/qml/Messages.h"
 #include "host/qml/VideoController.h"
+#include "platform/directories/CApplicationDirectories.h"
 
 #include <videooverlay/display/CVideoOverlayManager.h>
 #include <videooverlay/elements/ElementParam.h>
@@ -47,9 +48,7 @@ void Screenshots::click(const char *objectName) const
 
 void Screenshots::addSteps()
 {
-    const auto show = [this](int screen) {
-        m_application.window()->setProperty("screen", screen);
-    };
+    const auto show = [this](int screen) { m_application.window()->setProperty("screen", screen); };
     const auto selectValue = [this](const QString &name) {
         VideoOverlay::CVideoOverlayManager &manager = m_application.overlay().manager();
         for (int i = 0; i < manager.elementsCount(); ++i) {
@@ -60,9 +59,10 @@ void Screenshots::addSteps()
         }
     };
     m_steps.push_back({QStringLiteral("live"), [show] { show(0); }});
-    m_steps.push_back({QStringLiteral("recording"), [this] { m_application.video().startRecording(); }});
-    m_steps.push_back({QStringLiteral("recorded"),
-                       [this] { m_application.video().stopRecording(); }});
+    m_steps.push_back(
+        {QStringLiteral("recording"), [this] { m_application.video().startRecording(); }});
+    m_steps.push_back(
+        {QStringLiteral("recorded"), [this] { m_application.video().stopRecording(); }});
     m_steps.push_back({QStringLiteral("observation"), [this] {
                            m_application.messages().dismiss();
                            click("observationButton");
@@ -76,12 +76,19 @@ void Screenshots::addSteps()
                            m_application.editor().nudge(0, -1);
                            find("editorScreen")->setProperty("panel", 1);
                        }});
-    m_steps.push_back({QStringLiteral("editor-colour"), [this] { click("propertyTextColorButton"); }});
+    m_steps.push_back(
+        {QStringLiteral("editor-colour"), [this] { click("propertyTextColorButton"); }});
     m_steps.push_back({QStringLiteral("editor-overlay"), [this] {
                            QMetaObject::invokeMethod(find("propertyTextColorCard"), "close");
                            find("editorScreen")->setProperty("panel", 2);
                        }});
-    m_steps.push_back({QStringLiteral("editor-picture"), [this] { click("addPicture"); }});
+    m_steps.push_back({QStringLiteral("editor-picture"), [this] {
+                           click("addPicture");
+                           find("pictureCard")
+                               ->setProperty("chosen",
+                                             CApplicationDirectories::readonlyConfigDirectory()
+                                                 + QStringLiteral("/demo/picture.png"));
+                       }});
     m_steps.push_back({QStringLiteral("profiles"), [this, show] {
                            QMetaObject::invokeMethod(find("pictureCard"), "close");
                            show(2);
@@ -110,8 +117,7 @@ void Screenshots::shoot()
     QImage picture = window->grabWindow();
     if (picture.isNull()) // the software scene graph without a display has nothing to read back
         picture = window->screen()->grabWindow(window->winId()).toImage();
-    const QString path
-        = QDir(m_directory).filePath(m_steps[m_step].name + QStringLiteral(".png"));
+    const QString path = QDir(m_directory).filePath(m_steps[m_step].name + QStringLiteral(".png"));
     if (!picture.save(path)) {
         Q_EMIT failed(QStringLiteral("%1: cannot be written").arg(path));
         return;

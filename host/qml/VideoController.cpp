@@ -95,7 +95,8 @@ void VideoController::onEnded()
 {
     stopRecording();
     setRunning(false);
-    QTimer::singleShot(0, this, &VideoController::start); // a file is played again
+    // A file is played again.
+    QTimer::singleShot(m_video->shownFrames() > 0 ? 0 : RetryMs, this, &VideoController::start);
 }
 
 void VideoController::onFailed(const QString &reason)
@@ -230,10 +231,10 @@ void VideoController::setState(State state)
 {
     m_state = state;
     Q_EMIT recordStateChanged();
-    m_overlay.manager().onRecordingStateChanged(
-        state == Idle            ? CVideoRecorder::Idle
-            : state == Recording ? CVideoRecorder::Recording
-                                 : CVideoRecorder::Stopping);
+    m_overlay.manager().onRecordingStateChanged(state == Idle ? CVideoRecorder::Idle
+                                                    : state == Recording
+                                                    ? CVideoRecorder::Recording
+                                                    : CVideoRecorder::Stopping);
 }
 
 } // namespace Velmar::Host

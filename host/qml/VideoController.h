@@ -53,10 +53,10 @@ public:
     bool overlayEnabled() const;
     void setOverlayEnabled(bool enabled);
     State recordState() const { return m_state; }
-    QString recordedTime() const;  ///< "mm:ss"
-    QString recordingPath() const; ///< of the recording, or of the last one
-    QString distance() const;      ///< with its unit; a dash while it is not known
-    QString speed() const;         ///< the same
+    QString recordedTime() const;         ///< "mm:ss"
+    QString recordingPath() const;        ///< of the recording, or of the last one
+    QString distance() const;             ///< with its unit; a dash while it is not known
+    QString speed() const;                ///< the same
     Q_INVOKABLE double distanceM() const; ///< 0 while it is not known
 
     Q_INVOKABLE void startRecording();

@@ -45,8 +45,8 @@ QQuickItem *ScreenRobot::find(const QString &name) const
 {
     QVector<QQuickItem *> all;
     visit(m_window->contentItem(), all);
-    const auto it = std::find_if(all.begin(), all.end(),
-                                 [&](const QQuickItem *item) { return item->objectName() == name; });
+    const auto it = std::find_if(
+        all.begin(), all.end(), [&](const QQuickItem *item) { return item->objectName() == name; });
     return it == all.end() ? nullptr : *it;
 }
 

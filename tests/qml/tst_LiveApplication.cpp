@@ -14,6 +14,7 @@
 #include "tests/support/ProfileFolders.h"
 
 #include <videooverlay/display/CVideoOverlayManager.h>
+#include <videooverlay/models/VideoOverlayElementListModel.h>
 #include <videooverlay/models/VideoOverlayProfilesModel.h>
 #include <videooverlay/profiles/Profile.h>
 
@@ -113,6 +114,11 @@ private Q_SLOTS:
     void arrowsAndUndo();
     void addsAndDeletesText();
     void addsPicture();
+    void colours();
+    void freeTextAndFavourites();
+    void warnings();
+    void overlayWideSettings();
+    void search();
     void savingReadOnlyAsksForAName();
     void unsavedChanges_data();
     void unsavedChanges();
@@ -155,16 +161,15 @@ void tst_LiveApplication::cleanup()
 {
     m_live.reset();
     qInstallMessageHandler(m_handlerBefore);
-    QCOMPARE(qtWarnings, QStringList());
+    QVERIFY2(qtWarnings.isEmpty(), qPrintable(qtWarnings.join(QLatin1Char('\n'))));
 }
 
 void tst_LiveApplication::start()
 {
     QDir().mkpath(m_root->filePath(QStringLiteral("settings/osd")));
     Test::ProfileFolders::write(profilePath(QStringLiteral("Bench")), profileOfTest());
-    QVERIFY(QFile::copy(
-        QStringLiteral(XQ_DATA_DIRECTORY "/profiles/%1.xml").arg(defaultProfile),
-        profilePath(defaultProfile)));
+    QFile::copy(QStringLiteral(XQ_DATA_DIRECTORY "/profiles/%1.xml").arg(defaultProfile),
+                profilePath(defaultProfile));
     LiveApplication::Setup setup;
     setup.source = SourceSpec::fromText(QStringLiteral("test"));
     setup.source.size = QSize(640, 360);
@@ -189,8 +194,7 @@ bool tst_LiveApplication::select(const QString &name)
 {
     const auto &profiles = m_live->overlay().profiles();
     for (int row = 0; row < profiles.rowCount(); ++row) {
-        const auto *profile
-            = profiles.data(profiles.index(row)).value<VideoOverlay::Profile *>();
+        const auto *profile = profiles.data(profiles.index(row)).value<VideoOverlay::Profile *>();
         if (profile->caption() == name)
             return m_robot.click(QStringLiteral("navProfiles"))
                 && m_robot.click(QStringLiteral("profile%1").arg(row))
@@ -211,8 +215,7 @@ CVideoOverlayElement *tst_LiveApplication::elementOf(const QString &valueName) c
 
 QQuickItem *tst_LiveApplication::boxOf(const CVideoOverlayElement *element) const
 {
-    return m_robot.await(
-        QStringLiteral("element%1").arg(manager().rowIndexByID(element->id())));
+    return m_robot.await(QStringLiteral("element%1").arg(manager().rowIndexByID(element->id())));
 }
 
 void tst_LiveApplication::screensLoad_data()
@@ -262,15 +265,15 @@ void tst_LiveApplication::theme()
     const auto *theme = holder->property("theme").value<QObject *>();
     const auto color = [theme](const char *name) { return theme->property(name).value<QColor>(); };
     const std::initializer_list<std::pair<const char *, const char *>> pairs {
-        {"text", "ground"},       {"text", "panel"},        {"text", "raised"},
-        {"text", "pressed"},      {"muted", "ground"},      {"muted", "panel"},
-        {"accentInk", "accent"},  {"dangerInk", "danger"},  {"goodInk", "good"},
-        {"accent", "ground"},     {"accent", "panel"},
+        {"text", "ground"},  {"text", "panel"},    {"text", "raised"},      {"text", "pressed"},
+        {"muted", "ground"}, {"muted", "panel"},   {"accentInk", "accent"}, {"dangerInk", "danger"},
+        {"goodInk", "good"}, {"accent", "ground"}, {"accent", "panel"},
     };
     for (const auto &[ink, ground] : pairs) {
         QVERIFY2(color(ink).isValid() && color(ground).isValid(), ink);
-        QVERIFY2(contrast(color(ink), color(ground)) >= 7.0, qPrintable(
-            QStringLiteral("%1 on %2").arg(QLatin1String(ink), QLatin1String(ground))));
+        QVERIFY2(
+            contrast(color(ink), color(ground)) >= 7.0,
+            qPrintable(QStringLiteral("%1 on %2").arg(QLatin1String(ink), QLatin1String(ground))));
     }
     QVERIFY(theme->property("touch").toInt() >= FingerPx);
 }
@@ -309,9 +312,9 @@ void tst_LiveApplication::dragging()
     const QQuickItem *box = boxOf(speed);
     const QQuickItem *stage = m_robot.find(QStringLiteral("editorStage"));
     QVERIFY(box && stage);
+    QTRY_VERIFY(stage->property("cellWidth").toDouble() > 1); // a frame has come
     const QPointF cell(stage->property("cellWidth").toDouble(),
                        stage->property("cellHeight").toDouble());
-    QVERIFY(cell.x() > 1 && cell.y() > 1);
 
     m_robot.drag(box->mapToScene(QPointF(box->width() / 2, box->height() / 2)),
                  QPointF(3 * cell.x(), 2 * cell.y()), pointer);
@@ -335,6 +338,8 @@ void tst_LiveApplication::draggingStaysOnTheGrid()
     QVERIFY(m_robot.click(QStringLiteral("navEditor")));
     CVideoOverlayElement *distance = elementOf(ElementParam::NAME_SECTION_DISTANCE_COUNTER);
     QTRY_VERIFY(distance->width() > 0);
+    const QQuickItem *stage = m_robot.find(QStringLiteral("editorStage"));
+    QTRY_VERIFY(stage->property("cellWidth").toDouble() > 1); // a frame has come
     const QQuickItem *box = boxOf(distance);
     const QPointF centre = box->mapToScene(QPointF(box->width() / 2, box->height() / 2));
     m_robot.drag(centre, QPointF(-2000, -2000), ScreenRobot::Pointer::Mouse);
@@ -405,13 +410,13 @@ void tst_LiveApplication::addsAndDeletesText()
     QCOMPARE(manager().elementsCount(), before);
     QVERIFY(m_robot.click(QStringLiteral("redo")));
     QCOMPARE(manager().elementsCount(), before + 1);
-    const auto *text = qobject_cast<VideoOverlay::CVideoOverlayText *>(
-        manager().getElement(before));
+    const auto *text
+        = qobject_cast<VideoOverlay::CVideoOverlayText *>(manager().getElement(before));
     QVERIFY(text && text->visible());
     QCOMPARE(text->text(), QStringLiteral("Manhole 4711"));
     QVERIFY(m_robot.click(QStringLiteral("save")));
-    QVERIFY(Test::ProfileFolders::read(profilePath(QStringLiteral("Bench")))
-                .contains("Manhole 4711"));
+    QVERIFY(
+        Test::ProfileFolders::read(profilePath(QStringLiteral("Bench"))).contains("Manhole 4711"));
 
     // What the operator cannot add again may only be switched off.
     m_live->editor().select(manager().rowIndexByID(elementOf(ElementParam::NAME_SPEED)->id()));
@@ -442,6 +447,140 @@ void tst_LiveApplication::addsPicture()
     QVERIFY(m_live->messages().isError());
     QVERIFY(m_robot.click(QStringLiteral("messageClose")));
     QVERIFY(m_robot.awaitGone(QStringLiteral("messageText")));
+}
+
+void tst_LiveApplication::colours()
+{
+    QVERIFY(select(QStringLiteral("Bench")));
+    QVERIFY(m_robot.click(QStringLiteral("navEditor")));
+    auto *speed
+        = qobject_cast<VideoOverlay::CVideoOverlayText *>(elementOf(ElementParam::NAME_SPEED));
+    auto *distance = qobject_cast<VideoOverlay::CVideoOverlayText *>(
+        elementOf(ElementParam::NAME_SECTION_DISTANCE_COUNTER));
+    m_live->editor().select(manager().rowIndexByID(speed->id()));
+    QVERIFY(m_robot.click(QStringLiteral("panel1")));
+    const QColor before = speed->textColor();
+    QVERIFY(m_robot.click(QStringLiteral("propertyTextColorButton")));
+    QVERIFY(m_robot.click(QStringLiteral("propertyTextColorCardColor6"))); // #e02020
+    QVERIFY(m_robot.click(QStringLiteral("propertyTextColorCardOk")));
+    QTRY_COMPARE(speed->textColor(), QColor(0xe0, 0x20, 0x20));
+    QCOMPARE(distance->textColor(), before);
+    QVERIFY(m_robot.awaitGone(QStringLiteral("propertyTextColorCardOk")));
+
+    // By its value, with an opacity; and for all texts at once, each of which gets its own back.
+    QVERIFY(m_robot.click(QStringLiteral("panel2")));
+    QVERIFY(m_robot.click(QStringLiteral("overlayTextColorButton")));
+    QVERIFY(m_robot.type(QStringLiteral("overlayTextColorCardValue"), QStringLiteral("#8000ff00")));
+    QVERIFY(m_robot.click(QStringLiteral("overlayTextColorCardOk")));
+    QTRY_COMPARE(speed->textColor(), QColor(0, 255, 0, 128));
+    QCOMPARE(distance->textColor(), QColor(0, 255, 0, 128));
+    QVERIFY(m_robot.awaitGone(QStringLiteral("overlayTextColorCardOk")));
+    QVERIFY(m_robot.click(QStringLiteral("undo")));
+    QCOMPARE(speed->textColor(), QColor(0xe0, 0x20, 0x20));
+    QCOMPARE(distance->textColor(), before);
+    QVERIFY(m_robot.click(QStringLiteral("undo")));
+    QCOMPARE(speed->textColor(), before);
+    QVERIFY(!m_live->editor().hasUnsavedChanges());
+}
+
+void tst_LiveApplication::freeTextAndFavourites()
+{
+    const QString notes = QStringLiteral("Pictures and notes");
+    m_live.reset(); // profiles are read at the start
+    QVERIFY(QFile::copy(QStringLiteral(XQ_DATA_DIRECTORY "/profiles/%1.xml").arg(notes),
+                        profilePath(notes)));
+    start();
+    QVERIFY(select(notes));
+    QVERIFY(m_robot.click(QStringLiteral("navEditor")));
+    const auto *freeText = manager().getElementListModel()->freeText();
+    QVERIFY(freeText);
+    EditorController &editor = m_live->editor();
+    const QStringList before = editor.favorites();
+    editor.select(manager().rowIndexByID(freeText->id()));
+    QVERIFY(m_robot.click(QStringLiteral("panel1")));
+    QVERIFY(m_robot.type(QStringLiteral("propertyText"), QStringLiteral("Roots here")));
+    m_robot.key(Qt::Key_Return);
+    QTRY_COMPARE(freeText->text(), QStringLiteral("Roots here"));
+    QVERIFY(freeText->visible());
+    QVERIFY(m_robot.find(QStringLiteral("favoriteAdd"))->isEnabled());
+    QMetaObject::invokeMethod(m_robot.find(QStringLiteral("favoriteAdd")), "clicked");
+    QCOMPARE(editor.favorites(), before + QStringList(QStringLiteral("Roots here")));
+    editor.history()->undo();
+    QCOMPARE(editor.favorites(), before);
+    editor.history()->redo();
+    QVERIFY(editor.save());
+    QVERIFY(Test::ProfileFolders::read(profilePath(notes)).contains("Roots here"));
+    editor.removeFavorite(before.size());
+    QCOMPARE(editor.favorites(), before);
+    QVERIFY(editor.hasUnsavedChanges());
+    editor.revert();
+    QCOMPARE(editor.favorites(), before + QStringList(QStringLiteral("Roots here")));
+}
+
+void tst_LiveApplication::warnings()
+{
+    QVERIFY(select(QStringLiteral("Bench")));
+    QVERIFY(m_robot.click(QStringLiteral("navEditor")));
+    EditorController &editor = m_live->editor();
+    CVideoOverlayElement *speed = elementOf(ElementParam::NAME_SPEED);
+    CVideoOverlayElement *distance = elementOf(ElementParam::NAME_SECTION_DISTANCE_COUNTER);
+    QTRY_VERIFY(speed->width() > 0 && distance->width() > 0);
+    QTRY_COMPARE(editor.warnings().size(), 0);
+    const auto text = [&editor] {
+        return editor.warnings().value(0).toMap().value(QStringLiteral("text")).toString();
+    };
+    distance->setRow(speed->row());
+    distance->setColumn(speed->column() + 2);
+    QTRY_VERIFY(text().endsWith(QStringLiteral("overlap")));
+    distance->setRow(40);
+    QTRY_VERIFY(text().endsWith(QStringLiteral("leaves the grid")));
+    distance->setRow(0);
+    distance->setColumn(53);
+    QTRY_VERIFY(text().endsWith(QStringLiteral("is cut off")));
+    QCOMPARE(editor.warnings().value(0).toMap().value(QStringLiteral("index")).toInt(),
+             manager().rowIndexByID(distance->id()));
+    distance->setEnabled(false);
+    QTRY_COMPARE(editor.warnings().size(), 0);
+    editor.revert();
+}
+
+void tst_LiveApplication::overlayWideSettings()
+{
+    QVERIFY(select(QStringLiteral("Bench")));
+    QVERIFY(m_robot.click(QStringLiteral("navEditor")));
+    QVERIFY(m_robot.click(QStringLiteral("panel2")));
+    const int transparency = manager().getGlobalTransparency();
+    QVERIFY(m_robot.click(QStringLiteral("overlayTransparencyMore")));
+    QCOMPARE(manager().getGlobalTransparency(), transparency + 5);
+    QVERIFY(m_robot.click(QStringLiteral("overlayAnalog")));
+    QVERIFY(manager().analogVideo());
+    QVERIFY(m_robot.click(QStringLiteral("overlayKx70")));
+    QVERIFY(manager().kx70iiState());
+    const int row = manager().kx70iiRow();
+    QVERIFY(m_robot.click(QStringLiteral("overlayKx70RowMore")));
+    QCOMPARE(manager().kx70iiRow(), row + 1);
+    QVERIFY(m_robot.click(QStringLiteral("save")));
+    const QByteArray file = Test::ProfileFolders::read(profilePath(QStringLiteral("Bench")));
+    QVERIFY(file.contains("<ANALOG_VIDEO>true</ANALOG_VIDEO>"));
+    QVERIFY(file.contains("<KX70II_STATE>true</KX70II_STATE>"));
+    QVERIFY(m_robot.click(QStringLiteral("overlayAnalog")));
+    QVERIFY(m_robot.click(QStringLiteral("revert")));
+    QVERIFY(m_robot.click(QStringLiteral("reversionAnswer0")));
+    QTRY_VERIFY(manager().analogVideo());
+}
+
+void tst_LiveApplication::search()
+{
+    QVERIFY(select(QStringLiteral("Bench")));
+    QVERIFY(m_robot.click(QStringLiteral("navEditor")));
+    const QQuickItem *list = m_robot.await(QStringLiteral("elementList"));
+    QTRY_COMPARE(list->property("count").toInt(), 3);
+    QVERIFY(m_robot.type(QStringLiteral("elementSearch"), QStringLiteral("spee")));
+    QCOMPARE(list->property("count").toInt(), 1);
+    const int row = manager().rowIndexByID(elementOf(ElementParam::NAME_SPEED)->id());
+    QVERIFY(m_robot.click(QStringLiteral("listed%1").arg(row)));
+    QCOMPARE(m_live->editor().selectedIndex(), row);
+    QVERIFY(m_robot.text(QStringLiteral("selectedName")).endsWith(QStringLiteral("Speed")));
 }
 
 void tst_LiveApplication::savingReadOnlyAsksForAName()
@@ -485,8 +624,7 @@ void tst_LiveApplication::unsavedChanges()
     QVERIFY(m_robot.click(QStringLiteral("unsavedAnswer%1").arg(answer)));
     QTRY_COMPARE(manager().currentProfile()->caption(),
                  switches ? defaultProfile : QStringLiteral("Bench"));
-    QCOMPARE(Test::ProfileFolders::read(profilePath(QStringLiteral("Bench"))) != before,
-             isWritten);
+    QCOMPARE(Test::ProfileFolders::read(profilePath(QStringLiteral("Bench"))) != before, isWritten);
     if (!switches)
         QCOMPARE(elementOf(ElementParam::NAME_SPEED)->column(), 15);
     m_live->editor().revert(); // so that nothing asks at the end
@@ -622,6 +760,7 @@ void tst_LiveApplication::createsProject()
     QCOMPARE(m_live->project().projectName(), QStringLiteral("Hill Road"));
     QCOMPARE(m_live->project().inspectionName(), QStringLiteral("12-13"));
     QVERIFY(m_live->project().observationCodes().size() > 10);
+    QVERIFY(!m_live->editor().hasUnsavedChanges()); // what the template added is nobody's edit
     QCOMPARE(m_live->project().files().size(), 1);
 
     // Its name is taken now, and some are no names of files.
@@ -637,8 +776,8 @@ void tst_LiveApplication::createsProject()
 void tst_LiveApplication::language()
 {
     QVERIFY(select(QStringLiteral("Bench")));
-    auto *speed = qobject_cast<VideoOverlay::CVideoOverlayText *>(
-        elementOf(ElementParam::NAME_SPEED));
+    auto *speed
+        = qobject_cast<VideoOverlay::CVideoOverlayText *>(elementOf(ElementParam::NAME_SPEED));
     QTRY_VERIFY(speed->text().startsWith(QStringLiteral("Speed: ")));
     QVERIFY(m_robot.click(QStringLiteral("navProject")));
     QCOMPARE(m_robot.text(QStringLiteral("navProfiles")), QStringLiteral("Profiles"));

@@ -20,13 +20,25 @@ Item {
         RowLayout {
             Layout.fillWidth: true
             spacing: Theme.gap / 2
-            AppText {
-                objectName: "editorTitle"
+            ColumnLayout {
                 Layout.fillWidth: true
-                text: profileActions.currentName + (editor.history.modified ? "  (" + texts.modified + ")" : "")
-                font.bold: true
-                elide: Text.ElideMiddle
-                maximumLineCount: 1
+                spacing: 0
+                AppText {
+                    objectName: "editorTitle"
+                    Layout.fillWidth: true
+                    text: profileActions.currentName
+                    font.bold: true
+                    elide: Text.ElideRight
+                    wrapMode: Text.NoWrap
+                }
+                AppText {
+                    objectName: "editorModified"
+                    Layout.fillWidth: true
+                    visible: editor.history.modified
+                    text: "\u25CF " + texts.modified
+                    font.pixelSize: Theme.smallFont
+                    color: Theme.accent
+                }
             }
             AppButton {
                 objectName: "undo"
@@ -148,7 +160,7 @@ Item {
                         AppText {
                             anchors.fill: parent
                             horizontalAlignment: Text.AlignHCenter
-                            verticalAlignment: Text.AlignVCenter
+                            topPadding: Theme.gap
                             visible: warnings.count === 0
                             text: "\u2713 " + texts.noWarnings
                             color: Theme.muted
@@ -156,6 +168,7 @@ Item {
                     }
                     ColumnLayout {
                         Layout.fillWidth: false
+                        Layout.alignment: Qt.AlignTop
                         Layout.preferredWidth: 150
                         spacing: 4
                         AppButton {

@@ -3,6 +3,7 @@ import QtQuick 2.15
 import QtQuick.Controls 2.15
 import QtQuick.Layouts 1.15
 import QtQuick.Window 2.15
+import Xqosd 1.0
 import "."
 
 ApplicationWindow {
@@ -10,6 +11,7 @@ ApplicationWindow {
 
     property int screen: 0
     property bool closing: false    ///< the operator has decided about unsaved changes
+    property bool closeWhenRecorded: false
 
     /// Asks about unsaved changes first, if there are any.
     function guarded(action) {
@@ -38,6 +40,12 @@ ApplicationWindow {
     color: Theme.ground
 
     onClosing: {
+        if (video.recordState !== VideoController.Idle) {
+            close.accepted = false
+            window.closeWhenRecorded = true
+            video.stopRecording()
+            return
+        }
         if (window.closing || !editor.hasUnsavedChanges())
             return
         close.accepted = false
@@ -47,6 +55,15 @@ ApplicationWindow {
         })
     }
 
+    Connections {
+        target: video
+        function onRecordStateChanged() {
+            if (window.closeWhenRecorded && video.recordState === VideoController.Idle) {
+                window.closeWhenRecorded = false
+                window.close()
+            }
+        }
+    }
     RowLayout {
         anchors.fill: parent
         spacing: 0

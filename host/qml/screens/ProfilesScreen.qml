@@ -9,7 +9,7 @@ ColumnLayout {
     id: screen
 
     property int marked: -1
-    readonly property var markedProfile: list.currentItem ? list.currentItem.profile : null
+    readonly property var markedProfile: marked >= 0 && marked < list.count ? profileActions.profileAt(marked) : null
     readonly property bool canChange: markedProfile !== null && !markedProfile.readOnly
     signal guarded(var action)      ///< unsaved changes would be lost
 
@@ -31,7 +31,7 @@ ColumnLayout {
         clip: true
         spacing: Theme.gap / 2
         model: profiles
-        currentIndex: Math.min(screen.marked, count - 1)
+        currentIndex: -1
         boundsBehavior: Flickable.StopAtBounds
         ScrollBar.vertical: ScrollBar { }
         delegate: AppButton {
