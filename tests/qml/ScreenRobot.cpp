@@ -76,15 +76,18 @@ bool ScreenRobot::awaitGone(const QString &name) const
 bool ScreenRobot::click(const QString &name) const
 {
     const QQuickItem *item = await(name);
-    if (!item || !QTest::qWaitFor([item] { return item->isEnabled(); }))
+    if (!item || !QTest::qWaitFor([item] { return item->isEnabled(); })) {
+        qInfo("%s: %s", qPrintable(name), item ? "is disabled" : "is not there");
         return false;
+    }
     // A dialog that is just opening or a list that is just laid out still moves.
     QPoint last(-1, -1);
+    int sameFor = 0;
     const bool rests = QTest::qWaitFor([&] {
         const QPoint now = centreOf(*item);
-        const bool same = now == last;
+        sameFor = now == last ? sameFor + 1 : 0;
         last = now;
-        return same;
+        return sameFor == 4;
     });
     QTest::mouseClick(m_window, Qt::LeftButton, Qt::NoModifier, centreOf(*item));
     return rests;

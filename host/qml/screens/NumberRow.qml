@@ -15,11 +15,12 @@ RowLayout {
     property int step: 1
     signal changed(int value)
 
-    spacing: Theme.gap / 2
+    spacing: 4
 
     AppText {
         Layout.fillWidth: true
         text: row.label
+        wrapMode: Text.WordWrap
         elide: Text.ElideRight
         maximumLineCount: 2
     }
@@ -31,7 +32,7 @@ RowLayout {
         onClicked: row.changed(Math.max(row.from, row.value - row.step))
     }
     AppText {
-        Layout.preferredWidth: 86
+        Layout.preferredWidth: 74
         text: row.value + row.suffix
         horizontalAlignment: Text.AlignHCenter
     }
