@@ -11,13 +11,23 @@
 #include <videooverlay/elements/CVideoOverlayText.h>
 #include <videooverlay/elements/ElementParam.h>
 #include <videooverlay/models/VideoOverlayElementListModel.h>
+#include <videooverlay/models/VideoOverlayProfilesModel.h>
+#include <videooverlay/osd/COsdBuilder.h>
+#include <videooverlay/osd/COsdDomainDatasource.h>
+#include <videooverlay/osd/COsdDomainDatasourceFactory.h>
 #include <videooverlay/osd/COsdStaticTextDatasource.h>
+
+#include <platform/appstate/AppState.h>
+#include <platform/logging/CLogger.h>
+#include <platform/shared/GlobalLocaleData.h>
+#include <platform/translation/CTranslator.h>
 
 #include <QImageReader>
 
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <utility>
 
 namespace Velmar::Host {
 
@@ -29,6 +39,16 @@ constexpr int GridColumns = 54;
 constexpr int WatermarkRow = 24;
 constexpr int WatermarkRows = 2;
 constexpr qint64 MsPerSecond = 1000;
+
+// Columns of a run that describe an observation; the first one says that there is one.
+const QString codeColumn = QStringLiteral("OBS_OpCode");
+const QString textColumn = QStringLiteral("OBS_Observation");
+const QString memoColumn = QStringLiteral("OBS_Memo");
+
+bool isObservationColumn(const QString &name)
+{
+    return name == codeColumn || name == textColumn || name == memoColumn;
+}
 
 CVideoOverlayElement::Type typeOf(const ElementParam &record)
 {
@@ -59,10 +79,21 @@ OverlaySession::OverlaySession(QSize imageSize, QObject *parent)
     ElementParam general = ElementParam::createGeneralSettingsDefault();
     general.insert(QStringLiteral("globalTransparency"), 0);
     m_manager->setGeneralSettings(general);
+    // Before any datasource follows these: a box is shown first and gets its text then.
+    connect(AppState::instance(), &AppState::activeInspectionChanged, this,
+            &OverlaySession::onInspectionChanged);
+    connect(AppState::instance(), &AppState::observationCreated, this,
+            &OverlaySession::onObservationCreated);
 }
 
 OverlaySession::~OverlaySession()
 {
+    m_project.close();
+    if (m_profiles) {
+        disconnect(m_profiles.get(), nullptr, nullptr, nullptr);
+        disconnect(COsdBuilder::instance(), nullptr, this, nullptr);
+    }
+    m_profiles.reset();
     m_manager.reset();
     // A view may still hold the scene; the elements have left it.
     m_control.setBackend(nullptr);
@@ -92,6 +123,125 @@ ValueFeed &OverlaySession::feed()
 ScreenSnipDatasourceFactory &OverlaySession::screenSnips()
 {
     return m_screenSnips;
+}
+
+void OverlaySession::setClock(Clock clock)
+{
+    m_clock = clock;
+}
+
+void OverlaySession::resize(QSize imageSize)
+{
+    m_scene->capabilities().setImageSize(imageSize);
+    fitGrid(*m_manager->getSettings());
+    const QList<CVideoOverlayElement *> elements = m_manager->getElementList();
+    for (CVideoOverlayElement *element : elements) {
+        // An element takes over a new font by itself, but does not break its lines anew.
+        if (auto *text = qobject_cast<CVideoOverlayText *>(element))
+            text->typeset();
+    }
+    m_scene->flush();
+}
+
+bool OverlaySession::openProfiles(const QString &profile, QString *error)
+{
+    auto &catalogs = CATManagement::CatalogStore::instance();
+    COsdBuilder *builder = COsdBuilder::initialize(catalogs, *m_manager);
+    m_inspectionTexts
+        = std::make_unique<COsdDomainDatasourceFactory>(COsdDomainDatasource::captionResolver);
+    // The host's own first: system texts, too, carry "DB" as their source by default.
+    builder->registerFactory(&m_systemValues);
+    builder->registerFactory(&m_screenSnips);
+    builder->registerFactory(&m_pictures);
+    builder->registerFactory(m_inspectionTexts.get());
+
+    m_profiles = std::make_unique<VideoOverlayProfilesModel>(*m_manager);
+    m_manager->setProfilesModel(m_profiles.get());
+    connect(m_profiles.get(), &VideoOverlayProfilesModel::currentProfileChanged, builder,
+            &COsdBuilder::load);
+    connect(builder, &COsdBuilder::profileLoaded, m_manager.get(),
+            &CVideoOverlayManager::profileLoaded);
+    connect(builder, &COsdBuilder::profileLoaded, m_profiles.get(),
+            &VideoOverlayProfilesModel::profileLoaded);
+    connect(builder, &COsdBuilder::profileLoaded, this, &OverlaySession::onProfileLoaded);
+    // Domain texts do not look again by themselves. After the library's own reactions.
+    connect(AppState::instance(), &AppState::templateLoadCompleted, this,
+            &OverlaySession::announceInspectionAgain);
+    connect(Shared::GlobalLocaleData::instance(), &Shared::GlobalLocaleData::localeChanged, this,
+            &OverlaySession::announceInspectionAgain);
+    connect(Translation::CTranslator::instance(), &Translation::CTranslator::currentLocaleChanged,
+            this, &OverlaySession::announceInspectionAgain);
+
+    if (profile.isEmpty()) {
+        m_profiles->selectStartupProfile();
+        if (m_profiles->currentProfileIndex() >= 0)
+            return true;
+        *error = QStringLiteral("There is no profile to start with");
+        return false;
+    }
+    QStringList captions;
+    for (int row = 0; row < m_profiles->rowCount(); ++row) {
+        auto *candidate = m_profiles->data(m_profiles->index(row)).value<Profile *>();
+        if (candidate->caption() == profile || candidate->path() == profile)
+            return m_profiles->setCurrentProfile(candidate);
+        captions.append(candidate->caption());
+    }
+    *error = QStringLiteral("There is no profile \"%1\"; there are: %2")
+                 .arg(profile, captions.join(QStringLiteral(", ")));
+    return false;
+}
+
+VideoOverlayProfilesModel *OverlaySession::profiles() const
+{
+    return m_profiles.get();
+}
+
+ProjectSession &OverlaySession::project()
+{
+    return m_project;
+}
+
+void OverlaySession::setObservationsFromRun(bool create)
+{
+    m_observationsFromRun = create;
+}
+
+void OverlaySession::onProfileLoaded()
+{
+    m_expiries.clear();
+    const QList<CVideoOverlayElement *> elements = m_manager->getElementList();
+    for (CVideoOverlayElement *element : elements) {
+        // A caption without a value says nothing. The first value shows it.
+        if (element->type() == CVideoOverlayElement::SystemText)
+            element->setVisible(false);
+        element->setTimeoutDisabled(m_clock == Clock::Video);
+    }
+    m_feed.replay();
+    m_manager->resetChanges();
+    m_project.announceInspectionAgain();
+    m_scene->flush();
+}
+
+void OverlaySession::onInspectionChanged(const Database::CDomainObjectPointer &inspection)
+{
+    if (!inspection) // nothing may keep a record of a database that is about to close
+        COsdDomainDatasource::rememberDomainObject({});
+    else if (!m_isAnnouncingAgain)
+        m_manager->getElementListModel()->showSecInspElements();
+}
+
+void OverlaySession::onObservationCreated()
+{
+    m_manager->getElementListModel()->hideNotPermanentElements();
+    m_expiries.clear(); // what is shown now has its whole time before it
+    m_manager->getElementListModel()->showObservationElements();
+}
+
+void OverlaySession::announceInspectionAgain()
+{
+    m_isAnnouncingAgain = true;
+    m_project.announceInspectionAgain();
+    m_isAnnouncingAgain = false;
 }
 
 void OverlaySession::load(const QList<ElementParam> &records)
@@ -170,7 +320,7 @@ QStringList OverlaySession::unshownNames() const
     QStringList unshown;
     const QStringList names = m_telemetry.names();
     for (const QString &name : names) {
-        if (!m_feed.isShown(name))
+        if (!m_feed.isShown(name) && !isObservationColumn(name))
             unshown.append(name);
     }
     return unshown;
@@ -184,7 +334,10 @@ void OverlaySession::advanceTo(qint64 timeMs)
     m_timeMs = timeMs;
     while (m_nextReading < readings.size() && readings.at(m_nextReading).timeMs <= timeMs)
         show(readings.at(m_nextReading++));
+    observe(timeMs);
     showTimes(timeMs);
+    if (m_clock == Clock::Video)
+        expire(timeMs);
     m_scene->flush();
 }
 
@@ -203,6 +356,8 @@ qint64 OverlaySession::nextChangeMs() const
     if (m_start.isValid()
         && (m_feed.isShown(ElementParam::NAME_DATE) || m_feed.isShown(ElementParam::NAME_TIME)))
         next = std::min(next, nextSecond(m_start.time().msec()));
+    for (const qint64 expiryMs : m_expiries)
+        next = std::min(next, expiryMs);
     return next;
 }
 
@@ -249,6 +404,13 @@ void OverlaySession::scaleTo(CVideoOverlayImage &image, int height)
 void OverlaySession::show(const TelemetryFile::Reading &reading)
 {
     const QString name = m_telemetry.names().at(reading.column);
+    if (isObservationColumn(name)) {
+        if (m_observationMs != reading.timeMs)
+            observe(reading.timeMs);
+        m_observationMs = reading.timeMs;
+        m_observation.insert(name, reading.value.toString());
+        return;
+    }
     const bool fromVideo = name == ElementParam::NAME_VIDEO_TIME_COUNTER;
     const bool fromStart
         = m_start.isValid() && (name == ElementParam::NAME_DATE || name == ElementParam::NAME_TIME);
@@ -257,6 +419,50 @@ void OverlaySession::show(const TelemetryFile::Reading &reading)
         return; // this video's own times, not those of another recording
     QString error;
     m_feed.setValue(name, SystemValues::read(*value, reading.value, &error));
+}
+
+/// Creates the observation that was read so far, unless its time has been here before.
+void OverlaySession::observe(qint64 timeMs)
+{
+    const QHash<QString, QString> columns = std::exchange(m_observation, {});
+    if (!columns.contains(codeColumn) || m_observationMs <= m_observedUntilMs)
+        return;
+    m_observedUntilMs = std::min(timeMs, m_observationMs);
+    if (!m_observationsFromRun)
+        return;
+    ProjectSession::Observation observation;
+    observation.code = columns.value(codeColumn);
+    observation.text = columns.value(textColumn);
+    observation.remark = columns.value(memoColumn);
+    observation.distance
+        = m_telemetry.interpolated(ElementParam::NAME_SECTION_DISTANCE_COUNTER, m_observationMs);
+    if (m_start.isValid())
+        observation.time = m_start.addMSecs(m_observationMs).time();
+    const bool created = m_project.createObservation(observation) != nullptr;
+    if (m_clock == Clock::Video)
+        expire(m_observationMs); // counts from its own time, even when that is long past
+    if (!created)
+        Logging::CLogger::logMessage(Logging::LogLevel::Warning, QStringLiteral("Host"),
+                                     m_project.errorText());
+}
+
+/// Hides what has been shown for as long as its timeout says, in the time of the video.
+void OverlaySession::expire(qint64 timeMs)
+{
+    const QList<CVideoOverlayElement *> elements = m_manager->getElementList();
+    for (CVideoOverlayElement *element : elements) {
+        if (element->timeout() < 1 || !element->visible()) {
+            m_expiries.remove(element);
+            continue;
+        }
+        const auto known = m_expiries.constFind(element);
+        if (known == m_expiries.cend()) {
+            m_expiries.insert(element, timeMs + element->timeout() * MsPerSecond);
+        } else if (*known <= timeMs) {
+            m_expiries.remove(element);
+            element->setVisible(false);
+        }
+    }
 }
 
 void OverlaySession::showTimes(qint64 timeMs)

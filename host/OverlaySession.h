@@ -6,6 +6,7 @@
 #include "host/feed/SystemValueDatasourceFactory.h"
 #include "host/feed/TelemetryFile.h"
 #include "host/feed/ValueFeed.h"
+#include "host/inspection/ProjectSession.h"
 
 #include <videooverlay/display/CVideoOverlayCapabilities.h>
 #include <videooverlay/display/CVideoOverlayControl.h>
@@ -13,6 +14,7 @@
 #include <videooverlay/osd/COsdImageDatasourceFactory.h>
 
 #include <QDateTime>
+#include <QHash>
 #include <QList>
 #include <QObject>
 #include <QSize>
@@ -23,16 +25,19 @@
 namespace Velmar::VideoOverlay {
 class CVideoOverlayElement;
 class CVideoOverlayImage;
+class COsdDomainDatasourceFactory;
 class CVideoOverlayManager;
 class ElementParam;
+class VideoOverlayProfilesModel;
 } // namespace Velmar::VideoOverlay
 
 namespace Velmar::Host {
 
-/// One overlay from its elements to the display: owns the scene, the library's objects over it and
-/// the factories for what the elements show, and keeps the texts at the readings of a recorded run
-/// and at the live values. Everything happens on the thread that made the session; only the scene
-/// is read elsewhere.
+/// One overlay from its profile to the display: owns the scene, the library's objects over it, the
+/// factories for what the elements show and the project that their inspection texts come from, and
+/// keeps the texts at the readings of a recorded run and at the live values. Everything happens on
+/// the thread that made the session; only the scene is read elsewhere. One at a time, because the
+/// library's builder is one.
 class OverlaySession : public QObject
 {
     Q_OBJECT
@@ -48,10 +53,33 @@ public:
     ValueFeed &feed();
     ScreenSnipDatasourceFactory &screenSnips();
 
+    /// What timeouts of elements are measured by.
+    enum class Clock {
+        Wall,  ///< their own timers
+        Video, ///< the time of advanceTo(): a recording may run faster or slower than the clock
+    };
+    void setClock(Clock clock);
+
+    /// Another picture [px]: the grid is fitted anew and all elements are laid out again.
+    void resize(QSize imageSize);
+
+    /// From now on the elements are those of the current profile, which is the one called
+    /// @p profile (or with that path; the stored start-up profile for an empty text) and then
+    /// whatever profiles() selects. False, and a text in @p error, when there is no such profile.
+    bool openProfiles(const QString &profile, QString *error);
+    /// Null before openProfiles().
+    VideoOverlay::VideoOverlayProfilesModel *profiles() const;
+
+    /// The project whose records the inspection texts show.
+    ProjectSession &project();
+    /// Whether the readings of the run that name an observation create one in the active
+    /// inspection, when their time comes for the first time.
+    void setObservationsFromRun(bool create);
+
     /// Replaces all elements, but not the watermark, by those of @p records. A system text is
     /// hidden until its first value.
     void load(const QList<VideoOverlay::ElementParam> &records);
-    /// Loads the text boxes of the demonstration.
+    /// Loads the text boxes of the demonstration, which need neither profile nor project.
     void addTexts();
 
     /// Puts a picture on the grid, @p height cells high. False when the file cannot be read as one.
@@ -78,6 +106,12 @@ private:
     void scaleTo(VideoOverlay::CVideoOverlayImage &image, int height);
     void show(const TelemetryFile::Reading &reading);
     void showTimes(qint64 timeMs);
+    void observe(qint64 timeMs);
+    void expire(qint64 timeMs);
+    void onProfileLoaded();
+    void onInspectionChanged(const Database::CDomainObjectPointer &inspection);
+    void onObservationCreated();
+    void announceInspectionAgain();
 
     std::shared_ptr<OverlayScene> m_scene;
     VideoOverlay::CVideoOverlayCapabilities m_capabilities;
@@ -86,7 +120,17 @@ private:
     SystemValueDatasourceFactory m_systemValues;
     ScreenSnipDatasourceFactory m_screenSnips;
     VideoOverlay::COsdImageDatasourceFactory m_pictures;
+    std::unique_ptr<VideoOverlay::COsdDomainDatasourceFactory> m_inspectionTexts;
     std::unique_ptr<VideoOverlay::CVideoOverlayManager> m_manager; ///< goes before all above
+    std::unique_ptr<VideoOverlay::VideoOverlayProfilesModel> m_profiles;
+    ProjectSession m_project;
+    bool m_isAnnouncingAgain = false;
+    Clock m_clock = Clock::Wall;
+    bool m_observationsFromRun = false;
+    QHash<QString, QString> m_observation; ///< columns read so far of the one at m_observationMs
+    qint64 m_observationMs = -1;
+    qint64 m_observedUntilMs = -1; ///< observations up to here were created
+    QHash<VideoOverlay::CVideoOverlayElement *, qint64> m_expiries; ///< [ms] of what has a timeout
     TelemetryFile m_telemetry;
     QDateTime m_start;     ///< invalid: not known
     int m_nextReading = 0; ///< index of the first reading that is not shown yet

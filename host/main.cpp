@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/cli/ConsoleLog.h"
+#include "host/cli/EditCommand.h"
 #include "host/cli/Options.h"
+#include "host/cli/ProjectCommand.h"
 #include "host/cli/RecordCommand.h"
 #include "host/cli/Report.h"
 #include "host/cli/SnapshotCommand.h"
@@ -131,6 +133,10 @@ int main(int argc, char **argv)
         return runLive(options);
     case Options::Command::Values:
         return runValues();
+    case Options::Command::Edit:
+        return runEdit(options);
+    case Options::Command::Project:
+        return runProject(options);
     }
     return FailureStatus;
 }

@@ -60,6 +60,19 @@ PLAN = (
     + [("drive", 30.9, 10.0), ("hold", 8.0)]
 )
 
+# What the operator notes when the camera gets there first: metres, code, text and remark.
+OBSERVATIONS = [
+    (0.0, "BCD", "Manhole 4711", ""),
+    (3.34, "BCA", "10 o'clock, 150 mm", "open"),
+    (8.37, "BCA", "10 o'clock, 150 mm", "open"),
+    (12.05, "BAB", "1 o'clock, 2 mm", "along the pipe"),
+    (14.30, "BCA", "10 o'clock, 150 mm", "open"),
+    (16.86, "BBC", "5 % of the height", ""),
+    (19.46, "BCA", "2 o'clock, 150 mm", "open"),
+    (26.38, "BCA", "10 o'clock, 150 mm", "open"),
+    (30.89, "BCE", "Manhole 4712", ""),
+]
+
 
 def cell(value, decimals):
     text = f"{value:.{decimals}f}"
@@ -77,9 +90,10 @@ def main():
     columns = {}
     rows = []
     last = {}
+    noted = 0
 
     def emit():
-        nonlocal pitch_noise, roll_noise, motor_heat, wall
+        nonlocal pitch_noise, roll_noise, motor_heat, wall, noted
         t = time_ms / 1000
         moving = abs(speed) / 0.15
         # The body rocks while it drives, and the pipe's fall changes from one length to the next.
@@ -110,8 +124,19 @@ def main():
             CRAWLER_PRESSURE=cell(1145 + 0.9 * motor_heat + 1.6 * math.sin(t / 6 + 1), 0),
             OBJECT_TEMPERATURE=cell(wall + rng.gauss(0, 0.03), 1),
         )
+        note = ("", "", "")
+        if (
+            time_ms >= 1000
+            and noted < len(OBSERVATIONS)
+            and distance >= OBSERVATIONS[noted][0]
+            and abs(speed) < 0.02
+        ):
+            note = OBSERVATIONS[noted][1:]
+            noted += 1
         rows.append(
-            [str(time_ms)] + ["" if last.get(k) == v else v for k, v in columns.items()]
+            [str(time_ms)]
+            + ["" if last.get(k) == v else v for k, v in columns.items()]
+            + list(note)
         )
         last.update(columns)
 
@@ -155,9 +180,9 @@ def main():
             advance(0.0)
 
     out = sys.stdout
-    out.write("t_ms," + ",".join(columns) + "\n")
+    out.write("t_ms," + ",".join(columns) + ",OBS_OpCode,OBS_Observation,OBS_Memo\n")
     for row in rows:
-        out.write(",".join(row) + "\n")
+        out.write(",".join(f'"{c}"' if "," in c else c for c in row) + "\n")
 
 
 if __name__ == "__main__":

@@ -6,7 +6,7 @@
 namespace Velmar::Host {
 
 /// The log of a program that nobody gave a log file: warnings and errors on the standard error
-/// stream, but for the library's remark that no project is open. These commands open none.
+/// stream, but for what the library writes in the course of business.
 class ConsoleLog : public Logging::StderrLogSink
 {
 public:

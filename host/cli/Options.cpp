@@ -23,14 +23,16 @@ constexpr double NsPerSecond = 1e9;
 
 QString usage()
 {
-    return QStringLiteral("Usage: xqosd COMMAND [OPTIONS]\n"
-                          "\n"
-                          "  record     burns the overlay into a video file\n"
-                          "  snapshot   writes one picture of the overlay\n"
-                          "  live       shows the touch screens\n"
-                          "  values     lists the values that texts can show\n"
-                          "\n"
-                          "xqosd COMMAND --help lists the options of a command.\n");
+    return QStringLiteral(
+        "Usage: xqosd COMMAND [OPTIONS]\n"
+        "\n"
+        "  record     burns the overlay into a video file\n"
+        "  snapshot   writes one picture of the overlay\n"
+        "  live       shows the touch screens\n"
+        "  project    lists the inspections of a project, or makes a demonstration\n"
+        "  values     lists the values that texts can show\n"
+        "\n"
+        "xqosd COMMAND --help lists the options of a command.\n");
 }
 
 bool readSize(const QString &text, QSize *size, QString *error)
@@ -120,6 +122,10 @@ public:
 
     bool isSet(const char *name) const { return m_parser.isSet(QString::fromLatin1(name)); }
     QString value(const char *name) const { return m_parser.value(QString::fromLatin1(name)); }
+    QStringList values(const char *name) const
+    {
+        return m_parser.values(QString::fromLatin1(name));
+    }
     /// Qt writes the program's path into the first line, but the command belongs there.
     QString helpText() const
     {
@@ -172,9 +178,49 @@ void addCommon(CommandParser &parser)
     addSource(parser,
               "Picture size. 1920x1080 for test and pipe; files and cameras keep their own.");
     parser.add("output", "FILE", "The file to write.");
+    parser.add(
+        "profile", "NAME",
+        "Shows this OSD profile (name or path; \"start\" for the one to start with) instead of "
+        "the demonstration's layout.");
+    parser.add("project", "FILE", "Opens this project for the inspection texts of a profile.");
+    parser.add("inspection", "NUMBER", "Which inspection of the project; else its first.");
+    parser.addFlag("observations",
+                   "Creates the observations of the telemetry in the project when they come.");
     parser.add("picture", "PNG", "A picture to lay over the video.");
     parser.add("watermark", "PNG", "A watermark to lay over the video.");
     parser.addFlag("quiet", "Prints errors only.");
+}
+
+bool readProject(const CommandParser &parser, Options *options, QString *error)
+{
+    options->projectPath = parser.value("project");
+    options->inspectionNumber = parser.value("inspection");
+    options->observations = parser.isSet("observations");
+    if (parser.isSet("profile")) {
+        options->profile = parser.value("profile");
+        if (options->profile.isEmpty()) {
+            *error = QStringLiteral("--profile: is empty");
+            return false;
+        }
+        if (options->profile == QLatin1String("start"))
+            options->profile = QStringLiteral("");
+    }
+    if (options->projectPath.isEmpty()
+        && (options->observations || !options->inspectionNumber.isEmpty())) {
+        *error = QStringLiteral("--%1: --project FILE is missing")
+                     .arg(options->observations ? QStringLiteral("observations")
+                                                : QStringLiteral("inspection"));
+        return false;
+    }
+    if (!options->projectPath.isEmpty() && options->profile.isNull()) {
+        *error = QStringLiteral("--project: --profile NAME is missing");
+        return false;
+    }
+    if (options->observations && parser.value("telemetry").isEmpty()) {
+        *error = QStringLiteral("--observations: --telemetry CSV is missing");
+        return false;
+    }
+    return true;
 }
 
 bool readSource(const CommandParser &parser, Options *options, QString *error)
@@ -214,6 +260,8 @@ bool readCommon(const CommandParser &parser, Options *options, QString *error)
         return false;
     }
     options->outputPath = parser.value("output");
+    if (!readProject(parser, options, error))
+        return false;
     options->picturePath = parser.value("picture");
     options->watermarkPath = parser.value("watermark");
     options->quiet = parser.isSet("quiet");
@@ -248,7 +296,7 @@ bool checkFiles(const Options &options, QString *error)
     QStringList taken;
     for (const QString &input :
          {options.source.kind == SourceSpec::Kind::File ? options.source.path : QString(),
-          options.telemetryPath, options.picturePath, options.watermarkPath}) {
+          options.telemetryPath, options.picturePath, options.watermarkPath, options.projectPath}) {
         if (!input.isEmpty())
             taken.append(fileOf(input));
     }
@@ -333,6 +381,66 @@ bool parseSnapshot(const QStringList &arguments, Options *options, QString *erro
                        error);
 }
 
+bool parseProject(const QStringList &arguments, Options *options, QString *error)
+{
+    CommandParser parser(QStringLiteral("Lists the inspections of a project file."));
+    parser.add("file", "FILE", "The project.");
+    parser.addFlag("create-demo", "Makes it first, with the records of the demonstration.");
+    parser.add("catalog", "ID", "Catalog of the new project.");
+    parser.add("log", "FILE", "Writes the log there.");
+    if (!parser.parse(arguments, error))
+        return false;
+    if (parser.isSet("help")) {
+        options->helpText = parser.helpText();
+        return true;
+    }
+    options->command = Options::Command::Project;
+    options->projectPath = parser.value("file");
+    options->createDemo = parser.isSet("create-demo");
+    options->catalogId = parser.value("catalog");
+    options->logPath = parser.value("log");
+    if (options->projectPath.isEmpty())
+        *error = QStringLiteral("--file FILE is missing");
+    else if (parser.isSet("catalog") && !options->createDemo)
+        *error = QStringLiteral("--catalog: only a new project has a choice");
+    return error->isEmpty();
+}
+
+bool parseEdit(const QStringList &arguments, Options *options, QString *error)
+{
+    CommandParser parser(QStringLiteral("Changes elements of an OSD profile and saves it."));
+    parser.add("profile", "NAME", "The profile.");
+    parser.add("element", "NAME", "What the elements show: a value, a column, or their text.");
+    parser.add("add-text", "TEXT", "Adds a text instead.");
+    parser.add("set", "PROPERTY=VALUE",
+               "A change: row, column, enabled, captionVisible, unit, timeout, text, textColor, "
+               "backgroundColor, scaleFactor. May be given several times.");
+    addChoices(parser);
+    if (!parser.parse(arguments, error))
+        return false;
+    if (parser.isSet("help")) {
+        options->helpText = parser.helpText();
+        return true;
+    }
+    options->command = Options::Command::Edit;
+    options->profile = parser.value("profile");
+    options->elementName = parser.value("element");
+    options->addedText = parser.value("add-text");
+    if (options->profile.isEmpty())
+        *error = QStringLiteral("--profile NAME is missing");
+    else if (options->elementName.isEmpty() == options->addedText.isEmpty())
+        *error = QStringLiteral("Either --element NAME or --add-text TEXT is needed");
+    else if (!options->elementName.isEmpty() && !parser.isSet("set"))
+        *error = QStringLiteral("--set PROPERTY=VALUE is missing");
+    for (const QString &change : parser.values("set")) {
+        const int split = change.indexOf(QLatin1Char('='));
+        if (split < 1 && error->isEmpty())
+            *error = QStringLiteral("--set: \"%1\" is not PROPERTY=VALUE").arg(change);
+        options->changes.append({change.left(split), change.mid(split + 1)});
+    }
+    return error->isEmpty() && readChoices(parser, options, error);
+}
+
 bool parseValues(const QStringList &arguments, Options *options, QString *error)
 {
     CommandParser parser(QStringLiteral("Lists the values that texts can show."));
@@ -390,6 +498,10 @@ bool parseOptions(const QStringList &arguments, Options *options, QString *error
         return parseLive(rest, options, error);
     if (command == QLatin1String("values"))
         return parseValues(rest, options, error);
+    if (command == QLatin1String("edit"))
+        return parseEdit(rest, options, error);
+    if (command == QLatin1String("project"))
+        return parseProject(rest, options, error);
     if (command == QLatin1String("--help") || command == QLatin1String("-h")
         || command == QLatin1String("help")) {
         options->helpText = usage();

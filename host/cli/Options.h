@@ -5,8 +5,10 @@
 #include "host/video/VideoSource.h"
 
 #include <QByteArray>
+#include <QPair>
 #include <QString>
 #include <QStringList>
+#include <QVector>
 
 namespace Velmar::Host {
 
@@ -20,6 +22,8 @@ struct Options
         Snapshot,
         Values,
         Live,
+        Project,
+        Edit,
     };
 
     Command command = Command::Help;
@@ -30,10 +34,23 @@ struct Options
     QString telemetryPath;     ///< empty: none
     QString picturePath;       ///< empty: none
     QString watermarkPath;     ///< empty: none
+    QString profile;           ///< name or path; null: the demonstration's own layout
+    QString projectPath;       ///< empty: no project is opened
+    QString inspectionNumber;  ///< empty: the project's first inspection
+    bool observations = false; ///< the telemetry's observations are created in the project
     QString settingsDirectory; ///< empty: the user's own
     QString logPath;           ///< empty: warnings on the standard error stream
     bool quiet = false;
     UserChoices choices; ///< language and units
+
+    // edit
+    QString elementName; ///< value, column or text of the elements to change; empty: a new text
+    QString addedText;
+    QVector<QPair<QString, QString>> changes; ///< property and value
+
+    // project
+    bool createDemo = false;
+    QString catalogId; ///< of a new project; empty: the demonstration's own
 
     // record
     qint64 durationNs = -1; ///< -1: all of the source

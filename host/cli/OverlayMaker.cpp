@@ -22,8 +22,7 @@ constexpr int PictureRows = 6;
 
 bool OverlayMaker::load(const Options &options, QSize expectedSize, QString *error)
 {
-    m_picturePath = options.picturePath;
-    m_watermarkPath = options.watermarkPath;
+    m_options = options;
     if (!options.telemetryPath.isEmpty() && !m_telemetry.load(options.telemetryPath, error))
         return false;
     if (!makeSession(expectedSize, error))
@@ -44,18 +43,60 @@ bool OverlayMaker::load(const Options &options, QSize expectedSize, QString *err
 bool OverlayMaker::makeSession(QSize size, QString *error)
 {
     m_size = size;
+    if (m_session && !m_options.profile.isNull()) {
+        m_session->resize(size); // a project is not opened twice
+        return true;
+    }
+    m_session.reset(); // there may be one only
     m_session = std::make_unique<OverlaySession>(size);
-    m_session->addTexts();
+    m_session->setClock(OverlaySession::Clock::Video);
     m_session->setTelemetry(m_telemetry);
-    for (auto it = m_liveValues.cbegin(); it != m_liveValues.cend(); ++it)
-        m_session->feed().setValue(it.key(), it.value());
-    if (!m_picturePath.isEmpty()
-        && !m_session->addPicture(m_picturePath, PictureRow, PictureColumn, PictureRows)) {
-        *error = QStringLiteral("%1: cannot be read as a picture").arg(m_picturePath);
+    m_session->setObservationsFromRun(m_options.observations);
+    if (m_options.profile.isNull())
+        m_session->addTexts();
+    else if (!m_session->openProfiles(m_options.profile, error) || !openProject(error))
+        return false;
+    return fillSession(error);
+}
+
+bool OverlayMaker::openProject(QString *error)
+{
+    if (m_options.projectPath.isEmpty())
+        return true;
+    ProjectSession &project = m_session->project();
+    if (!project.open(m_options.projectPath)) {
+        *error = project.errorText();
         return false;
     }
-    if (!m_watermarkPath.isEmpty() && !m_session->setWatermark(m_watermarkPath)) {
-        *error = QStringLiteral("%1: cannot be read as a picture").arg(m_watermarkPath);
+    const QString wanted = m_options.inspectionNumber;
+    for (const ProjectSession::RecordPointer &inspection : project.inspections()) {
+        if (!wanted.isEmpty()
+            && inspection->readValue(QStringLiteral("INS_Number")).toString() != wanted)
+            continue;
+        if (project.startInspection(inspection))
+            return true;
+        *error = project.errorText();
+        return false;
+    }
+    *error = wanted.isEmpty()
+        ? QStringLiteral("%1: holds no inspection").arg(m_options.projectPath)
+        : QStringLiteral("%1: holds no inspection %2").arg(m_options.projectPath, wanted);
+    return false;
+}
+
+bool OverlayMaker::fillSession(QString *error)
+{
+    for (auto it = m_liveValues.cbegin(); it != m_liveValues.cend(); ++it)
+        m_session->feed().setValue(it.key(), it.value());
+    const QString picture = m_options.picturePath;
+    if (!picture.isEmpty()
+        && !m_session->addPicture(picture, PictureRow, PictureColumn, PictureRows)) {
+        *error = QStringLiteral("%1: cannot be read as a picture").arg(picture);
+        return false;
+    }
+    const QString watermark = m_options.watermarkPath;
+    if (!watermark.isEmpty() && !m_session->setWatermark(watermark)) {
+        *error = QStringLiteral("%1: cannot be read as a picture").arg(watermark);
         return false;
     }
     return true;

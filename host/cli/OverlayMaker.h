@@ -33,9 +33,10 @@ public:
 
 private:
     bool makeSession(QSize size, QString *error);
+    bool fillSession(QString *error);
+    bool openProject(QString *error);
 
-    QString m_picturePath;
-    QString m_watermarkPath;
+    Options m_options;
     TelemetryFile m_telemetry;
     QSize m_size;
     bool m_live = false;

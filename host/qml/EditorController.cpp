@@ -86,6 +86,7 @@ EditorController::EditorController(LiveOverlay &overlay, Messages &messages, con
     connect(&m_overlay, &LiveOverlay::profileLoaded, this, &EditorController::onProfileLoaded);
     connect(manager().getFavoritesModel(), &Shared::QmlStringListModel::stringListChanged, this,
             &EditorController::favoritesChanged);
+    m_warningTimer.start();
 }
 
 EditorController::~EditorController() = default;

@@ -80,7 +80,8 @@ bool LiveApplication::start(const Setup &setup, QString *error)
     m_profileActions = std::make_unique<ProfileActions>(*m_overlay, *m_messages, *m_texts);
     m_project = std::make_unique<ProjectController>(setup.projectDirectory, *m_overlay, *m_messages,
                                                     *m_texts);
-    m_overlay->selectStartupProfile();
+    if (!m_overlay->startupError().isEmpty())
+        m_messages->error(m_overlay->startupError());
     if (!setup.demoProject.isEmpty())
         m_project->provideDemo(setup.demoProject);
 

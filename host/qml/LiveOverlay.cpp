@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/qml/LiveOverlay.h"
 
-#include "host/display/GridFit.h"
-#include "host/platform/CatalogStore.h"
 #include "host/qml/OverlayView.h"
 #include "platform/directories/CApplicationDirectories.h"
 
@@ -10,8 +8,6 @@
 #include <videooverlay/models/VideoOverlayElementListModel.h>
 #include <videooverlay/models/VideoOverlayProfilesModel.h>
 #include <videooverlay/osd/COsdBuilder.h>
-#include <videooverlay/osd/COsdDomainDatasource.h>
-#include <videooverlay/osd/COsdDomainDatasourceFactory.h>
 #include <videooverlay/profiles/ProfilesManager.h>
 
 #include <QDateTime>
@@ -45,43 +41,24 @@ void provideProfiles()
 LiveOverlay::LiveOverlay(QSize pictureSize, QObject *parent)
     : QObject(parent)
     , m_pictureSize(pictureSize)
-    , m_systemValues(CATManagement::CatalogStore::instance())
     , m_session(std::make_unique<OverlaySession>(pictureSize))
 {
     provideProfiles();
     manager().setVideoOverlayEnabled(true);
-    m_profiles = std::make_unique<VideoOverlayProfilesModel>(manager());
-    manager().setProfilesModel(m_profiles.get());
-
-    COsdBuilder *builder
-        = COsdBuilder::initialize(CATManagement::CatalogStore::instance(), manager());
-    m_domain = std::make_unique<COsdDomainDatasourceFactory>(COsdDomainDatasource::captionResolver);
-    builder->registerFactory(&m_systemValues); // first: the next but one would take its texts
-    builder->registerFactory(&m_session->screenSnips());
-    builder->registerFactory(m_domain.get());
-    builder->registerFactory(&m_pictures);
-    connect(m_profiles.get(), &VideoOverlayProfilesModel::currentProfileChanged, builder,
-            &COsdBuilder::load);
-    connect(builder, &COsdBuilder::profileLoaded, &manager(), &CVideoOverlayManager::profileLoaded);
-    connect(builder, &COsdBuilder::profileLoaded, m_profiles.get(),
-            &VideoOverlayProfilesModel::profileLoaded);
-    connect(builder, &COsdBuilder::profileLoaded, this, &LiveOverlay::onLoaded);
+    m_session->openProfiles(QString(), &m_startupError);
+    // After the session's own handling of it.
+    connect(COsdBuilder::instance(), &COsdBuilder::profileLoaded, this,
+            &LiveOverlay::profileLoaded);
 }
 
 LiveOverlay::~LiveOverlay() = default;
-
-void LiveOverlay::selectStartupProfile()
-{
-    m_profiles->selectStartupProfile();
-}
 
 void LiveOverlay::setPictureSize(QSize size)
 {
     if (size.isEmpty() || size == m_pictureSize)
         return;
     m_pictureSize = size;
-    scene()->capabilities().setImageSize(size);
-    fitGrid(*manager().getSettings());
+    m_session->resize(size);
     Q_EMIT pictureSizeChanged();
 }
 
@@ -117,14 +94,6 @@ void LiveOverlay::showIn(QQuickItem *view) const
 {
     if (auto *overlay = qobject_cast<OverlayView *>(view))
         overlay->setScene(scene());
-}
-
-void LiveOverlay::onLoaded()
-{
-    m_session->feed().replay(); // the new texts have not seen what came before
-    manager().resetChanges();
-    scene()->flush();
-    Q_EMIT profileLoaded();
 }
 
 } // namespace Velmar::Host

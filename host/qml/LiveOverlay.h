@@ -2,9 +2,6 @@
 #pragma once
 
 #include "host/OverlaySession.h"
-#include "host/feed/SystemValueDatasourceFactory.h"
-
-#include <videooverlay/osd/COsdImageDatasourceFactory.h>
 
 #include <QObject>
 #include <QSize>
@@ -17,7 +14,6 @@ class QQuickItem;
 QT_END_NAMESPACE
 
 namespace Velmar::VideoOverlay {
-class COsdDomainDatasourceFactory;
 class CVideoOverlayManager;
 class VideoOverlayProfilesModel;
 } // namespace Velmar::VideoOverlay
@@ -37,9 +33,9 @@ public:
 
     std::shared_ptr<OverlayScene> scene() const { return m_session->scene(); }
     VideoOverlay::CVideoOverlayManager &manager() const { return m_session->manager(); }
-    VideoOverlay::VideoOverlayProfilesModel &profiles() const { return *m_profiles; }
-
-    void selectStartupProfile();
+    VideoOverlay::VideoOverlayProfilesModel &profiles() const { return *m_session->profiles(); }
+    ProjectSession &project() { return m_session->project(); }
+    QString startupError() const { return m_startupError; } ///< empty: a profile is loaded
 
     QSize pictureSize() const { return m_pictureSize; }
     /// Lays the overlay out for pictures of another size.
@@ -62,17 +58,11 @@ Q_SIGNALS:
     void valuesChanged();
 
 private:
-    void onLoaded();
-
     QSize m_pictureSize;
     TelemetryFile m_telemetry;
+    QString m_startupError;
     qint64 m_clockSecond = -1; ///< that the texts show
-    // What makes datasources goes after the elements.
-    SystemValueDatasourceFactory m_systemValues;
-    VideoOverlay::COsdImageDatasourceFactory m_pictures;
-    std::unique_ptr<VideoOverlay::COsdDomainDatasourceFactory> m_domain;
     std::unique_ptr<OverlaySession> m_session;
-    std::unique_ptr<VideoOverlay::VideoOverlayProfilesModel> m_profiles; ///< goes before all above
 };
 
 } // namespace Velmar::Host

@@ -14,9 +14,6 @@
 #include "platform/templates/CTemplateColumn.h"
 #include "platform/translation/CTranslator.h"
 
-#include <videooverlay/display/CVideoOverlayManager.h>
-#include <videooverlay/models/VideoOverlayElementListModel.h>
-
 #include <QDate>
 #include <QDir>
 #include <QFile>
@@ -66,18 +63,14 @@ ProjectController::ProjectController(QString directory, LiveOverlay &overlay, Me
                                      const UiTexts &texts, QObject *parent)
     : QObject(parent)
     , m_directory(std::move(directory))
-    , m_overlay(overlay)
     , m_messages(messages)
     , m_texts(texts)
+    , m_session(overlay.project())
 {
     connect(CTranslator::instance(), &CTranslator::currentLocaleChanged, this,
             &ProjectController::languageChanged);
     connect(Shared::GlobalLocaleData::instance(), &Shared::GlobalLocaleData::localeChanged, this,
             &ProjectController::unitsChanged);
-    // Inspection texts do not look again by themselves.
-    connect(Shared::GlobalLocaleData::instance(), &Shared::GlobalLocaleData::localeChanged, this,
-            &ProjectController::onTextsOutdated);
-    connect(&m_overlay, &LiveOverlay::profileLoaded, this, &ProjectController::onTextsOutdated);
 }
 
 ProjectController::~ProjectController() = default;
@@ -101,8 +94,7 @@ QVariantList ProjectController::files() const
 
 QString ProjectController::path() const
 {
-    // The pointer is not const in the session, though nothing is changed here.
-    const InspectionDatabase *database = const_cast<ProjectSession &>(m_session).database();
+    const InspectionDatabase *database = m_session.database();
     return database ? database->path() : QString();
 }
 
@@ -246,7 +238,6 @@ bool ProjectController::startInspection(int index)
     if (!m_session.startInspection(m_inspections.at(index)))
         return fail(m_session.errorText());
     m_inspectionIndex = index;
-    showInspectionTexts();
     Q_EMIT inspectionChanged();
     return true;
 }
@@ -265,23 +256,7 @@ bool ProjectController::addObservation(const QString &code, double distanceM, co
     observation.remark = remark.trimmed();
     if (!m_session.createObservation(observation))
         return fail(m_session.errorText());
-    VideoOverlay::VideoOverlayElementListModel *elements
-        = m_overlay.manager().getElementListModel();
-    elements->hideNotPermanentElements();
-    elements->showObservationElements();
     return true;
-}
-
-void ProjectController::showInspectionTexts()
-{
-    m_overlay.manager().getElementListModel()->showSecInspElements();
-}
-
-void ProjectController::onTextsOutdated()
-{
-    m_session.announceInspectionAgain();
-    if (m_inspectionIndex >= 0)
-        showInspectionTexts();
 }
 
 QString ProjectController::language() const

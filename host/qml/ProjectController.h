@@ -73,17 +73,14 @@ private:
     using RecordPointer = ProjectSession::RecordPointer;
 
     bool fail(const QString &reason);
-    void showInspectionTexts();
-    void onTextsOutdated();
     QString catalogId() const;
     bool fill(Database::InspectionDatabase &database, const QString &name, const QString &section,
               const QString &catalogId) const;
 
     QString m_directory;
-    LiveOverlay &m_overlay;
     Messages &m_messages;
     const UiTexts &m_texts;
-    ProjectSession m_session;
+    ProjectSession &m_session;
     QVector<RecordPointer> m_inspections;
     int m_inspectionIndex = -1;
 };

@@ -5,13 +5,16 @@
 #include "tests/support/LiveOverlay.h"
 #include "tests/support/LoggedTest.h"
 #include "tests/support/MetaListing.h"
+#include "tests/support/ProfileFolders.h"
 #include "tests/support/SignalJournal.h"
 #include "videooverlay/display/VideoOverlaySettings.h"
+#include "videooverlay/models/VideoOverlayProfilesModel.h"
 
 #include <QSignalSpy>
 #include <QTest>
 
 #include <initializer_list>
+#include <memory>
 #include <optional>
 
 using namespace Velmar::VideoOverlay;
@@ -327,8 +330,13 @@ private Q_SLOTS:
         text->setColumn(3);
         overlay.takeShown();
         SignalJournal journal(overlay.manager, CVideoOverlayManager::staticMetaObject);
+        QStringList calls;
+        journal.setObserver([&](const QString &) {
+            calls = overlay.takeShown();
+            QCOMPARE(calls.size(), 3); // the display comes before whoever follows the manager
+        });
         QVERIFY(overlay.manager.getSettings()->setGrid(20, 40));
-        const QStringList calls = overlay.takeShown();
+        calls += overlay.takeShown();
         QCOMPARE(calls.size(), 4);
         QVERIFY(calls.at(0).startsWith(QLatin1String("setPaintMargins ")));
         QCOMPARE(calls.mid(1),
@@ -338,6 +346,50 @@ private Q_SLOTS:
         const VideoOverlaySettings &grid = *overlay.manager.getSettings();
         QCOMPARE(text->x(), grid.leftMargin() + 3 * grid.colWidth());
         QCOMPARE(text->y(), grid.topMargin() + 2 * grid.rowHeight());
+    }
+
+    void currentProfile()
+    {
+        const Velmar::Test::ProfileFolders folders;
+        for (const char *name : {"a", "b"})
+            folders.writeProfile(QString::fromLatin1(name) + QStringLiteral(".xml"),
+                                 folders.profileXml("name=\"" + QByteArray(name) + '"'));
+        CVideoOverlayManager &manager = m_overlay->manager;
+        auto profiles = std::make_unique<VideoOverlayProfilesModel>(manager);
+        QVERIFY(!manager.currentProfile()); // the manager does not know the model yet
+        takeLog();
+        manager.setProfilesModel(profiles.get());
+        QCOMPARE(manager.getProfilesModel(), profiles.get());
+        QVERIFY(!manager.currentProfile());
+        auto *a = profiles->data(profiles->index(0), Qt::DisplayRole).value<Profile *>();
+        auto *b = profiles->data(profiles->index(1), Qt::DisplayRole).value<Profile *>();
+        QVERIFY(a && b && a != b);
+
+        SignalJournal journal(manager, CVideoOverlayManager::staticMetaObject);
+        Profile *announced = nullptr;
+        journal.setObserver([&](const QString &) { announced = manager.currentProfile(); });
+        QSignalSpy selected(profiles.get(), &VideoOverlayProfilesModel::currentProfileChanged);
+        manager.setCurrentProfile(b);
+        QCOMPARE(journal.take(), lines({"currentProfileChanged"}));
+        QCOMPARE(announced, b); // selected before it is announced
+        QCOMPARE(selected.count(), 1);
+        QCOMPARE(profiles->currentProfile(), b);
+        QCOMPARE(manager.property("currentProfile").value<Profile *>(), b);
+        manager.setCurrentProfile(b); // is current
+        QCOMPARE(journal.take(), QStringList());
+        QCOMPARE(selected.count(), 1);
+        QVERIFY(manager.setProperty("currentProfile", QVariant::fromValue(a)));
+        QCOMPARE(journal.take(), lines({"currentProfileChanged"}));
+        QCOMPARE(manager.currentProfile(), a);
+
+        profiles.reset(); // dies first, and its profiles with it
+        QVERIFY(!manager.getProfilesModel());
+        QVERIFY(!manager.currentProfile());
+        Profile other;
+        manager.setCurrentProfile(&other);
+        QVERIFY(!manager.currentProfile());
+        QCOMPARE(journal.take(), QStringList());
+        takeLog(); // the model's lines
     }
 
     void modelsMayDieFirst()

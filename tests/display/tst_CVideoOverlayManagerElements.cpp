@@ -17,6 +17,7 @@
 
 #include <functional>
 #include <optional>
+#include <utility>
 
 using namespace Velmar::VideoOverlay;
 using Velmar::Test::LiveOverlay;
@@ -37,6 +38,45 @@ void flushDeletions()
 {
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
 }
+
+/// One line per call of the display, change of a row and signal of the manager, in the order in
+/// which they come; a change of a row with the place and the size that the element then has.
+class Sequence : public QObject
+{
+public:
+    explicit Sequence(LiveOverlay &overlay)
+        : m_overlay(overlay)
+        , m_journal(overlay.manager, CVideoOverlayManager::staticMetaObject)
+    {
+        overlay.takeShown();
+        m_journal.setObserver([this](const QString &name) { add(name); });
+        connect(
+            &overlay.model, &QAbstractItemModel::dataChanged, this,
+            [this](const QModelIndex &index) {
+                CVideoOverlayElement *element = m_overlay.manager.getElement(index.row());
+                add(QStringLiteral("row at %1 high %2").arg(element->x()).arg(element->height()));
+            });
+    }
+
+    QStringList take()
+    {
+        add({});
+        return std::exchange(m_lines, {});
+    }
+
+private:
+    void add(const QString &line)
+    {
+        for (const QString &call : m_overlay.takeShown())
+            m_lines.append(call.section(QLatin1Char(' '), 0, 0));
+        if (!line.isEmpty())
+            m_lines.append(line);
+    }
+
+    LiveOverlay &m_overlay;
+    SignalJournal m_journal;
+    QStringList m_lines;
+};
 
 } // namespace
 
@@ -221,6 +261,60 @@ private Q_SLOTS:
         QCOMPARE(journal.take(),
                  (QStringList {QStringLiteral("globalTextColorChanged(#ff0000)"),
                                QStringLiteral("globalBackgroundColorChanged(#00ff00)")}));
+    }
+
+    /// The element is placed, then its row is announced, then it is displayed, and only then do
+    /// others follow: a colour as the overlay's, a column with the lines broken anew.
+    void whatFollowsAChangeInOrder()
+    {
+        LiveOverlay &overlay = *m_overlay;
+        const VideoOverlaySettings &grid = *overlay.manager.getSettings();
+        CVideoOverlayText *text = overlay.manager.createText();
+        text->setText(QStringLiteral("some words that fill one line"));
+        const double low = text->height();
+        Sequence sequence(overlay);
+        const auto row = [&](double height) {
+            return QStringLiteral("row at %1 high %2")
+                .arg(grid.leftMargin() + text->column() * grid.colWidth())
+                .arg(height);
+        };
+        const QString display = QStringLiteral("displayElement");
+
+        text->setTextColor(Qt::red);
+        QCOMPARE(sequence.take(),
+                 (QStringList {row(low), display, QStringLiteral("globalTextColorChanged")}));
+        text->setBackgroundColor(Qt::red);
+        QCOMPARE(sequence.take(),
+                 (QStringList {row(low), display, QStringLiteral("globalBackgroundColorChanged")}));
+        text->setColumn(40);
+        const double high = text->height();
+        QVERIFY(high > low);
+        const QStringList changes = sequence.take();
+        QCOMPARE(changes.size(), 6); // column, width, height
+        QCOMPARE(changes.mid(0, 2), (QStringList {row(low), display}));
+        QCOMPARE(changes.mid(4, 2), (QStringList {row(high), display}));
+
+        CVideoOverlayImage *image = overlay.manager.createImage();
+        sequence.take();
+        image->setColumn(9);
+        QCOMPARE(
+            sequence.take(),
+            (QStringList {
+                QStringLiteral("row at %1 high 0").arg(grid.leftMargin() + 9 * grid.colWidth()),
+                display}));
+    }
+
+    /// Lists and screens hear of the overlay's transparency before its texts follow.
+    void transparencyIsAnnouncedBeforeTextsFollow()
+    {
+        LiveOverlay &overlay = *m_overlay;
+        CVideoOverlayText *text = overlay.manager.createText();
+        QVector<int> before;
+        connect(&overlay.model, &VideoOverlayElementListModel::transparencyChanged, this,
+                [&] { before.append(text->transparency()); });
+        overlay.manager.setGlobalTransparency(7);
+        QCOMPARE(before, QVector<int> {44});
+        QCOMPARE(text->transparency(), 7);
     }
 
     /// Where there is less room, a text is typeset anew.

@@ -1,12 +1,16 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "tests/support/LiveOverlay.h"
 #include "tests/support/LoggedTest.h"
+#include "tests/support/ProfileFolders.h"
+#include "videooverlay/display/VideoOverlaySettings.h"
+#include "videooverlay/osd/COsdImageDatasource.h"
 
 #include <QMutexLocker>
 #include <QTest>
 
 #include <atomic>
 #include <chrono>
+#include <functional>
 #include <future>
 #include <vector>
 
@@ -35,7 +39,40 @@ private:
             sum += manager.rowIndexByID(element->id());
         }
         sum += int(manager.getTextColor().rgba());
+        sum += int(manager.colWidth() + manager.rowHeight());
         return sum + manager.elementsCount();
+    }
+
+    /// Reads everything of the grid; whoever lays out frames holds no lock for that.
+    static int readGrid(const CVideoOverlayManager &manager)
+    {
+        const VideoOverlaySettings &grid = *manager.getSettings();
+        return grid.width() + grid.height() + grid.font().pixelSize()
+            + int(grid.colWidth() + grid.rowHeight() + grid.leftMargin() + grid.topMargin())
+            + int(grid.marginRect().width());
+    }
+
+    /// The display changes, the host chooses another part of it, and another font.
+    static void changeGeometry(LiveOverlay &overlay, int round)
+    {
+        VideoOverlaySettings &grid = *overlay.manager.getSettings();
+        overlay.limits.width = 1280 + round % 2 * 640;
+        overlay.limits.columns = 40 + round % 3;
+        Q_EMIT overlay.limits.imageWidthChanged();
+        grid.setGrid(20 + round % 5, 30);
+        grid.setResolution(640, 360 + round % 3);
+        QFont font = grid.font();
+        font.setPixelSize(20 + round % 10);
+        grid.setFont(font);
+    }
+
+    /// A datasource writes into the record of an element that others read already.
+    static void addPicture(CVideoOverlayManager &manager, const QString &path)
+    {
+        ElementParam param;
+        param.insert(QStringLiteral("type"), int(CVideoOverlayElement::FreePicture));
+        param.insert(QStringLiteral("imagePath"), path);
+        new COsdImageDatasource(manager.createImage(param), param); // a child of the element
     }
 
     static void edit(LiveOverlay &overlay, int round)
@@ -62,19 +99,25 @@ private:
         if (round % 4 == 0)
             manager.resetChanges();
         overlay.model.hideNotPermanentElements();
+        changeGeometry(overlay, round);
         while (manager.elementsCount() > 4)
             overlay.model.remove(2);
+        QStringList favorites {QString::number(round)};
+        manager.setFavorites(favorites, 3);
         overlay.display.takeCalls();
     }
 
 private Q_SLOTS:
     void editingWhileOthersRead()
     {
+        const Velmar::Test::ProfileFolders folders;
         LiveOverlay overlay;
         overlay.manager.createText();
         QImage picture(20, 10, QImage::Format_ARGB32);
         picture.fill(Qt::red);
         overlay.manager.createImage()->setImage(picture);
+        const QString path = folders.settings() + QStringLiteral("/picture.png");
+        QVERIFY(picture.save(path));
 
         std::atomic<bool> done {false};
         std::atomic<int> reads {0};
@@ -87,14 +130,42 @@ private Q_SLOTS:
                 }
             }));
         }
+        readers.push_back(std::async(std::launch::async, [&] {
+            while (!done)
+                readGrid(overlay.manager);
+        }));
         // Bounded, but long enough that readers were at it.
-        for (int round = 0; round < Rounds || (reads < Rounds && round < 100 * Rounds); ++round)
+        for (int round = 0; round < Rounds || (reads < Rounds && round < 100 * Rounds); ++round) {
             edit(overlay, round);
+            if (round % 10 == 0)
+                addPicture(overlay.manager, path);
+        }
         done = true;
         for (std::future<void> &reader : readers)
             reader.get();
         QVERIFY(reads > 0);
         takeLog(); // the model's lines
+    }
+
+    /// Whoever follows the grid may ask it, and may wait for others who do.
+    void theGridIsNotLockedWhileItAnnounces()
+    {
+        LiveOverlay overlay;
+        int announced = 0;
+        const auto askElsewhere = [&] {
+            ++announced;
+            auto answer = std::async(std::launch::async, readGrid, std::cref(overlay.manager));
+            QCOMPARE(answer.wait_for(std::chrono::seconds(20)), std::future_status::ready);
+        };
+        VideoOverlaySettings &grid = *overlay.manager.getSettings();
+        connect(&grid, &VideoOverlaySettings::settingsChanged, this, askElsewhere);
+        connect(&grid, &VideoOverlaySettings::settingsError, this, askElsewhere);
+        QVERIFY(grid.setGrid(10, 10));
+        QVERIFY(grid.setResolution(640, 360));
+        overlay.limits.columns = 5;
+        overlay.limits.rows = 5;
+        Q_EMIT overlay.limits.maximumRowCountChanged();
+        QCOMPARE(announced, 5);
     }
 
     /// A plain getter is not kept waiting by whoever holds the manager's lock.

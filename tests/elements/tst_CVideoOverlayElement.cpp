@@ -1078,6 +1078,9 @@ private Q_SLOTS:
         QCOMPARE(element.getParamObject().value(QStringLiteral("row")), QVariant(11));
         element.getParamObjectRef().insert(QStringLiteral("row"), 5);
         QCOMPARE(element.getParamObject().value(QStringLiteral("row")), QVariant(5));
+        element.storeParam(QStringLiteral("row"), 6);
+        QCOMPARE(element.getParamObject().value(QStringLiteral("row")), QVariant(6));
+        QCOMPARE(element.getParamObject().size(), record.size());
         QCOMPARE(journal.take(), QStringList());
     }
 
@@ -1130,6 +1133,8 @@ private Q_SLOTS:
             << Action([](CVideoOverlayElement &e) { e.getParamObject(); });
         QTest::newRow("getParamObjectRef")
             << Action([](CVideoOverlayElement &e) { e.getParamObjectRef(); });
+        QTest::newRow("storeParam")
+            << Action([](CVideoOverlayElement &e) { e.storeParam(QStringLiteral("a"), 1); });
         QTest::newRow("setParamObject")
             << Action([](CVideoOverlayElement &e) { e.setParamObject({}); });
         QTest::newRow("x") << Action([](CVideoOverlayElement &e) { e.x(); });

@@ -114,12 +114,43 @@ private Q_SLOTS:
         QTest::newRow("settings") << "VideoOverlaySettings"
                                   << words("m_capabilities m_columns m_rows m_width m_height "
                                            "m_font m_colWidth m_rowHeight m_leftMargin "
-                                           "m_topMargin");
+                                           "m_topMargin m_mutex");
         QTest::newRow("capabilities") << "CVideoOverlayCapabilities" << words("m_backend");
         QTest::newRow("control") << "CVideoOverlayControl" << words("m_renderDisabled m_backend");
         QTest::newRow("capabilities backend")
             << "CAbstractVideoOverlayCapabilitiesBackend" << QStringList();
         QTest::newRow("control backend") << "CAbstractVideoOverlayControlBackend" << QStringList();
+        QTest::newRow("caption resolver") << "CaptionResolver" << QStringList();
+        QTest::newRow("template caption resolver")
+            << "TemplateCaptionResolver" << words("m_templates m_templateId m_template");
+        QTest::newRow("dictionary caption resolver")
+            << "DictCaptionResolver" << words("m_captions m_dictionary");
+        QTest::newRow("datasource") << "COsdElementDatasource" << words("m_params m_element");
+        QTest::newRow("text datasource")
+            << "COsdTextDatasource"
+            << words("m_caption m_value m_suffix m_captionResolver m_unitsProvider");
+        QTest::newRow("value datasource") << "COsdValueDatasource" << QStringList();
+        QTest::newRow("static text datasource") << "COsdStaticTextDatasource" << words("m_text");
+        QTest::newRow("image datasource") << "COsdImageDatasource" << QStringList();
+        QTest::newRow("snip datasource") << "COsdScreenSnipDatasource" << QStringList();
+        QTest::newRow("datasource factory")
+            << "CAbstractOsdDatasourceFactory" << words("m_captionResolver");
+        QTest::newRow("image datasource factory") << "COsdImageDatasourceFactory" << QStringList();
+        QTest::newRow("element accessor") << "IVideoOverlayElementAccessor" << QStringList();
+        QTest::newRow("manager") << "CVideoOverlayManager"
+                                 << words("m_control m_watermark m_mutex m_elements "
+                                          "m_elementListModel m_elementAccessor m_profilesModel "
+                                          "m_favoritesModel m_settings m_globalTransparency "
+                                          "m_emitKx70Changes m_generalSettings m_analogVideo "
+                                          "m_kx70iiState m_kx70iiCol m_kx70iiRow m_kx70iiUnits");
+        QTest::newRow("list model")
+            << "VideoOverlayElementListModel" << words("m_manager m_freeText");
+        QTest::newRow("profile") << "Profile"
+                                 << words("m_name m_path m_readOnly m_elements m_changed");
+        QTest::newRow("profiles manager") << "ProfilesManager" << words("m_directory m_profiles");
+        QTest::newRow("profiles model")
+            << "VideoOverlayProfilesModel"
+            << words("m_manager m_profiles m_currentProfile m_knownDifferences");
     }
 
     void fields()
@@ -178,6 +209,38 @@ private Q_SLOTS:
                      "ControlBackendLayout::videoOverlayEnabled "
                      "ControlBackendLayout::setVideoOverlayEnabled "
                      "ControlBackendLayout::prepareOverlay");
+        QTest::newRow("caption resolver") << "CaptionResolverLayout"
+                                          << words("CaptionResolverLayout::getCaptionconst "
+                                                   "CaptionResolverLayout::setTemplate");
+        QTest::newRow("template caption resolver")
+            << "TemplateResolverLayout"
+            << words("TemplateCaptionResolver::getCaptionconst "
+                     "TemplateCaptionResolver::setTemplate");
+        QTest::newRow("dictionary caption resolver")
+            << "DictResolverLayout"
+            << words("DictCaptionResolver::getCaptionconst TemplateCaptionResolver::setTemplate");
+        QTest::newRow("datasource") << "ElementDatasourceLayout" << QStringList();
+        QTest::newRow("text datasource")
+            << "TextDatasourceLayout" << words("COsdTextDatasource::calculateCaption");
+        QTest::newRow("value datasource")
+            << "ValueDatasourceLayout"
+            << words("COsdTextDatasource::calculateCaption COsdValueDatasource::update");
+        QTest::newRow("static text datasource") << "StaticDatasourceLayout" << QStringList();
+        QTest::newRow("image datasource") << "ImageDatasourceLayout" << QStringList();
+        QTest::newRow("snip datasource") << "SnipDatasourceLayout" << QStringList();
+        QTest::newRow("datasource factory")
+            << "FactoryLayout" << words("FactoryLayout::accept FactoryLayout::buildDatasource");
+        QTest::newRow("image datasource factory")
+            << "ImageFactoryLayout"
+            << words("COsdImageDatasourceFactory::accept "
+                     "COsdImageDatasourceFactory::buildDatasource");
+        QTest::newRow("element accessor")
+            << "AccessorLayout"
+            << words("AccessorLayout::makeKey AccessorLayout::registerElement "
+                     "AccessorLayout::unregisterElement");
+        QTest::newRow("manager") << "ManagerLayout" << QStringList();
+        QTest::newRow("profile") << "ProfileLayout" << QStringList();
+        QTest::newRow("profiles manager") << "ProfilesManagerLayout" << QStringList();
     }
 
     void virtualOperations()

@@ -32,6 +32,12 @@ using Kind = Velmar::Database::DomainRecord::Kind;
 
 namespace {
 
+#ifdef __SANITIZE_ADDRESS__
+constexpr int switches = 200; // a switch takes ten times as long
+#else
+constexpr int switches = 1000;
+#endif
+
 /// How many slots a signal calls.
 template <class Sender, typename Signal> int receivers(const Sender *sender, Signal signal)
 {
@@ -171,7 +177,7 @@ private Q_SLOTS:
         QVERIFY(before.byInspection > 20);
         const size_t memory = mallinfo2().uordblks;
 
-        for (int i = 0; i < 1000; ++i) {
+        for (int i = 0; i < switches; ++i) {
             world.load(profiles[i % 2]);
             others.asked.clear();
             if (i % 100 == 0) {

@@ -669,7 +669,7 @@ QList<ElementParam> CVideoOverlayManager::getPropertiesWithChanges()
             if (element->getAllProperties().value(key).toStringList() != favorites) {
                 changed.insert(key, favorites);
                 // Once reported, the favourites count as saved.
-                element->getParamObjectRef().insert(key, favorites);
+                element->storeParam(key, favorites);
             }
         }
         if (!changed.isEmpty())

@@ -6,6 +6,7 @@
 
 #include <QFontMetricsF>
 #include <QImage>
+#include <QMutexLocker>
 
 namespace Velmar::VideoOverlay {
 
@@ -45,41 +46,49 @@ VideoOverlaySettings::~VideoOverlaySettings() = default;
 
 QFont VideoOverlaySettings::font() const
 {
+    QMutexLocker lock(&m_mutex);
     return m_font;
 }
 
 double VideoOverlaySettings::leftMargin() const
 {
+    QMutexLocker lock(&m_mutex);
     return m_leftMargin;
 }
 
 double VideoOverlaySettings::topMargin() const
 {
+    QMutexLocker lock(&m_mutex);
     return m_topMargin;
 }
 
 double VideoOverlaySettings::colWidth() const
 {
+    QMutexLocker lock(&m_mutex);
     return m_colWidth;
 }
 
 double VideoOverlaySettings::rowHeight() const
 {
+    QMutexLocker lock(&m_mutex);
     return m_rowHeight;
 }
 
 int VideoOverlaySettings::width() const
 {
+    QMutexLocker lock(&m_mutex);
     return m_width;
 }
 
 int VideoOverlaySettings::height() const
 {
+    QMutexLocker lock(&m_mutex);
     return m_height;
 }
 
 QRectF VideoOverlaySettings::marginRect() const
 {
+    QMutexLocker lock(&m_mutex);
     return QRectF(m_leftMargin, m_topMargin, m_columns * m_colWidth, m_rows * m_rowHeight);
 }
 
@@ -90,8 +99,11 @@ bool VideoOverlaySettings::setGrid(int rows, int columns)
     if (!isBetween(rows, 1, m_capabilities.maximumRowCount())
         && !isBetween(columns, 1, m_capabilities.maximumColumnCount()))
         return false;
-    m_rows = rows;
-    m_columns = columns;
+    {
+        QMutexLocker lock(&m_mutex);
+        m_rows = rows;
+        m_columns = columns;
+    }
     calculateSettings();
     return true;
 }
@@ -101,8 +113,11 @@ bool VideoOverlaySettings::setResolution(int width, int height)
     if (!isBetween(width, 1, m_capabilities.imageWidth())
         && !isBetween(height, 1, m_capabilities.imageHeight()))
         return false;
-    m_width = width;
-    m_height = height;
+    {
+        QMutexLocker lock(&m_mutex);
+        m_width = width;
+        m_height = height;
+    }
     calculateSettings();
     return true;
 }
@@ -111,30 +126,39 @@ bool VideoOverlaySettings::setFont(const QFont &font)
 {
     if (!font.fixedPitch())
         return false;
-    if (font == m_font)
-        return true;
-    m_font = font;
+    {
+        QMutexLocker lock(&m_mutex);
+        if (font == m_font)
+            return true;
+        m_font = font;
+    }
     calculateSettings();
     return true;
 }
 
 void VideoOverlaySettings::applyVideoSettings()
 {
-    m_width = m_capabilities.imageWidth();
-    m_height = m_capabilities.imageHeight();
+    const int width = m_capabilities.imageWidth();
+    const int height = m_capabilities.imageHeight();
+    QMutexLocker lock(&m_mutex);
+    m_width = width;
+    m_height = height;
 }
 
 void VideoOverlaySettings::calculateSettings()
 {
-    // Metrics of the font as it comes out on such a picture; null while its size is 0 or absurd,
-    // and then the last cell size is better than none.
-    QImage picture(m_width, m_height, QImage::Format_ARGB32);
-    if (!picture.isNull()) {
-        const QFontMetricsF metrics(m_font, &picture);
-        m_colWidth = metrics.horizontalAdvance(QStringLiteral("X"));
-        m_rowHeight = metrics.height() - 2.0;
-        m_leftMargin = (m_width - m_colWidth * m_columns) * 0.5;
-        m_topMargin = (m_height - m_rowHeight * m_rows) * 0.5;
+    {
+        QMutexLocker lock(&m_mutex);
+        // Metrics of the font as it comes out on such a picture; null while its size is 0 or
+        // absurd, and then the last cell size is better than none.
+        QImage picture(m_width, m_height, QImage::Format_ARGB32);
+        if (!picture.isNull()) {
+            const QFontMetricsF metrics(m_font, &picture);
+            m_colWidth = metrics.horizontalAdvance(QStringLiteral("X"));
+            m_rowHeight = metrics.height() - 2.0;
+            m_leftMargin = (m_width - m_colWidth * m_columns) * 0.5;
+            m_topMargin = (m_height - m_rowHeight * m_rows) * 0.5;
+        }
     }
     Q_EMIT settingsChanged();
 }
@@ -142,17 +166,22 @@ void VideoOverlaySettings::calculateSettings()
 void VideoOverlaySettings::onCapabilitiesChanged()
 {
     applyVideoSettings();
-    if (m_columns > m_capabilities.maximumColumnCount()) {
-        m_columns = m_capabilities.maximumColumnCount();
+    if (lower(m_columns, m_capabilities.maximumColumnCount()))
         Q_EMIT settingsError(QStringLiteral("VideoOverlaySettings::onCapabilitiesChanged() error: "
                                             "lowering column count to current possible maximum."));
-    }
-    if (m_rows > m_capabilities.maximumRowCount()) {
-        m_rows = m_capabilities.maximumRowCount();
+    if (lower(m_rows, m_capabilities.maximumRowCount()))
         Q_EMIT settingsError(QStringLiteral("VideoOverlaySettings::onCapabilitiesChanged() error: "
                                             "lowering row count to current possible maximum."));
-    }
     calculateSettings();
+}
+
+bool VideoOverlaySettings::lower(int &count, int maximum)
+{
+    QMutexLocker lock(&m_mutex);
+    if (count <= maximum)
+        return false;
+    count = maximum;
+    return true;
 }
 
 } // namespace Velmar::VideoOverlay

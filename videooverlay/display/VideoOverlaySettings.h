@@ -4,6 +4,7 @@
 #include "videooverlay/xqvideooverlay_export.h"
 
 #include <QFont>
+#include <QMutex>
 #include <QObject>
 #include <QRectF>
 #include <QString>
@@ -14,7 +15,8 @@ class CVideoOverlayCapabilities;
 
 /// The grid of character cells, centred in the video picture, on which the elements stand: column
 /// and row count, picture size and font, and the cell size and margins that follow from them.
-/// Lengths are pixels of the picture. A refused value changes nothing.
+/// Lengths are pixels of the picture. A refused value changes nothing. Changed in the GUI thread;
+/// may be read in others, each value for itself.
 class XQVIDEOOVERLAY_EXPORT VideoOverlaySettings : public QObject
 {
     Q_OBJECT
@@ -63,6 +65,9 @@ public Q_SLOTS:
     void onCapabilitiesChanged();
 
 private:
+    /// Whether it was larger.
+    bool lower(int &count, int maximum);
+
     CVideoOverlayCapabilities &m_capabilities;
     int m_columns = 54;
     int m_rows = 27;
@@ -73,6 +78,9 @@ private:
     double m_rowHeight = 0.0;
     double m_leftMargin = 0.0;
     double m_topMargin = 0.0;
+    /// Guards every field above. Held for nothing else: not while the display is asked, and not
+    /// while a signal is emitted, because receivers take locks that come before this one.
+    mutable QMutex m_mutex;
 };
 
 } // namespace Velmar::VideoOverlay

@@ -403,6 +403,12 @@ ElementParam &CVideoOverlayElement::getParamObjectRef()
     return m_params;
 }
 
+void CVideoOverlayElement::storeParam(const QString &key, const QVariant &value)
+{
+    QMutexLocker lock(&m_mutex);
+    m_params.insert(key, value);
+}
+
 void CVideoOverlayElement::startTimer()
 {
     const EditLock lock(this);

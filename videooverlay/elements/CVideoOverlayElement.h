@@ -147,6 +147,8 @@ public:
     ElementParam getParamObject() const;
     /// The stored record itself, for those who must write into it. Not locked.
     ElementParam &getParamObjectRef();
+    /// Writes one value into the stored record itself, under the lock. Emits nothing.
+    void storeParam(const QString &key, const QVariant &value);
 
 Q_SIGNALS:
     void rowChanged();

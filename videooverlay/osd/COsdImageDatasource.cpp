@@ -67,7 +67,7 @@ COsdImageDatasource::COsdImageDatasource(CVideoOverlayImage *image, ElementParam
     }
     const QFileInfo stored = storeFile(source);
     if (stored.exists()) {
-        image->getParamObjectRef().insert(pathKey, stored.absoluteFilePath());
+        image->storeParam(pathKey, stored.absoluteFilePath());
         image->setImageSrc(stored.absoluteFilePath());
         image->setCaption(stored.fileName());
     } else {
