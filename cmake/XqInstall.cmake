@@ -67,7 +67,8 @@ if(TARGET xqosd)
         "${CMAKE_INSTALL_PREFIX}/${CMAKE_INSTALL_LIBDIR}")
     set_target_properties(xqosd PROPERTIES INSTALL_RPATH "$ORIGIN/${XQ_LIBRARIES_FROM_PROGRAM}")
     install(TARGETS xqosd RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}")
-    install(DIRECTORY data/catalogs data/demo data/translations
+    install(DIRECTORY data/catalogs data/demo data/profiles data/translations
         DESTINATION "${CMAKE_INSTALL_DATADIR}/xqosd"
-        FILES_MATCHING PATTERN "*.csv" PATTERN "*.png" PATTERN "*.json")
+        FILES_MATCHING PATTERN "*.csv" PATTERN "*.png" PATTERN "*.json" PATTERN "*.xml")
+    install(FILES data/OsdSettings.xml DESTINATION "${CMAKE_INSTALL_DATADIR}/xqosd")
 endif()

@@ -267,9 +267,11 @@ QString ProjectController::language() const
 
 void ProjectController::setLanguage(const QString &language)
 {
-    const QLocale locale(language);
-    TranslationStore::instance().setLocale(locale);
-    LocaleSettings::setLocale(locale);
+    TranslationStore::instance().setLocale(QLocale(language));
+    // Dates with the day first and 24 hours, as the narrow boxes of the overlay want them.
+    LocaleSettings::setLocale(language == QLatin1String("de")
+                                  ? QLocale(QLocale::German, QLocale::Germany)
+                                  : QLocale(QLocale::English, QLocale::UnitedKingdom));
 }
 
 bool ProjectController::isImperial() const
