@@ -519,7 +519,6 @@ EditorController::Element *EditorController::create(ElementParam record)
         new COsdStaticTextDatasource(text, record); // a child of its element
         element = text;
     }
-    element->setVisible(element->enabled());
     model().endReset();
     return element;
 }

@@ -122,6 +122,7 @@ private Q_SLOTS:
     void overlayWideSettings();
     void search();
     void savingReadOnlyAsksForAName();
+    void savingFails();
     void unsavedChanges_data();
     void unsavedChanges();
     void profiles();
@@ -620,6 +621,31 @@ void tst_LiveApplication::savingReadOnlyAsksForAName()
     QVERIFY(QFile::exists(profilePath(QStringLiteral("Mine"))));
     QCOMPARE(Test::ProfileFolders::read(profilePath(defaultProfile)), before);
     QVERIFY(!m_live->editor().hasUnsavedChanges());
+}
+
+void tst_LiveApplication::savingFails()
+{
+    QVERIFY(select(QStringLiteral("Bench")));
+    QVERIFY(m_robot.click(QStringLiteral("navEditor")));
+    const QByteArray before = Test::ProfileFolders::read(profilePath(QStringLiteral("Bench")));
+    CVideoOverlayElement *speed = elementOf(ElementParam::NAME_SPEED);
+    m_live->editor().select(manager().rowIndexByID(speed->id()));
+    m_live->editor().nudge(5, 0);
+    {
+        const Test::FullDisk fullDisk;
+        QVERIFY(!m_live->editor().save());
+        QVERIFY(!m_live->editor().saveAs(QStringLiteral("Other")));
+    }
+    QVERIFY(m_robot.await(QStringLiteral("messageText")));
+    QVERIFY(m_live->messages().isError());
+    QVERIFY(m_live->editor().history()->isModified());
+    QCOMPARE(speed->column(), 15);
+    QCOMPARE(manager().currentProfile()->caption(), QStringLiteral("Bench"));
+    QCOMPARE(Test::ProfileFolders::read(profilePath(QStringLiteral("Bench"))), before);
+    QVERIFY(m_robot.click(QStringLiteral("save"))); // there is room again
+    QTRY_VERIFY(!m_live->editor().hasUnsavedChanges());
+    QVERIFY(
+        Test::ProfileFolders::read(profilePath(QStringLiteral("Bench"))).contains("<COL>15</COL>"));
 }
 
 void tst_LiveApplication::unsavedChanges_data()
