@@ -13,7 +13,7 @@ Button {
     property int align: Text.AlignHCenter
 
     implicitHeight: Theme.touch
-    implicitWidth: Math.max(Theme.touch, contentItem.implicitWidth + 2 * Theme.gap)
+    implicitWidth: Math.max(Theme.touch, implicitContentWidth + 2 * Theme.gap)
     padding: 4
     font.pixelSize: Theme.font
     opacity: enabled ? 1 : 0.4

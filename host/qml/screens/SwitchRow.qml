@@ -40,7 +40,7 @@ Switch {
         }
     }
     contentItem: Text {
-        rightPadding: control.indicator.width + Theme.gap
+        rightPadding: 92 + Theme.gap
         text: control.text
         font: control.font
         color: Theme.text
