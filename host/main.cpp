@@ -13,6 +13,7 @@
 #include "host/platform/LogRouter.h"
 #include "host/platform/LogSinks.h"
 #include "host/profiles/FirstStart.h"
+#include "host/qml/LiveCommand.h"
 
 #include <platform/directories/CApplicationDirectories.h>
 
@@ -20,7 +21,9 @@
 #include <QGuiApplication>
 #include <QTextCodec>
 
+#include <algorithm>
 #include <csignal>
+#include <cstring>
 #include <memory>
 
 using namespace Velmar;
@@ -48,6 +51,32 @@ bool setUpLog(const Options &options, QString *error)
         return false;
     }
     Logging::LogRouter::instance().addSink(std::move(sink));
+    return true;
+}
+
+bool hasArgument(int argc, char **argv, const char *wanted)
+{
+    return std::any_of(argv + std::min(argc, 1), argv + argc, [wanted](const char *argument) {
+        return std::strncmp(argument, wanted, std::strlen(wanted)) == 0;
+    });
+}
+
+/// Before there is an application, and so before the options are read. False when the screens are
+/// to be shown and there is no display.
+bool choosePlatform(int argc, char **argv)
+{
+    if (!qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+        return true;
+    const bool isLive = argc > 1 && std::strcmp(argv[1], "live") == 0;
+    const bool showsWindow = isLive && !hasArgument(argc, argv, "--screenshots")
+        && !hasArgument(argc, argv, "--help") && !hasArgument(argc, argv, "-h");
+    if (showsWindow)
+        return !qEnvironmentVariableIsEmpty("DISPLAY")
+            || !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY");
+    // What paints but shows nothing must also run where nobody has a screen.
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    if (isLive)
+        qputenv("QT_QUICK_BACKEND", "software");
     return true;
 }
 
@@ -79,9 +108,9 @@ int main(int argc, char **argv)
 {
     qInstallMessageHandler(logQtMessage);
     std::signal(SIGXFSZ, SIG_IGN); // a file that may not grow is an error, not the end
-    // These commands paint, but show nothing: they must also run where nobody has a screen.
-    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
-        qputenv("QT_QPA_PLATFORM", "offscreen");
+    if (!choosePlatform(argc, argv))
+        return reportError(QStringLiteral("live: there is no display. Set DISPLAY, WAYLAND_DISPLAY "
+                                          "or QT_QPA_PLATFORM"));
     QGuiApplication application(argc, argv);
     QGuiApplication::setApplicationName(QStringLiteral("xqosd"));
     // Written files are UTF-8, whatever the environment says.
@@ -118,6 +147,8 @@ int main(int argc, char **argv)
         return runRecord(options);
     case Options::Command::Snapshot:
         return runSnapshot(options);
+    case Options::Command::Live:
+        return runLive(options);
     case Options::Command::Values:
         return runValues();
     case Options::Command::Check:

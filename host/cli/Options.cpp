@@ -28,6 +28,7 @@ QString usage()
         "\n"
         "  record     burns the overlay into a video file\n"
         "  snapshot   writes one picture of the overlay\n"
+        "  live       shows the touch screens\n"
         "  project    lists the inspections of a project, or makes a demonstration\n"
         "  values     lists the values that texts can show\n"
         "\n"
@@ -167,14 +168,25 @@ bool readChoices(const CommandParser &parser, Options *options, QString *error)
         && (!parser.isSet("units") || options->choices.setUnits(parser.value("units"), error));
 }
 
-void addCommon(CommandParser &parser)
+/// What every command that plays a video has.
+void addSource(CommandParser &parser, const char *sizeText)
 {
     parser.add("source", "SOURCE",
                "Where the video comes from: a video file, a camera (/dev/video0), \"test\" or "
                "\"pipe\", a drawn run through a pipe.",
                QStringLiteral("pipe"));
-    parser.add("output", "FILE", "The file to write.");
     parser.add("telemetry", "CSV", "Readings for the overlay's texts.");
+    parser.add("size", "WxH", sizeText);
+    parser.add("fps", "N", "Frames per second of test, pipe and cameras.");
+    parser.add("seed", "N", "Which pipe is drawn.", QStringLiteral("1"));
+    addChoices(parser);
+}
+
+void addCommon(CommandParser &parser)
+{
+    addSource(parser,
+              "Picture size. 1920x1080 for test and pipe; files and cameras keep their own.");
+    parser.add("output", "FILE", "The file to write.");
     parser.add(
         "profile", "NAME",
         "Shows this OSD profile (name or path; \"start\" for the one to start with) instead of "
@@ -185,11 +197,6 @@ void addCommon(CommandParser &parser)
                    "Creates the observations of the telemetry in the project when they come.");
     parser.add("picture", "PNG", "A picture to lay over the video.");
     parser.add("watermark", "PNG", "A watermark to lay over the video.");
-    parser.add("size", "WxH",
-               "Picture size. 1920x1080 for test and pipe; files and cameras keep their own.");
-    parser.add("fps", "N", "Frames per second of test, pipe and cameras.");
-    parser.add("seed", "N", "Which pipe is drawn.", QStringLiteral("1"));
-    addChoices(parser);
     parser.addFlag("quiet", "Prints errors only.");
 }
 
@@ -225,7 +232,7 @@ bool readProject(const CommandParser &parser, Options *options, QString *error)
     return true;
 }
 
-bool readCommon(const CommandParser &parser, Options *options, QString *error)
+bool readSource(const CommandParser &parser, Options *options, QString *error)
 {
     options->source = SourceSpec::fromText(parser.value("source"));
     if (parser.value("source").isEmpty()) {
@@ -249,18 +256,25 @@ bool readCommon(const CommandParser &parser, Options *options, QString *error)
         *error = QStringLiteral("--seed: \"%1\" is not a whole number").arg(parser.value("seed"));
         return false;
     }
+    options->telemetryPath = parser.value("telemetry");
+    return readChoices(parser, options, error);
+}
+
+bool readCommon(const CommandParser &parser, Options *options, QString *error)
+{
+    if (!readSource(parser, options, error))
+        return false;
     if (!parser.isSet("output") || parser.value("output").isEmpty()) {
         *error = QStringLiteral("--output is missing");
         return false;
     }
     options->outputPath = parser.value("output");
-    options->telemetryPath = parser.value("telemetry");
     if (!readProject(parser, options, error))
         return false;
     options->picturePath = parser.value("picture");
     options->watermarkPath = parser.value("watermark");
     options->quiet = parser.isSet("quiet");
-    return readChoices(parser, options, error);
+    return true;
 }
 
 bool readInput(const QString &text, Options *options, QString *error)
@@ -515,6 +529,31 @@ bool parseValues(const QStringList &arguments, Options *options, QString *error)
     return readChoices(parser, options, error);
 }
 
+bool parseLive(const QStringList &arguments, Options *options, QString *error)
+{
+    CommandParser parser(QStringLiteral("Shows the touch screens."));
+    addSource(parser,
+              "Picture size. 1280x720 for test and pipe; files and cameras keep their own.");
+    parser.add("input", "INPUT",
+               "Live values, one JSON object a line, from \"stdin\" or \"socket:PATH\".");
+    parser.add("projects", "DIR", "Where the projects are.");
+    parser.add("recordings", "DIR", "Where recordings go.");
+    parser.add("screenshots", "DIR", "Writes a picture of every screen there and ends.");
+    if (!parser.parse(arguments, error))
+        return false;
+    if (parser.isSet("help")) {
+        options->helpText = parser.helpText();
+        return true;
+    }
+    options->command = Options::Command::Live;
+    options->projectDirectory = parser.value("projects");
+    options->recordingDirectory = parser.value("recordings");
+    options->screenshotDirectory = parser.value("screenshots");
+    if (parser.isSet("input") && !readInput(parser.value("input"), options, error))
+        return false;
+    return readSource(parser, options, error) && checkFiles(*options, error);
+}
+
 } // namespace
 
 bool parseOptions(const QStringList &arguments, Options *options, QString *error)
@@ -529,6 +568,8 @@ bool parseOptions(const QStringList &arguments, Options *options, QString *error
         return parseRecord(rest, options, error);
     if (command == QLatin1String("snapshot"))
         return parseSnapshot(rest, options, error);
+    if (command == QLatin1String("live"))
+        return parseLive(rest, options, error);
     if (command == QLatin1String("values"))
         return parseValues(rest, options, error);
     if (command == QLatin1String("check"))

@@ -21,6 +21,7 @@ struct Options
         Record,
         Snapshot,
         Values,
+        Live,
         Project,
         Edit,
         Check,
@@ -68,6 +69,11 @@ struct Options
     // snapshot
     qint64 atNs = 0;
     bool transparent = false;
+
+    // live
+    QString projectDirectory;    ///< empty: the user's documents
+    QString recordingDirectory;  ///< empty: the user's videos
+    QString screenshotDirectory; ///< pictures of the screens go there; empty: none
 };
 
 /// Reads the arguments, the program's name first. False, and a text in @p error, for arguments that

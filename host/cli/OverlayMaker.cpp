@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/cli/OverlayMaker.h"
 
+#include "host/video/TelemetryView.h"
 #include "platform/logging/CLogger.h"
 
 #include <limits>
@@ -126,18 +127,7 @@ void OverlayMaker::expectLiveValues()
 
 std::function<PipeRunRenderer::View(qint64)> OverlayMaker::cameraView() const
 {
-    const QString distance = QStringLiteral("SECTION_DISTANCE_COUNTER");
-    if (!m_telemetry.names().contains(distance))
-        return {};
-    // A copy of the readings of its own: it is a streaming thread that asks.
-    return [telemetry = m_telemetry, distance, pan = QStringLiteral("CAMERA_PAN"),
-            tilt = QStringLiteral("CAMERA_TILT")](qint64 timeNs) {
-        PipeRunRenderer::View view;
-        view.distanceM = telemetry.interpolated(distance, timeNs / NsPerMs);
-        view.panDeg = telemetry.interpolated(pan, timeNs / NsPerMs);
-        view.tiltDeg = telemetry.interpolated(tilt, timeNs / NsPerMs);
-        return view;
-    };
+    return telemetryView(m_telemetry, AfterRun::Stay);
 }
 
 } // namespace Velmar::Host

@@ -59,9 +59,17 @@ qint64 durationOf(GstBuffer *buffer)
 } // namespace
 
 OverlayPipeline::OverlayPipeline(SourceSpec source, FrameGate::Update update, QObject *parent)
+    : OverlayPipeline(std::move(source), std::shared_ptr<OverlaySource>(), parent)
+{
+    m_gate = std::make_shared<FrameGate>(this, std::move(update));
+    m_overlay = m_gate;
+}
+
+OverlayPipeline::OverlayPipeline(SourceSpec source, std::shared_ptr<OverlaySource> overlay,
+                                 QObject *parent)
     : QObject(parent)
     , m_source(std::move(source))
-    , m_gate(std::make_shared<FrameGate>(this, std::move(update)))
+    , m_overlay(std::move(overlay))
     , m_toNs(Forever)
 {
     m_watch.setInterval(WatchIntervalMs);
@@ -192,7 +200,7 @@ bool OverlayPipeline::build(QString *error)
     const MiniObjectRef<GstCaps> formats(
         gst_caps_from_string("video/x-raw, format=(string){ I420, NV12 }"));
     g_object_set(m_filter, "caps", formats.get(), nullptr);
-    setOverlaySource(burn, m_gate);
+    setOverlaySource(burn, m_overlay);
     if (!gst_element_link_many(m_entry, m_crop, scale, convert, m_filter, burn, burned, nullptr)) {
         *error = QStringLiteral("The GStreamer elements for raw video do not fit together");
         return false;
@@ -300,7 +308,8 @@ void OverlayPipeline::setUpFrames(GstCaps *caps)
                         scaled ? 1 : GST_VIDEO_INFO_PAR_N(&info),
                         scaled ? 1 : GST_VIDEO_INFO_PAR_D(&info), nullptr);
     g_object_set(m_filter, "caps", wanted.get(), nullptr);
-    m_gate->setFrameSize(target);
+    if (m_gate)
+        m_gate->setFrameSize(target);
 }
 
 GstPadProbeReturn OverlayPipeline::burnedProbe(GstPad *pad, GstPadProbeInfo *info, gpointer user)
@@ -438,7 +447,8 @@ void OverlayPipeline::shutDown()
 {
     m_running = false;
     m_watch.stop();
-    m_gate->cancel(); // before the streaming threads are joined: one may be waiting for us
+    if (m_gate)
+        m_gate->cancel(); // before the streaming threads are joined: one may be waiting for us
     if (!m_pipeline)
         return;
     gst_element_set_state(m_pipeline.get(), GST_STATE_NULL);

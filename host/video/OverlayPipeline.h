@@ -40,11 +40,11 @@ public:
     /// How long nothing may move before the pipeline counts as stuck; 15 s unless set.
     void setStallLimit(int milliseconds);
 
-    int frameCount() const;    ///< frames burned so far
-    qint64 positionNs() const; ///< end of the last burned frame
-    qint64 durationNs() const; ///< of what is to be recorded; -1 when unknown
-    QSize frameSize() const;   ///< [px] of the burned frames; empty before the first
-    const FrameGate &gate() const;
+    int frameCount() const;        ///< frames burned so far
+    qint64 positionNs() const;     ///< end of the last burned frame
+    qint64 durationNs() const;     ///< of what is to be recorded; -1 when unknown
+    QSize frameSize() const;       ///< [px] of the burned frames; empty before the first
+    const FrameGate &gate() const; ///< only of a pipeline that waits for its overlay
 
 Q_SIGNALS:
     void finished();
@@ -54,6 +54,8 @@ Q_SIGNALS:
 
 protected:
     OverlayPipeline(SourceSpec source, FrameGate::Update update, QObject *parent);
+    /// Burns in whatever @p overlay shows at the moment, without waiting for it.
+    OverlayPipeline(SourceSpec source, std::shared_ptr<OverlaySource> overlay, QObject *parent);
 
     /// Adds what follows the burned frames and links it to @p frames, a raw video pad of queued
     /// frames. False, and a text in @p error, when that is impossible.
@@ -95,7 +97,8 @@ private:
     static GstPadProbeReturn burnedProbe(GstPad *pad, GstPadProbeInfo *info, gpointer user);
 
     SourceSpec m_source;
-    std::shared_ptr<FrameGate> m_gate;
+    std::shared_ptr<FrameGate> m_gate; ///< null: nobody waits for the overlay
+    std::shared_ptr<OverlaySource> m_overlay;
     ObjectRef<GstElement> m_pipeline;
     GstElement *m_entry = nullptr;  ///< takes the source's video; owned by the pipeline
     GstElement *m_crop = nullptr;   ///< owned by the pipeline

@@ -58,6 +58,14 @@ RecordPipeline::RecordPipeline(SourceSpec source, Output output, FrameGate::Upda
 {
 }
 
+RecordPipeline::RecordPipeline(SourceSpec source, Output output,
+                               std::shared_ptr<OverlaySource> overlay, QObject *parent)
+    : OverlayPipeline(source, std::move(overlay), parent)
+    , m_output(std::move(output))
+    , m_sourcePath(source.path)
+{
+}
+
 RecordPipeline::~RecordPipeline()
 {
     shutDown(); // while the streaming threads may still ask this class

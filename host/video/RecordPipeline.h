@@ -20,6 +20,9 @@ public:
 
     RecordPipeline(SourceSpec source, Output output, FrameGate::Update update,
                    QObject *parent = nullptr);
+    /// Burns in whatever @p overlay shows at the moment, for recording while the picture runs.
+    RecordPipeline(SourceSpec source, Output output, std::shared_ptr<OverlaySource> overlay,
+                   QObject *parent = nullptr);
     ~RecordPipeline() override;
 
     QByteArray encoderName() const; ///< what encodes the video, once started

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/video/VideoSource.h"
 
+#include "host/video/FrameInput.h"
 #include "host/video/GstRef.h"
 #include "host/video/VideoErrors.h"
 
@@ -177,6 +178,18 @@ bool addDevice(GstBin *pipeline, const SourceSpec &spec, SourceReceiver *receive
     return true;
 }
 
+bool addPushed(GstBin *pipeline, const SourceSpec &spec, SourceReceiver *receiver, QString *error)
+{
+    GstElement *source = spec.input->makeSource(error);
+    if (!source)
+        return false;
+    gst_bin_add(pipeline, source);
+    const ObjectRef<GstPad> pad(gst_element_get_static_pad(source, "src"));
+    receiver->videoPad(pad.get());
+    receiver->noMorePads();
+    return true;
+}
+
 } // namespace
 
 SourceSpec SourceSpec::fromText(const QString &text)
@@ -200,6 +213,8 @@ QString SourceSpec::name() const
         return QStringLiteral("pipe");
     case Kind::Test:
         return QStringLiteral("test");
+    case Kind::Pushed:
+        return QStringLiteral("live video");
     case Kind::File:
     case Kind::Device:
         break;
@@ -214,7 +229,7 @@ bool SourceSpec::isDrawn() const
 
 bool SourceSpec::isLive() const
 {
-    return kind == Kind::Device;
+    return kind == Kind::Device || kind == Kind::Pushed;
 }
 
 bool addSource(GstBin *pipeline, const SourceSpec &spec, GstCaps *audioCaps,
@@ -228,6 +243,8 @@ bool addSource(GstBin *pipeline, const SourceSpec &spec, GstCaps *audioCaps,
         return addFile(pipeline, spec, audioCaps, receiver, error);
     case SourceSpec::Kind::Device:
         return addDevice(pipeline, spec, receiver, error);
+    case SourceSpec::Kind::Pushed:
+        return addPushed(pipeline, spec, receiver, error);
     }
     return false;
 }

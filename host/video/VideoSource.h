@@ -9,8 +9,11 @@
 #include <gst/gst.h>
 
 #include <functional>
+#include <memory>
 
 namespace Velmar::Host {
+
+class FrameInput;
 
 /// Where the pictures come from, as the operator said it.
 struct SourceSpec
@@ -20,6 +23,7 @@ struct SourceSpec
         Test,    ///< colour bars
         File,    ///< any video file that the installed decoders read
         Device,  ///< a V4L2 camera
+        Pushed,  ///< what another pipeline pushes
     };
 
     Kind kind = Kind::PipeRun;
@@ -30,6 +34,7 @@ struct SourceSpec
     /// Where the camera of a drawn run is at a time [ns]; null: the run's own. Called on a
     /// streaming thread.
     std::function<PipeRunRenderer::View(qint64)> view;
+    std::shared_ptr<FrameInput> input; ///< of pushed frames
 
     /// "pipe", "test", a path below /dev, or a file.
     static SourceSpec fromText(const QString &text);

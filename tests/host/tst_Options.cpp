@@ -20,6 +20,7 @@ private Q_SLOTS:
     void units();
     void input();
     void values();
+    void live();
     void help_data();
     void help();
     void refused_data();
@@ -184,12 +185,40 @@ void tst_Options::values()
     QCOMPARE(options.logPath, QStringLiteral("l.txt"));
 }
 
+void tst_Options::live()
+{
+    Options options;
+    QString error;
+    QVERIFY2(parseOptions(words(QStringLiteral("live")), &options, &error), qPrintable(error));
+    QCOMPARE(options.command, Options::Command::Live);
+    QCOMPARE(options.source.kind, SourceSpec::Kind::PipeRun);
+    QVERIFY(options.outputPath.isEmpty() && options.projectDirectory.isEmpty()
+            && options.recordingDirectory.isEmpty() && options.screenshotDirectory.isEmpty());
+
+    QVERIFY2(parseOptions(words(QStringLiteral(
+                              "live --source test --size 640x480 --fps 30 --telemetry t.csv "
+                              "--projects p --recordings r --screenshots s --input stdin "
+                              "--language de --settings-dir d")),
+                          &options, &error),
+             qPrintable(error));
+    QCOMPARE(options.source.kind, SourceSpec::Kind::Test);
+    QCOMPARE(options.source.size, QSize(640, 480));
+    QCOMPARE(options.source.framesPerSecond, 30);
+    QCOMPARE(options.telemetryPath, QStringLiteral("t.csv"));
+    QCOMPARE(options.projectDirectory, QStringLiteral("p"));
+    QCOMPARE(options.recordingDirectory, QStringLiteral("r"));
+    QCOMPARE(options.screenshotDirectory, QStringLiteral("s"));
+    QVERIFY(options.inputFromPipe);
+    QCOMPARE(options.settingsDirectory, QStringLiteral("d"));
+}
+
 void tst_Options::help_data()
 {
     QTest::addColumn<QString>("line");
     QTest::addColumn<QString>("mentions");
     QTest::newRow("program") << QStringLiteral("--help") << QStringLiteral("record");
     QTest::newRow("record") << QStringLiteral("record --help") << QStringLiteral("--png-at");
+    QTest::newRow("live") << QStringLiteral("live --help") << QStringLiteral("--screenshots");
     QTest::newRow("values") << QStringLiteral("values --help") << QStringLiteral("--units");
     QTest::newRow("name of the command")
         << QStringLiteral("snapshot --help") << QStringLiteral("Usage: xqosd snapshot [options]\n");
@@ -251,6 +280,10 @@ void tst_Options::refused_data()
         << record + QStringLiteral("--input socket:a.mkv") << QStringLiteral("a.mkv");
     QTest::newRow("input of a picture")
         << QStringLiteral("snapshot --output o.png --input stdin") << QStringLiteral("input");
+    QTest::newRow("live takes no file")
+        << QStringLiteral("live --output x") << QStringLiteral("output");
+    QTest::newRow("live: other input")
+        << QStringLiteral("live --input file") << QStringLiteral("neither stdin nor socket");
     QTest::newRow("values takes no file")
         << QStringLiteral("values --output x") << QStringLiteral("output");
     QTest::newRow("value missing") << QStringLiteral("record --output") << QStringLiteral("output");

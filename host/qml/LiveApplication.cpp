@@ -1,0 +1,131 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "host/qml/LiveApplication.h"
+
+#include "host/qml/EditorController.h"
+#include "host/qml/ElementFilter.h"
+#include "host/qml/LiveOverlay.h"
+#include "host/qml/Messages.h"
+#include "host/qml/OverlayView.h"
+#include "host/qml/PreviewProvider.h"
+#include "host/qml/ProfileActions.h"
+#include "host/qml/ProjectController.h"
+#include "host/qml/UiTexts.h"
+#include "host/qml/VideoController.h"
+#include "host/qml/VideoView.h"
+#include "host/video/TelemetryView.h"
+#include "host/video/VideoErrors.h"
+
+#include <videooverlay/display/CVideoOverlayManager.h>
+#include <videooverlay/models/VideoOverlayElementListModel.h>
+#include <videooverlay/models/VideoOverlayProfilesModel.h>
+
+#include <QQmlApplicationEngine>
+#include <QQmlContext>
+#include <QQuickWindow>
+#include <QUrl>
+
+/// The resources are in a static library, which nobody else makes the linker keep. Outside of every
+/// namespace, because the macro declares a function.
+static void keepScreens()
+{
+    Q_INIT_RESOURCE(screens);
+}
+
+namespace Velmar::Host {
+
+namespace {
+
+constexpr QSize DefaultSize {1280, 720};
+
+void registerTypes()
+{
+    constexpr const char *Module = "Xqosd";
+    qmlRegisterType<VideoView>(Module, 1, 0, "VideoView");
+    qmlRegisterType<OverlayView>(Module, 1, 0, "OverlayView");
+    qmlRegisterUncreatableType<VideoController>(Module, 1, 0, "VideoController",
+                                                QStringLiteral("there is one already"));
+}
+
+} // namespace
+
+LiveApplication::LiveApplication(QObject *parent)
+    : QObject(parent)
+{
+}
+
+LiveApplication::~LiveApplication() = default;
+
+bool LiveApplication::start(const Setup &setup, QString *error)
+{
+    if (!initialiseVideo(error))
+        return false;
+    TelemetryFile telemetry;
+    if (!setup.telemetryPath.isEmpty() && !telemetry.load(setup.telemetryPath, error))
+        return false;
+    VideoController::Setup video {setup.source, setup.recordingDirectory};
+    if (video.source.isDrawn() && video.source.size.isEmpty())
+        video.source.size = DefaultSize;
+    if (!video.source.view)
+        video.source.view = telemetryView(telemetry, AfterRun::Again);
+
+    m_texts = std::make_unique<UiTexts>();
+    m_messages = std::make_unique<Messages>();
+    m_overlay = std::make_unique<LiveOverlay>(video.source.size.isEmpty() ? DefaultSize
+                                                                          : video.source.size);
+    m_overlay->setTelemetry(telemetry);
+    m_video = std::make_unique<VideoController>(video, *m_overlay, *m_messages, *m_texts);
+    m_editor = std::make_unique<EditorController>(*m_overlay, *m_messages, *m_texts);
+    m_filter
+        = std::make_unique<ElementFilter>(*m_editor, *m_overlay->manager().getElementListModel());
+    m_profileActions = std::make_unique<ProfileActions>(*m_overlay, *m_messages, *m_texts);
+    m_project = std::make_unique<ProjectController>(setup.projectDirectory, *m_overlay, *m_messages,
+                                                    *m_texts);
+    if (!m_overlay->startupError().isEmpty())
+        m_messages->error(m_overlay->startupError());
+    if (!setup.demoProject.isEmpty())
+        m_project->provideDemo(setup.demoProject);
+
+    expose(setup);
+    m_engine->load(QUrl(QStringLiteral("qrc:/xqosd/screens/Main.qml")));
+    if (!window()) {
+        *error = QStringLiteral("The screens cannot be loaded; the log says why");
+        return false;
+    }
+    m_video->start();
+    return true;
+}
+
+void LiveApplication::expose(const Setup &setup)
+{
+    keepScreens();
+    registerTypes();
+    m_engine = std::make_unique<QQmlApplicationEngine>();
+    m_engine->addImageProvider(QStringLiteral("preview"), new PreviewProvider); // the engine's
+    QQmlContext *context = m_engine->rootContext();
+    const std::initializer_list<std::pair<const char *, QObject *>> objects {
+        {"texts", m_texts.get()},
+        {"messages", m_messages.get()},
+        {"liveOverlay", m_overlay.get()},
+        {"manager", &m_overlay->manager()},
+        {"elements", m_overlay->manager().getElementListModel()},
+        {"profiles", &m_overlay->profiles()},
+        {"video", m_video.get()},
+        {"editor", m_editor.get()},
+        {"elementFilter", m_filter.get()},
+        {"profileActions", m_profileActions.get()},
+        {"project", m_project.get()},
+    };
+    for (const auto &[name, object] : objects)
+        context->setContextProperty(QString::fromLatin1(name), object);
+    context->setContextProperty(QStringLiteral("pictureFolder"),
+                                QUrl::fromLocalFile(setup.pictureDirectory));
+}
+
+QQuickWindow *LiveApplication::window() const
+{
+    return m_engine && !m_engine->rootObjects().isEmpty()
+        ? qobject_cast<QQuickWindow *>(m_engine->rootObjects().constFirst())
+        : nullptr;
+}
+
+} // namespace Velmar::Host

@@ -1,0 +1,96 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "host/qml/LiveCommand.h"
+
+#include "host/cli/InterruptWatch.h"
+#include "host/cli/Report.h"
+#include "host/feed/LiveInput.h"
+#include "host/qml/LiveApplication.h"
+#include "host/qml/LiveOverlay.h"
+#include "host/qml/Messages.h"
+#include "host/qml/Screenshots.h"
+#include "host/qml/VideoController.h"
+#include "platform/directories/CApplicationDirectories.h"
+
+#include <QEventLoop>
+#include <QFileInfo>
+#include <QGuiApplication>
+#include <QStandardPaths>
+
+namespace Velmar::Host {
+
+namespace {
+
+QString orStandard(const QString &path, QStandardPaths::StandardLocation location)
+{
+    return path.isEmpty() ? QStandardPaths::writableLocation(location) + QStringLiteral("/xqosd")
+                          : QFileInfo(path).absoluteFilePath();
+}
+
+} // namespace
+
+int runLive(const Options &options)
+{
+    const QString data = CApplicationDirectories::readonlyConfigDirectory();
+    LiveApplication::Setup setup;
+    setup.source = options.source;
+    const bool hasInput = options.inputFromPipe || !options.inputSocket.isEmpty();
+    setup.telemetryPath = options.telemetryPath.isEmpty() && options.source.isDrawn() && !hasInput
+        ? data + QStringLiteral("/demo/telemetry.csv")
+        : options.telemetryPath;
+    setup.projectDirectory
+        = orStandard(options.projectDirectory, QStandardPaths::DocumentsLocation);
+    setup.recordingDirectory
+        = orStandard(options.recordingDirectory, QStandardPaths::MoviesLocation);
+    setup.pictureDirectory = options.screenshotDirectory.isEmpty()
+        ? QStandardPaths::writableLocation(QStandardPaths::PicturesLocation)
+        : data + QStringLiteral("/demo");
+    setup.demoProject = data + QStringLiteral("/demo/project/demo.json");
+
+    QString error;
+    LiveApplication application;
+    if (!application.start(setup, &error))
+        return reportError(error);
+
+    LiveInput input;
+    QObject::connect(&input, &LiveInput::valueRead, &application.overlay(), &LiveOverlay::setValue);
+    QObject::connect(&input, &LiveInput::problemFound, &application.messages(), &Messages::error);
+    if (options.inputFromPipe)
+        input.readFrom(0);
+    else if (!options.inputSocket.isEmpty() && !input.listen(options.inputSocket, &error))
+        return reportError(error);
+
+    QEventLoop loop;
+    InterruptWatch interrupt;
+    QObject::connect(&interrupt, &InterruptWatch::interrupted, &loop, [&] {
+        VideoController &video = application.video();
+        if (video.recordState() == VideoController::Idle) {
+            loop.quit();
+            return;
+        }
+        QObject::connect(&video, &VideoController::recordStateChanged, &loop, [&] {
+            if (video.recordState() == VideoController::Idle)
+                loop.quit();
+        });
+        video.stopRecording(); // so that the file is complete
+    });
+    QObject::connect(qGuiApp, &QGuiApplication::lastWindowClosed, &loop, &QEventLoop::quit);
+    QString failure;
+    Screenshots screenshots(application, options.screenshotDirectory);
+    if (!options.screenshotDirectory.isEmpty()) {
+        QObject::connect(&screenshots, &Screenshots::written, &loop,
+                         [](const QString &path) { report(path); });
+        QObject::connect(&screenshots, &Screenshots::finished, &loop, &QEventLoop::quit);
+        QObject::connect(&screenshots, &Screenshots::failed, &loop, [&](const QString &reason) {
+            failure = reason;
+            loop.quit();
+        });
+        // From the loop, which must run before it can be left.
+        QMetaObject::invokeMethod(&screenshots, &Screenshots::start, Qt::QueuedConnection);
+    }
+    loop.exec();
+    if (!failure.isEmpty())
+        return reportError(failure);
+    return interrupt.isInterrupted() ? InterruptWatch::ExitStatus : 0;
+}
+
+} // namespace Velmar::Host

@@ -1,0 +1,52 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <videooverlay/profiles/Profile.h>
+
+#include <QObject>
+#include <QString>
+
+namespace Velmar::Host {
+
+class LiveOverlay;
+class Messages;
+class UiTexts;
+
+/// What the operator does with profiles as a whole. Each returns false, with a message, when it
+/// failed: the library says why in the log alone.
+class ProfileActions : public QObject
+{
+    Q_OBJECT
+    // clang-format off
+    Q_PROPERTY(int currentIndex READ currentIndex NOTIFY currentChanged)
+    Q_PROPERTY(QString currentName READ currentName NOTIFY currentChanged)
+    // clang-format on
+
+public:
+    /// None of the references is owned; all must outlive this object.
+    ProfileActions(LiveOverlay &overlay, Messages &messages, const UiTexts &texts,
+                   QObject *parent = nullptr);
+
+    int currentIndex() const;    ///< -1: none
+    QString currentName() const; ///< for people
+
+    /// Null where there is no such row.
+    Q_INVOKABLE Velmar::VideoOverlay::Profile *profileAt(int row) const;
+    Q_INVOKABLE bool select(int row);
+    /// A blank name makes a numbered copy.
+    Q_INVOKABLE bool clone(int row, const QString &name);
+    Q_INVOKABLE bool rename(int row, const QString &name);
+    Q_INVOKABLE bool remove(int row);
+
+Q_SIGNALS:
+    void currentChanged();
+
+private:
+    bool report(bool done, const QStringList &complaints);
+
+    LiveOverlay &m_overlay;
+    Messages &m_messages;
+    const UiTexts &m_texts;
+};
+
+} // namespace Velmar::Host

@@ -1,0 +1,152 @@
+// SPDX-License-Identifier: Apache-2.0
+import QtQuick 2.15
+import QtQuick.Controls 2.15
+import QtQuick.Layouts 1.15
+import "."
+
+/// What can be changed of the selected element.
+Flickable {
+    id: panel
+
+    readonly property var element: editor.selected
+    readonly property bool isText: editor.selectedIsText && element !== null
+
+    contentHeight: content.implicitHeight
+    clip: true
+    boundsBehavior: Flickable.StopAtBounds
+    ScrollBar.vertical: ScrollBar { }
+
+    AppText {
+        anchors { left: parent.left; right: parent.right; top: parent.top; margins: Theme.gap }
+        visible: panel.element === null
+        text: texts.chooseElement
+        color: Theme.muted
+    }
+    ColumnLayout {
+        id: content
+        width: panel.width - 16
+        visible: panel.element !== null
+        spacing: Theme.gap
+
+        AppText {
+            objectName: "selectedName"
+            Layout.fillWidth: true
+            text: editor.selectedName
+            font.bold: true
+            elide: Text.ElideRight
+            maximumLineCount: 1
+        }
+        AppText {
+            text: panel.element ? texts.position.arg(panel.element.column).arg(panel.element.row) : ""
+            color: Theme.muted
+            font.pixelSize: Theme.smallFont
+        }
+        SwitchRow {
+            objectName: "propertyEnabled"
+            Layout.fillWidth: true
+            text: texts.enabled
+            checked: panel.element ? panel.element.enabled : false
+            onToggled: editor.set("enabled", checked)
+        }
+        SwitchRow {
+            objectName: "propertyCaption"
+            Layout.fillWidth: true
+            visible: panel.isText && !editor.selectedHasOwnText
+            text: texts.showCaption
+            checked: panel.element ? panel.element.captionVisible : false
+            onToggled: editor.set("captionVisible", checked)
+        }
+        ChoiceRow {
+            objectName: "propertyUnit"
+            Layout.fillWidth: true
+            visible: choices.length > 0
+            label: texts.unit
+            choices: editor.unitChoices
+            current: panel.element ? choices.indexOf(panel.element.unit) : -1
+            onChosen: editor.set("unit", choices[index])
+        }
+        ColumnLayout {
+            Layout.fillWidth: true
+            visible: editor.selectedHasOwnText
+            spacing: 4
+            AppText { text: texts.text }
+            AppField {
+                objectName: "propertyText"
+                Layout.fillWidth: true
+                maximumLength: 200
+                text: panel.isText ? panel.element.text : ""
+                onEditingFinished: {
+                    if (panel.isText)
+                        editor.set("text", text)
+                }
+            }
+        }
+        ColumnLayout {
+            Layout.fillWidth: true
+            visible: editor.selectedIsFreeText
+            spacing: 4
+            AppText { text: texts.favorites }
+            Repeater {
+                model: editor.favorites
+                RowLayout {
+                    AppButton {
+                        objectName: "favorite" + index
+                        Layout.fillWidth: true
+                        text: modelData
+                        onClicked: editor.set("text", modelData)
+                    }
+                    AppButton {
+                        objectName: "favoriteRemove" + index
+                        symbol: "\u2715"
+                        onClicked: editor.removeFavorite(index)
+                    }
+                }
+            }
+            AppButton {
+                objectName: "favoriteAdd"
+                Layout.fillWidth: true
+                symbol: "+"
+                text: texts.addFavorite
+                enabled: panel.isText && panel.element.text.trim() !== ""
+                onClicked: editor.addFavorite(panel.element.text)
+            }
+        }
+        NumberRow {
+            objectName: "propertyTimeout"
+            Layout.fillWidth: true
+            label: texts.timeout
+            suffix: " s"
+            to: 600
+            value: panel.element ? panel.element.timeout : 0
+            onChanged: editor.set("timeout", value)
+        }
+        ColorRow {
+            objectName: "propertyTextColor"
+            Layout.fillWidth: true
+            visible: panel.isText
+            label: texts.textColor
+            current: panel.isText ? panel.element.textColor : "transparent"
+            onChosen: editor.set("textColor", color)
+        }
+        ColorRow {
+            objectName: "propertyBackgroundColor"
+            Layout.fillWidth: true
+            visible: panel.isText
+            label: texts.backgroundColor
+            current: panel.isText ? panel.element.backgroundColor : "transparent"
+            onChosen: editor.set("backgroundColor", color)
+        }
+        NumberRow {
+            objectName: "propertyScale"
+            Layout.fillWidth: true
+            visible: editor.selectedIsPicture
+            label: texts.scale
+            suffix: " %"
+            from: 5
+            to: 400
+            step: 5
+            value: editor.selectedIsPicture && panel.element ? Math.round(panel.element.scaleFactor * 100) : 100
+            onChanged: editor.set("scaleFactor", value / 100)
+        }
+    }
+}

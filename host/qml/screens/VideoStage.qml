@@ -1,0 +1,36 @@
+// SPDX-License-Identifier: Apache-2.0
+import QtQuick 2.15
+import Xqosd 1.0
+import "."
+
+/// The running picture with its overlay, as it is recorded.
+Item {
+    id: stage
+
+    readonly property rect pictureRect: picture.pictureRect
+
+    Rectangle {
+        anchors.fill: parent
+        color: "black"
+    }
+    VideoView {
+        id: picture
+        anchors.fill: parent
+    }
+    OverlayView {
+        id: overlayView
+        anchors.fill: parent
+        Component.onCompleted: liveOverlay.showIn(overlayView)
+    }
+    Connections {
+        target: video
+        enabled: stage.visible
+        function onFrame(frame) { picture.showFrame(frame) }
+    }
+    AppText {
+        anchors.centerIn: parent
+        visible: !video.running
+        text: texts.noPicture
+        font.pixelSize: Theme.titleFont
+    }
+}

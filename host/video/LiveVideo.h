@@ -1,0 +1,75 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include "host/video/FrameInput.h"
+#include "host/video/GstRef.h"
+#include "host/video/VideoSource.h"
+
+#include <QImage>
+#include <QObject>
+#include <QStringList>
+
+#include <atomic>
+#include <memory>
+#include <mutex>
+
+namespace Velmar::Host {
+
+/// A source that plays at its own speed: its frames are announced as pictures, and handed on
+/// unchanged to a recording while there is one. Lives on the GUI thread and needs its event loop.
+///
+/// The GUI thread never waits for the video and the video never for it: of the frames that come
+/// while the GUI thread is busy, the last is announced.
+class LiveVideo : public QObject, private SourceReceiver
+{
+    Q_OBJECT
+public:
+    explicit LiveVideo(SourceSpec source, QObject *parent = nullptr);
+    ~LiveVideo() override;
+
+    /// False, and a text in @p error, when it cannot start; no signal comes then.
+    bool start(QString *error);
+    void stop(); ///< at once; emits nothing
+
+    /// Where every frame goes from now on; null: nowhere.
+    void setRecording(std::shared_ptr<FrameInput> recording);
+
+    int shownFrames() const;   ///< announced so far
+    int playedFrames() const;  ///< come from the source so far
+    qint64 positionNs() const; ///< of the last announced frame
+
+Q_SIGNALS:
+    void frame(const QImage &picture, qint64 timeNs);
+    void ended();                       ///< the source is over
+    void failed(const QString &reason); ///< and the video has stopped
+
+private:
+    bool build(QString *error);
+    void onMessage(GstMessage *message);
+    void showLatest();
+    void fail(const QString &reason);
+
+    void videoPad(GstPad *pad) override;
+    void audioPad(GstPad *pad) override;
+    void noMorePads() override;
+
+    static GstBusSyncReply handleMessage(GstBus *bus, GstMessage *message, gpointer user);
+    static GstPadProbeReturn rawProbe(GstPad *pad, GstPadProbeInfo *info, gpointer user);
+    static GstFlowReturn takeSample(GstElement *sink, gpointer user);
+
+    SourceSpec m_source;
+    ObjectRef<GstElement> m_pipeline;
+    GstElement *m_entry = nullptr; ///< takes the source's video; owned by the pipeline
+    QStringList m_missing;         ///< descriptions of plugins asked for in vain
+    bool m_running = false;
+    int m_shownFrames = 0;
+    qint64 m_positionNs = 0;
+
+    std::atomic<bool> m_hasVideo {false};
+    std::atomic<int> m_playedFrames {0};
+    std::mutex m_mutex; ///< guards what follows
+    std::shared_ptr<FrameInput> m_recording;
+    MiniObjectRef<GstSample> m_latest; ///< not announced yet
+};
+
+} // namespace Velmar::Host

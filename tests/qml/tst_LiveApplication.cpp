@@ -1,0 +1,852 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "host/platform/Directories.h"
+#include "host/platform/LocaleSettings.h"
+#include "host/platform/TranslationStore.h"
+#include "host/qml/EditHistory.h"
+#include "host/qml/EditorController.h"
+#include "host/qml/LiveApplication.h"
+#include "host/qml/LiveOverlay.h"
+#include "host/qml/Messages.h"
+#include "host/qml/ProjectController.h"
+#include "host/qml/VideoController.h"
+#include "tests/host/VideoReader.h"
+#include "tests/qml/ScreenRobot.h"
+#include "tests/support/ProfileFolders.h"
+
+#include <videooverlay/display/CVideoOverlayManager.h>
+#include <videooverlay/models/VideoOverlayElementListModel.h>
+#include <videooverlay/models/VideoOverlayProfilesModel.h>
+#include <videooverlay/profiles/Profile.h>
+
+#include <QDir>
+#include <QQmlComponent>
+#include <QQmlEngine>
+#include <QQuickItem>
+#include <QQuickWindow>
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include <cmath>
+
+using namespace Velmar;
+using namespace Velmar::Host;
+using Test::ScreenRobot;
+using VideoOverlay::CVideoOverlayElement;
+using VideoOverlay::ElementParam;
+
+namespace {
+
+const QString defaultProfile = QStringLiteral("Halvo push camera system - default");
+constexpr double FingerPx = 53.0; ///< 9 mm on 10 inches of 1280x800
+
+/// Two values and what an observation shows, for a second.
+QByteArray profileOfTest()
+{
+    return Test::ProfileFolders::profileXml("readonly=\"false\" name=\"Bench\"", R"(
+    <SYSTEMTEXT>
+        <COL>10</COL><ROW>20</ROW>
+        <FGCOLOR>#ffffe066</FGCOLOR><BGCOLOR>#96000000</BGCOLOR>
+        <VISIBLE>true</VISIBLE><SHOWCAPTION>true</SHOWCAPTION>
+        <UNIT>4</UNIT><SOURCE>DB</SOURCE><COL_Bound_Column>SPEED</COL_Bound_Column>
+        <HEIGHT>1</HEIGHT><WIDTH>10</WIDTH><ALIGN>LEFT</ALIGN>
+    </SYSTEMTEXT>
+    <SYSTEMTEXT>
+        <COL>0</COL><ROW>5</ROW>
+        <FGCOLOR>#ffffe066</FGCOLOR><BGCOLOR>#96000000</BGCOLOR>
+        <VISIBLE>true</VISIBLE><SHOWCAPTION>false</SHOWCAPTION>
+        <UNIT>13</UNIT><SOURCE>DB</SOURCE><COL_Bound_Column>SECTION_DISTANCE_COUNTER</COL_Bound_Column>
+        <HEIGHT>1</HEIGHT><WIDTH>8</WIDTH><ALIGN>LEFT</ALIGN>
+    </SYSTEMTEXT>
+    <INSPTEXT>
+        <COL_Bound_Column>OBS_Observation</COL_Bound_Column><TDIR_Key>SECOBS</TDIR_Key>
+        <SOURCE>DB</SOURCE><TIMEOUT>1</TIMEOUT><COL>0</COL><ROW>12</ROW>
+        <FGCOLOR>#ffffffff</FGCOLOR><BGCOLOR>#c8101820</BGCOLOR>
+        <VISIBLE>true</VISIBLE><SHOWCAPTION>false</SHOWCAPTION>
+        <HEIGHT>1</HEIGHT><WIDTH>0</WIDTH>
+    </INSPTEXT>)");
+}
+
+QStringList qtWarnings;
+
+/// A screen with a warning is a screen with a mistake. What the library logs of the operator's
+/// profiles is no matter here.
+void recordQtWarning(QtMsgType type, const QMessageLogContext &, const QString &message)
+{
+    if (type == QtInfoMsg)
+        fprintf(stdout, "%s\n", qPrintable(message));
+    if (type == QtWarningMsg || type == QtCriticalMsg)
+        qtWarnings.append(message);
+}
+
+double luminance(const QColor &color)
+{
+    const auto linear = [](double part) {
+        return part <= 0.03928 ? part / 12.92 : std::pow((part + 0.055) / 1.055, 2.4);
+    };
+    return 0.2126 * linear(color.redF()) + 0.7152 * linear(color.greenF())
+        + 0.0722 * linear(color.blueF());
+}
+
+double contrast(const QColor &one, const QColor &other)
+{
+    const double a = luminance(one);
+    const double b = luminance(other);
+    return (std::max(a, b) + 0.05) / (std::min(a, b) + 0.05);
+}
+
+} // namespace
+
+Q_DECLARE_METATYPE(Velmar::Test::ScreenRobot::Pointer)
+
+class tst_LiveApplication : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void cleanup();
+
+    void screensLoad_data();
+    void screensLoad();
+    void theme();
+    void keyboardAlone();
+    void dragging_data();
+    void dragging();
+    void draggingStaysOnTheGrid();
+    void arrowsAndUndo();
+    void addsAndDeletesText();
+    void addsPicture();
+    void colours();
+    void freeTextAndFavourites();
+    void warnings();
+    void overlayWideSettings();
+    void search();
+    void savingReadOnlyAsksForAName();
+    void savingFails();
+    void unsavedChanges_data();
+    void unsavedChanges();
+    void profiles();
+    void refusedNames();
+    void recordsWhileThePictureRuns();
+    void recordingThatCannotStart();
+    void observationAppearsAndExpires();
+    void createsProject();
+    void language();
+    void overlayOff();
+
+private:
+    void start();
+    CVideoOverlayElement *elementOf(const QString &valueName) const;
+    QQuickItem *boxOf(const CVideoOverlayElement *element) const;
+    QString profilePath(const QString &name) const;
+    bool select(const QString &profile);
+    bool awaitStage(const QQuickItem &stage) const;
+    VideoOverlay::CVideoOverlayManager &manager() const { return m_live->overlay().manager(); }
+
+    std::unique_ptr<QTemporaryDir> m_root;
+    std::unique_ptr<LiveApplication> m_live;
+    ScreenRobot m_robot;
+    QtMessageHandler m_handlerBefore = nullptr;
+};
+
+void tst_LiveApplication::init()
+{
+    m_root = std::make_unique<QTemporaryDir>();
+    Directories::setSettingsDirectory(m_root->filePath(QStringLiteral("settings")));
+    Directories::setReadonlyConfigDirectory(QStringLiteral(XQ_DATA_DIRECTORY));
+    Translation::TranslationStore::instance().setLocale(QLocale(QLocale::English));
+    Shared::LocaleSettings::reset();
+    qtWarnings.clear();
+    m_handlerBefore = qInstallMessageHandler(recordQtWarning);
+    start();
+}
+
+void tst_LiveApplication::cleanup()
+{
+    m_live.reset();
+    qInstallMessageHandler(m_handlerBefore);
+    QVERIFY2(qtWarnings.isEmpty(), qPrintable(qtWarnings.join(QLatin1Char('\n'))));
+}
+
+void tst_LiveApplication::start()
+{
+    QDir().mkpath(m_root->filePath(QStringLiteral("settings/osd")));
+    Test::ProfileFolders::write(profilePath(QStringLiteral("Bench")), profileOfTest());
+    QFile::copy(QStringLiteral(XQ_DATA_DIRECTORY "/profiles/%1.xml").arg(defaultProfile),
+                profilePath(defaultProfile));
+    LiveApplication::Setup setup;
+    setup.source = SourceSpec::fromText(QStringLiteral("test"));
+    setup.source.size = QSize(640, 360);
+    setup.telemetryPath = QStringLiteral(XQ_DATA_DIRECTORY "/demo/telemetry.csv");
+    setup.projectDirectory = m_root->filePath(QStringLiteral("projects"));
+    setup.recordingDirectory = m_root->filePath(QStringLiteral("recordings"));
+    setup.pictureDirectory = QStringLiteral(XQ_DATA_DIRECTORY "/demo");
+    m_live = std::make_unique<LiveApplication>();
+    QString error;
+    QVERIFY2(m_live->start(setup, &error), qPrintable(error));
+    m_robot = ScreenRobot(m_live->window());
+    QVERIFY(QTest::qWaitForWindowExposed(m_live->window()));
+    QTRY_VERIFY(m_live->video().isRunning());
+}
+
+QString tst_LiveApplication::profilePath(const QString &name) const
+{
+    return m_root->filePath(QStringLiteral("settings/osd/%1.xml").arg(name));
+}
+
+bool tst_LiveApplication::select(const QString &name)
+{
+    const auto &profiles = m_live->overlay().profiles();
+    for (int row = 0; row < profiles.rowCount(); ++row) {
+        const auto *profile = profiles.data(profiles.index(row)).value<VideoOverlay::Profile *>();
+        if (profile->caption() == name)
+            return m_robot.click(QStringLiteral("navProfiles"))
+                && m_robot.click(QStringLiteral("profile%1").arg(row))
+                && m_robot.click(QStringLiteral("profileSelect"));
+    }
+    return false;
+}
+
+CVideoOverlayElement *tst_LiveApplication::elementOf(const QString &valueName) const
+{
+    const QList<CVideoOverlayElement *> elements = manager().getElementList();
+    for (CVideoOverlayElement *element : elements) {
+        if (element->getParamObject().value(ElementParam::NAME_COLUMNBOUND) == valueName)
+            return element;
+    }
+    return nullptr;
+}
+
+QQuickItem *tst_LiveApplication::boxOf(const CVideoOverlayElement *element) const
+{
+    return m_robot.await(QStringLiteral("element%1").arg(manager().rowIndexByID(element->id())));
+}
+
+/// Frames have come and the screen has its final layout.
+bool tst_LiveApplication::awaitStage(const QQuickItem &stage) const
+{
+    double last = 0.0;
+    for (int same = 0; same < 3;) {
+        QSignalSpy frames(&m_live->video(), &VideoController::frame);
+        if (!frames.wait())
+            return false;
+        const double now = stage.property("cellWidth").toDouble();
+        same = now > 1 && qFuzzyCompare(now, last) ? same + 1 : 0;
+        last = now;
+    }
+    return true;
+}
+
+void tst_LiveApplication::screensLoad_data()
+{
+    QTest::addColumn<QString>("language");
+    QTest::newRow("English") << QStringLiteral("en");
+    QTest::newRow("German") << QStringLiteral("de");
+}
+
+void tst_LiveApplication::screensLoad()
+{
+    QFETCH(QString, language);
+    m_live->project().setLanguage(language);
+    const QStringList screens {QStringLiteral("Live"), QStringLiteral("Editor"),
+                               QStringLiteral("Profiles"), QStringLiteral("Project")};
+    for (const QString &name : screens) {
+        QVERIFY(m_robot.click(QStringLiteral("nav") + name));
+        QVERIFY(m_robot.await(name.toLower() + QStringLiteral("Screen")));
+        if (name == QLatin1String("Editor")) {
+            m_live->editor().select(0);
+            for (int panel = 0; panel < 3; ++panel)
+                QVERIFY(m_robot.click(QStringLiteral("panel%1").arg(panel)));
+        }
+        // Everything that can be pressed is as large as a finger, and says what it is for.
+        const QVector<QQuickItem *> buttons = m_robot.allWith("down");
+        QVERIFY(buttons.size() >= 5);
+        for (const QQuickItem *button : buttons) {
+            if (!button->property("pressed").isValid() || button->objectName().isEmpty())
+                continue;
+            QVERIFY2(button->width() >= FingerPx && button->height() >= FingerPx,
+                     qPrintable(button->objectName()));
+            QVERIFY2(button->activeFocusOnTab(), qPrintable(button->objectName()));
+        }
+        QCOMPARE(qtWarnings, QStringList());
+    }
+}
+
+void tst_LiveApplication::theme()
+{
+    QQmlEngine engine;
+    QQmlComponent component(&engine);
+    component.setData("import QtQuick 2.15\nimport \"qrc:/xqosd/screens\"\n"
+                      "QtObject { readonly property QtObject theme: Theme }",
+                      QUrl());
+    const std::unique_ptr<QObject> holder(component.create());
+    QVERIFY2(holder, qPrintable(component.errorString()));
+    const auto *theme = holder->property("theme").value<QObject *>();
+    const auto color = [theme](const char *name) { return theme->property(name).value<QColor>(); };
+    const std::initializer_list<std::pair<const char *, const char *>> pairs {
+        {"text", "ground"},  {"text", "panel"},    {"text", "raised"},      {"text", "pressed"},
+        {"muted", "ground"}, {"muted", "panel"},   {"accentInk", "accent"}, {"dangerInk", "danger"},
+        {"goodInk", "good"}, {"accent", "ground"}, {"accent", "panel"},
+    };
+    for (const auto &[ink, ground] : pairs) {
+        QVERIFY2(color(ink).isValid() && color(ground).isValid(), ink);
+        QVERIFY2(
+            contrast(color(ink), color(ground)) >= 7.0,
+            qPrintable(QStringLiteral("%1 on %2").arg(QLatin1String(ink), QLatin1String(ground))));
+    }
+    QVERIFY(theme->property("touch").toInt() >= FingerPx);
+}
+
+void tst_LiveApplication::keyboardAlone()
+{
+    // The second of the navigation's buttons, by keys, and a frame shows where one is.
+    QStringList visited;
+    for (int i = 0; i < 30 && !visited.contains(QStringLiteral("navEditor")); ++i) {
+        m_robot.key(Qt::Key_Tab);
+        if (m_live->window()->activeFocusItem())
+            visited.append(m_live->window()->activeFocusItem()->objectName());
+    }
+    QVERIFY2(visited.contains(QStringLiteral("navEditor")),
+             qPrintable(visited.join(QLatin1Char(' '))));
+    QVERIFY(m_live->window()->activeFocusItem()->property("visualFocus").toBool());
+    m_robot.key(Qt::Key_Return);
+    QVERIFY(m_robot.await(QStringLiteral("editorScreen")));
+}
+
+void tst_LiveApplication::dragging_data()
+{
+    QTest::addColumn<ScreenRobot::Pointer>("pointer");
+    QTest::newRow("mouse") << ScreenRobot::Pointer::Mouse;
+    QTest::newRow("finger") << ScreenRobot::Pointer::Finger;
+}
+
+void tst_LiveApplication::dragging()
+{
+    QFETCH(ScreenRobot::Pointer, pointer);
+    QVERIFY(select(QStringLiteral("Bench")));
+    QVERIFY(m_robot.click(QStringLiteral("navEditor")));
+    CVideoOverlayElement *speed = elementOf(ElementParam::NAME_SPEED);
+    QVERIFY(speed);
+    QCOMPARE(QPoint(speed->column(), speed->row()), QPoint(10, 20));
+    const QQuickItem *box = boxOf(speed);
+    const QQuickItem *stage = m_robot.find(QStringLiteral("editorStage"));
+    QVERIFY(box && stage);
+    QVERIFY(awaitStage(*stage));
+    QTRY_VERIFY(speed->width() > 0); // a value has come
+    const QPointF cell(stage->property("cellWidth").toDouble(),
+                       stage->property("cellHeight").toDouble());
+
+    m_robot.drag(box->mapToScene(QPointF(box->width() / 2, box->height() / 2)),
+                 QPointF(3 * cell.x(), 2 * cell.y()), pointer);
+
+    QTRY_COMPARE(QPoint(speed->column(), speed->row()), QPoint(13, 22));
+    QCOMPARE(m_live->editor().selected(), speed);
+    QVERIFY(m_live->editor().history()->isModified());
+    const QByteArray before = Test::ProfileFolders::read(profilePath(QStringLiteral("Bench")));
+    QVERIFY(m_robot.click(QStringLiteral("save")));
+    const QByteArray after = Test::ProfileFolders::read(profilePath(QStringLiteral("Bench")));
+    QVERIFY(before != after);
+    QVERIFY(after.contains("<COL>13</COL>"));
+    QVERIFY(after.contains("<ROW>22</ROW>"));
+    QVERIFY(!m_live->editor().hasUnsavedChanges());
+    QVERIFY(!m_live->messages().isError());
+}
+
+void tst_LiveApplication::draggingStaysOnTheGrid()
+{
+    QVERIFY(select(QStringLiteral("Bench")));
+    QVERIFY(m_robot.click(QStringLiteral("navEditor")));
+    CVideoOverlayElement *distance = elementOf(ElementParam::NAME_SECTION_DISTANCE_COUNTER);
+    QTRY_VERIFY(distance->width() > 0);
+    const QQuickItem *stage = m_robot.find(QStringLiteral("editorStage"));
+    QVERIFY(awaitStage(*stage));
+    const QQuickItem *box = boxOf(distance);
+    const QPointF centre = box->mapToScene(QPointF(box->width() / 2, box->height() / 2));
+    m_robot.drag(centre, QPointF(-2000, -2000), ScreenRobot::Pointer::Mouse);
+    QTRY_COMPARE(QPoint(distance->column(), distance->row()), QPoint(0, 0));
+    m_live->editor().nudge(1000, 1000);
+    const double right = distance->x() + distance->width();
+    const QRectF grid = m_live->editor().grid();
+    QVERIFY(right <= grid.right() + 0.5);
+    QVERIFY(right > grid.right() - 2 * m_live->editor().cellWidth());
+    QCOMPARE(distance->row(), 26);
+}
+
+void tst_LiveApplication::arrowsAndUndo()
+{
+    QVERIFY(select(QStringLiteral("Bench")));
+    QVERIFY(m_robot.click(QStringLiteral("navEditor")));
+    CVideoOverlayElement *speed = elementOf(ElementParam::NAME_SPEED);
+    const auto cell = [speed] { return QPoint(speed->column(), speed->row()); };
+    m_live->editor().select(manager().rowIndexByID(speed->id()));
+    m_robot.find(QStringLiteral("stageScope"))->forceActiveFocus();
+    m_robot.key(Qt::Key_Right);
+    m_robot.key(Qt::Key_Right);
+    m_robot.key(Qt::Key_Down);
+    QCOMPARE(cell(), QPoint(12, 21));
+    QVERIFY(m_robot.click(QStringLiteral("arrowUp")));
+    QVERIFY(m_robot.click(QStringLiteral("arrowLeft")));
+    QCOMPARE(cell(), QPoint(11, 20));
+
+    QVERIFY(m_robot.click(QStringLiteral("panel1")));
+    QVERIFY(m_robot.click(QStringLiteral("propertyCaption")));
+    QTRY_VERIFY(!speed->captionVisible());
+    QVERIFY(m_robot.click(QStringLiteral("propertyUnit1")));
+    QTRY_VERIFY(speed->unit() != QLatin1String("m/min"));
+
+    QVERIFY(m_robot.click(QStringLiteral("undo")));
+    QCOMPARE(speed->unit(), QStringLiteral("m/min"));
+    QVERIFY(m_robot.click(QStringLiteral("undo")));
+    QVERIFY(speed->captionVisible());
+    for (int i = 0; i < 5; ++i)
+        QVERIFY(m_robot.click(QStringLiteral("undo")));
+    QCOMPARE(cell(), QPoint(10, 20));
+    QVERIFY(!m_live->editor().hasUnsavedChanges());
+    QVERIFY(!m_robot.find(QStringLiteral("undo"))->isEnabled());
+    QVERIFY(m_robot.click(QStringLiteral("redo")));
+    QCOMPARE(cell(), QPoint(11, 20));
+}
+
+void tst_LiveApplication::addsAndDeletesText()
+{
+    QVERIFY(select(QStringLiteral("Bench")));
+    QVERIFY(m_robot.click(QStringLiteral("navEditor")));
+    const int before = manager().elementsCount();
+    QVERIFY(m_robot.click(QStringLiteral("addText")));
+    QVERIFY(m_robot.type(QStringLiteral("newTextField"), QStringLiteral("Manhole 4711")));
+    QVERIFY(m_robot.click(QStringLiteral("newTextOk")));
+    QCOMPARE(manager().elementsCount(), before + 1);
+    const CVideoOverlayElement *added = m_live->editor().selected();
+    QVERIFY(added && added->visible());
+    QCOMPARE(added->type(), CVideoOverlayElement::StaticText);
+    QCOMPARE(m_robot.text(QStringLiteral("propertyText")), QStringLiteral("Manhole 4711"));
+
+    QVERIFY(m_robot.awaitGone(QStringLiteral("newTextField")));
+    QVERIFY(m_robot.click(QStringLiteral("deleteElement")));
+    QCOMPARE(manager().elementsCount(), before);
+    QVERIFY(m_robot.click(QStringLiteral("undo")));
+    QCOMPARE(manager().elementsCount(), before + 1);
+    QVERIFY(m_robot.click(QStringLiteral("undo")));
+    QCOMPARE(manager().elementsCount(), before);
+    QVERIFY(m_robot.click(QStringLiteral("redo")));
+    QCOMPARE(manager().elementsCount(), before + 1);
+    const auto *text
+        = qobject_cast<VideoOverlay::CVideoOverlayText *>(manager().getElement(before));
+    QVERIFY(text && text->visible());
+    QCOMPARE(text->text(), QStringLiteral("Manhole 4711"));
+    QVERIFY(m_robot.click(QStringLiteral("save")));
+    QVERIFY(
+        Test::ProfileFolders::read(profilePath(QStringLiteral("Bench"))).contains("Manhole 4711"));
+
+    // What the operator cannot add again may only be switched off.
+    m_live->editor().select(manager().rowIndexByID(elementOf(ElementParam::NAME_SPEED)->id()));
+    QVERIFY(!m_robot.find(QStringLiteral("deleteElement"))->isEnabled());
+}
+
+void tst_LiveApplication::addsPicture()
+{
+    QVERIFY(select(QStringLiteral("Bench")));
+    QVERIFY(m_robot.click(QStringLiteral("navEditor")));
+    const int before = manager().elementsCount();
+    QVERIFY(m_robot.click(QStringLiteral("addPicture")));
+    QVERIFY(m_robot.click(QStringLiteral("picturewatermark.png")));
+    QTRY_VERIFY(m_robot.find(QStringLiteral("picturePreview"))->property("status").toInt() == 1);
+    QVERIFY(m_robot.click(QStringLiteral("pictureAdd")));
+    QVERIFY(m_robot.awaitGone(QStringLiteral("pictureAdd")));
+    QCOMPARE(manager().elementsCount(), before + 1);
+    const auto *image
+        = qobject_cast<VideoOverlay::CVideoOverlayImage *>(m_live->editor().selected());
+    QVERIFY(image && image->visible() && image->imageSrcHeight() > 0);
+    const double scale = image->scaleFactor();
+    QVERIFY(m_robot.click(QStringLiteral("panel1")));
+    QVERIFY(m_robot.click(QStringLiteral("propertyScaleLess")));
+    QTRY_VERIFY(image->scaleFactor() < scale);
+
+    QVERIFY(!m_live->editor().addPicture(profilePath(QStringLiteral("Bench"))));
+    QVERIFY(m_robot.await(QStringLiteral("messageText")));
+    QVERIFY(m_live->messages().isError());
+    QVERIFY(m_robot.click(QStringLiteral("messageClose")));
+    QVERIFY(m_robot.awaitGone(QStringLiteral("messageText")));
+}
+
+void tst_LiveApplication::colours()
+{
+    QVERIFY(select(QStringLiteral("Bench")));
+    QVERIFY(m_robot.click(QStringLiteral("navEditor")));
+    auto *speed
+        = qobject_cast<VideoOverlay::CVideoOverlayText *>(elementOf(ElementParam::NAME_SPEED));
+    auto *distance = qobject_cast<VideoOverlay::CVideoOverlayText *>(
+        elementOf(ElementParam::NAME_SECTION_DISTANCE_COUNTER));
+    m_live->editor().select(manager().rowIndexByID(speed->id()));
+    QVERIFY(m_robot.click(QStringLiteral("panel1")));
+    const QColor before = speed->textColor();
+    QVERIFY(m_robot.click(QStringLiteral("propertyTextColorButton")));
+    QVERIFY(m_robot.click(QStringLiteral("propertyTextColorCardColor6"))); // #e02020
+    QVERIFY(m_robot.click(QStringLiteral("propertyTextColorCardOk")));
+    QTRY_COMPARE(speed->textColor(), QColor(0xe0, 0x20, 0x20));
+    QCOMPARE(distance->textColor(), before);
+    QVERIFY(m_robot.awaitGone(QStringLiteral("propertyTextColorCardOk")));
+
+    // By its value, with an opacity; and for all texts at once, each of which gets its own back.
+    QVERIFY(m_robot.click(QStringLiteral("panel2")));
+    QVERIFY(m_robot.click(QStringLiteral("overlayTextColorButton")));
+    QVERIFY(m_robot.type(QStringLiteral("overlayTextColorCardValue"), QStringLiteral("#8000ff00")));
+    QVERIFY(m_robot.click(QStringLiteral("overlayTextColorCardOk")));
+    QTRY_COMPARE(speed->textColor(), QColor(0, 255, 0, 128));
+    QCOMPARE(distance->textColor(), QColor(0, 255, 0, 128));
+    QVERIFY(m_robot.awaitGone(QStringLiteral("overlayTextColorCardOk")));
+    QVERIFY(m_robot.click(QStringLiteral("undo")));
+    QCOMPARE(speed->textColor(), QColor(0xe0, 0x20, 0x20));
+    QCOMPARE(distance->textColor(), before);
+    QVERIFY(m_robot.click(QStringLiteral("undo")));
+    QCOMPARE(speed->textColor(), before);
+    QVERIFY(!m_live->editor().hasUnsavedChanges());
+}
+
+void tst_LiveApplication::freeTextAndFavourites()
+{
+    const QString notes = QStringLiteral("Pictures and notes");
+    m_live.reset(); // profiles are read at the start
+    QVERIFY(QFile::copy(QStringLiteral(XQ_DATA_DIRECTORY "/profiles/%1.xml").arg(notes),
+                        profilePath(notes)));
+    start();
+    QVERIFY(select(notes));
+    QVERIFY(m_robot.click(QStringLiteral("navEditor")));
+    const auto *freeText = manager().getElementListModel()->freeText();
+    QVERIFY(freeText);
+    EditorController &editor = m_live->editor();
+    const QStringList before = editor.favorites();
+    editor.select(manager().rowIndexByID(freeText->id()));
+    QVERIFY(m_robot.click(QStringLiteral("panel1")));
+    QVERIFY(m_robot.type(QStringLiteral("propertyText"), QStringLiteral("Roots here")));
+    m_robot.key(Qt::Key_Return);
+    QTRY_COMPARE(freeText->text(), QStringLiteral("Roots here"));
+    QVERIFY(freeText->visible());
+    QVERIFY(m_robot.find(QStringLiteral("favoriteAdd"))->isEnabled());
+    QMetaObject::invokeMethod(m_robot.find(QStringLiteral("favoriteAdd")), "clicked");
+    QCOMPARE(editor.favorites(), before + QStringList(QStringLiteral("Roots here")));
+    editor.history()->undo();
+    QCOMPARE(editor.favorites(), before);
+    editor.history()->redo();
+    QVERIFY(editor.save());
+    QVERIFY(Test::ProfileFolders::read(profilePath(notes)).contains("Roots here"));
+    editor.removeFavorite(before.size());
+    QCOMPARE(editor.favorites(), before);
+    QVERIFY(editor.hasUnsavedChanges());
+    editor.revert();
+    QCOMPARE(editor.favorites(), before + QStringList(QStringLiteral("Roots here")));
+}
+
+void tst_LiveApplication::warnings()
+{
+    QVERIFY(select(QStringLiteral("Bench")));
+    QVERIFY(m_robot.click(QStringLiteral("navEditor")));
+    EditorController &editor = m_live->editor();
+    CVideoOverlayElement *speed = elementOf(ElementParam::NAME_SPEED);
+    CVideoOverlayElement *distance = elementOf(ElementParam::NAME_SECTION_DISTANCE_COUNTER);
+    QTRY_VERIFY(speed->width() > 0 && distance->width() > 0);
+    QTRY_COMPARE(editor.warnings().size(), 0);
+    const auto text = [&editor] {
+        return editor.warnings().value(0).toMap().value(QStringLiteral("text")).toString();
+    };
+    distance->setRow(speed->row());
+    distance->setColumn(speed->column() + 2);
+    QTRY_VERIFY(text().endsWith(QStringLiteral("overlap")));
+    distance->setRow(40);
+    QTRY_VERIFY(text().endsWith(QStringLiteral("leaves the grid")));
+    distance->setRow(0);
+    distance->setColumn(53);
+    QTRY_VERIFY(text().endsWith(QStringLiteral("is cut off")));
+    QCOMPARE(editor.warnings().value(0).toMap().value(QStringLiteral("index")).toInt(),
+             manager().rowIndexByID(distance->id()));
+    distance->setEnabled(false);
+    QTRY_COMPARE(editor.warnings().size(), 0);
+    editor.revert();
+}
+
+void tst_LiveApplication::overlayWideSettings()
+{
+    QVERIFY(select(QStringLiteral("Bench")));
+    QVERIFY(m_robot.click(QStringLiteral("navEditor")));
+    QVERIFY(m_robot.click(QStringLiteral("panel2")));
+    const int transparency = manager().getGlobalTransparency();
+    QVERIFY(m_robot.click(QStringLiteral("overlayTransparencyMore")));
+    QTRY_COMPARE(manager().getGlobalTransparency(), transparency + 5);
+    QVERIFY(manager().analogVideo()); // what holds for a profile that does not say
+    QVERIFY(m_robot.click(QStringLiteral("overlayAnalog")));
+    QTRY_VERIFY(!manager().analogVideo());
+    QVERIFY(m_robot.click(QStringLiteral("overlayKx70")));
+    QTRY_VERIFY(manager().kx70iiState());
+    const int row = manager().kx70iiRow();
+    QVERIFY(m_robot.click(QStringLiteral("overlayKx70RowMore")));
+    QTRY_COMPARE(manager().kx70iiRow(), row + 1);
+    QVERIFY(m_robot.click(QStringLiteral("save")));
+    const QByteArray file = Test::ProfileFolders::read(profilePath(QStringLiteral("Bench")));
+    QVERIFY(file.contains("<ANALOG_VIDEO>false</ANALOG_VIDEO>"));
+    QVERIFY(file.contains("<KX70II_STATE>true</KX70II_STATE>"));
+    QVERIFY(m_robot.click(QStringLiteral("overlayAnalog")));
+    QTRY_VERIFY(manager().analogVideo());
+    QVERIFY(m_robot.click(QStringLiteral("revert")));
+    QVERIFY(m_robot.click(QStringLiteral("reversionAnswer0")));
+    QTRY_VERIFY(!manager().analogVideo());
+}
+
+void tst_LiveApplication::search()
+{
+    QVERIFY(select(QStringLiteral("Bench")));
+    QVERIFY(m_robot.click(QStringLiteral("navEditor")));
+    const QQuickItem *list = m_robot.await(QStringLiteral("elementList"));
+    QTRY_COMPARE(list->property("count").toInt(), 3);
+    QVERIFY(m_robot.type(QStringLiteral("elementSearch"), QStringLiteral("spee")));
+    QCOMPARE(list->property("count").toInt(), 1);
+    const int row = manager().rowIndexByID(elementOf(ElementParam::NAME_SPEED)->id());
+    QVERIFY(m_robot.click(QStringLiteral("listed%1").arg(row)));
+    QTRY_COMPARE(m_live->editor().selectedIndex(), row);
+    QVERIFY(m_robot.text(QStringLiteral("selectedName")).endsWith(QStringLiteral("Speed")));
+}
+
+void tst_LiveApplication::savingReadOnlyAsksForAName()
+{
+    QCOMPARE(manager().currentProfile()->caption(), defaultProfile);
+    const QByteArray before = Test::ProfileFolders::read(profilePath(defaultProfile));
+    QVERIFY(m_robot.click(QStringLiteral("navEditor")));
+    CVideoOverlayElement *distance = elementOf(ElementParam::NAME_SECTION_DISTANCE_COUNTER);
+    m_live->editor().select(manager().rowIndexByID(distance->id()));
+    QVERIFY(m_robot.click(QStringLiteral("arrowUp")));
+    QVERIFY(m_robot.click(QStringLiteral("save")));
+    QVERIFY(m_robot.type(QStringLiteral("saveNameField"), QStringLiteral("Mine")));
+    m_robot.key(Qt::Key_Return);
+    QTRY_COMPARE(manager().currentProfile()->caption(), QStringLiteral("Mine"));
+    QCOMPARE(elementOf(ElementParam::NAME_SECTION_DISTANCE_COUNTER)->row(), 25);
+    QVERIFY(QFile::exists(profilePath(QStringLiteral("Mine"))));
+    QCOMPARE(Test::ProfileFolders::read(profilePath(defaultProfile)), before);
+    QVERIFY(!m_live->editor().hasUnsavedChanges());
+}
+
+void tst_LiveApplication::savingFails()
+{
+    QVERIFY(select(QStringLiteral("Bench")));
+    QVERIFY(m_robot.click(QStringLiteral("navEditor")));
+    const QByteArray before = Test::ProfileFolders::read(profilePath(QStringLiteral("Bench")));
+    CVideoOverlayElement *speed = elementOf(ElementParam::NAME_SPEED);
+    m_live->editor().select(manager().rowIndexByID(speed->id()));
+    m_live->editor().nudge(5, 0);
+    {
+        const Test::FullDisk fullDisk;
+        QVERIFY(!m_live->editor().save());
+        QVERIFY(!m_live->editor().saveAs(QStringLiteral("Other")));
+    }
+    QVERIFY(m_robot.await(QStringLiteral("messageText")));
+    QVERIFY(m_live->messages().isError());
+    QVERIFY(m_live->editor().history()->isModified());
+    QCOMPARE(speed->column(), 15);
+    QCOMPARE(manager().currentProfile()->caption(), QStringLiteral("Bench"));
+    QCOMPARE(Test::ProfileFolders::read(profilePath(QStringLiteral("Bench"))), before);
+    QVERIFY(m_robot.click(QStringLiteral("save"))); // there is room again
+    QTRY_VERIFY(!m_live->editor().hasUnsavedChanges());
+    QVERIFY(
+        Test::ProfileFolders::read(profilePath(QStringLiteral("Bench"))).contains("<COL>15</COL>"));
+}
+
+void tst_LiveApplication::unsavedChanges_data()
+{
+    QTest::addColumn<int>("answer");
+    QTest::addColumn<bool>("switches");
+    QTest::addColumn<bool>("isWritten");
+    QTest::newRow("save") << 0 << true << true;
+    QTest::newRow("discard") << 1 << true << false;
+    QTest::newRow("cancel") << 2 << false << false;
+}
+
+void tst_LiveApplication::unsavedChanges()
+{
+    QFETCH(int, answer);
+    QFETCH(bool, switches);
+    QFETCH(bool, isWritten);
+    QVERIFY(select(QStringLiteral("Bench")));
+    const QByteArray before = Test::ProfileFolders::read(profilePath(QStringLiteral("Bench")));
+    m_live->editor().select(manager().rowIndexByID(elementOf(ElementParam::NAME_SPEED)->id()));
+    m_live->editor().nudge(5, 0);
+    QVERIFY(select(defaultProfile));
+    QVERIFY(m_robot.click(QStringLiteral("unsavedAnswer%1").arg(answer)));
+    QTRY_COMPARE(manager().currentProfile()->caption(),
+                 switches ? defaultProfile : QStringLiteral("Bench"));
+    QCOMPARE(Test::ProfileFolders::read(profilePath(QStringLiteral("Bench"))) != before, isWritten);
+    if (!switches)
+        QCOMPARE(elementOf(ElementParam::NAME_SPEED)->column(), 15);
+    m_live->editor().revert(); // so that nothing asks at the end
+}
+
+void tst_LiveApplication::profiles()
+{
+    QVERIFY(m_robot.click(QStringLiteral("navProfiles")));
+    const auto &profiles = m_live->overlay().profiles();
+    const int count = profiles.rowCount();
+    QCOMPARE(count, 2);
+    const int readOnlyRow = profiles.currentProfileIndex();
+    QVERIFY(m_robot.click(QStringLiteral("profile%1").arg(readOnlyRow)));
+    QTRY_VERIFY(m_robot.find(QStringLiteral("profileClone"))->isEnabled());
+    QVERIFY(!m_robot.find(QStringLiteral("profileRemove"))->isEnabled());
+    QVERIFY(!m_robot.find(QStringLiteral("profileRename"))->isEnabled());
+
+    QVERIFY(m_robot.click(QStringLiteral("profileClone")));
+    QVERIFY(m_robot.type(QStringLiteral("cloneNameField"), QStringLiteral("Second")));
+    QVERIFY(m_robot.click(QStringLiteral("cloneNameOk")));
+    QTRY_COMPARE(profiles.rowCount(), count + 1);
+    QVERIFY(QFile::exists(profilePath(QStringLiteral("Second"))));
+
+    QVERIFY(m_robot.awaitGone(QStringLiteral("cloneNameField")));
+    QVERIFY(m_robot.click(QStringLiteral("profileRename")));
+    QVERIFY(m_robot.type(QStringLiteral("newNameField"), QStringLiteral("Third")));
+    QVERIFY(m_robot.click(QStringLiteral("newNameOk")));
+    QTRY_VERIFY(QFile::exists(profilePath(QStringLiteral("Third"))));
+    QVERIFY(!QFile::exists(profilePath(QStringLiteral("Second"))));
+    QTRY_COMPARE(m_robot.text(QStringLiteral("profile%1").arg(count)), QStringLiteral("Third"));
+
+    QVERIFY(m_robot.awaitGone(QStringLiteral("newNameField")));
+    QVERIFY(m_robot.click(QStringLiteral("profileSelect")));
+    QTRY_COMPARE(manager().currentProfile()->caption(), QStringLiteral("Third"));
+    QTRY_VERIFY(!m_robot.find(QStringLiteral("profileSelect"))->isEnabled());
+
+    QVERIFY(m_robot.click(QStringLiteral("profileRemove")));
+    QVERIFY(m_robot.click(QStringLiteral("removalAnswer1"))); // not
+    QVERIFY(QFile::exists(profilePath(QStringLiteral("Third"))));
+    QVERIFY(m_robot.awaitGone(QStringLiteral("removalAnswer1")));
+    QVERIFY(m_robot.click(QStringLiteral("profileRemove")));
+    QVERIFY(m_robot.click(QStringLiteral("removalAnswer0")));
+    QTRY_COMPARE(profiles.rowCount(), count);
+    QVERIFY(!QFile::exists(profilePath(QStringLiteral("Third"))));
+    QVERIFY(!m_live->messages().isError());
+}
+
+void tst_LiveApplication::refusedNames()
+{
+    QVERIFY(m_robot.click(QStringLiteral("navProfiles")));
+    const auto &profiles = m_live->overlay().profiles();
+    const int row = 1 - profiles.currentProfileIndex();
+    QVERIFY(m_robot.click(QStringLiteral("profile%1").arg(row)));
+    QVERIFY(m_robot.click(QStringLiteral("profileRename")));
+    QVERIFY(m_robot.type(QStringLiteral("newNameField"), defaultProfile)); // taken
+    QVERIFY(m_robot.click(QStringLiteral("newNameOk")));
+    QVERIFY(m_robot.await(QStringLiteral("messageText")));
+    QVERIFY(m_live->messages().isError());
+    QVERIFY(QFile::exists(profilePath(QStringLiteral("Bench"))));
+}
+
+void tst_LiveApplication::recordsWhileThePictureRuns()
+{
+    QVERIFY(m_robot.await(QStringLiteral("liveScreen")));
+    QSignalSpy frames(&m_live->video(), &VideoController::frame);
+    QSignalSpy finished(&m_live->video(), &VideoController::recordingFinished);
+    QSignalSpy recording(&manager(), &VideoOverlay::CVideoOverlayManager::videoRecording);
+    QSignalSpy notRecording(&manager(), &VideoOverlay::CVideoOverlayManager::videoNotRecording);
+    QVERIFY(m_robot.click(QStringLiteral("recordButton")));
+    QTRY_COMPARE(m_live->video().recordState(), VideoController::Recording);
+    QCOMPARE(recording.count(), 1);
+    QTRY_VERIFY_WITH_TIMEOUT(m_live->video().recordedTime() == QLatin1String("00:05"), 20000);
+    const int before = frames.count();
+    QVERIFY(before > 50);
+    QVERIFY(m_robot.click(QStringLiteral("recordButton")));
+    QVERIFY(finished.count() > 0 || finished.wait(20000));
+    QCOMPARE(m_live->video().recordState(), VideoController::Idle);
+    QVERIFY(notRecording.count() >= 1);
+    QVERIFY(frames.wait()); // the picture still runs
+
+    const MediaFacts facts = readFacts(m_live->video().recordingPath());
+    QCOMPARE(facts.problem, QString());
+    QCOMPARE(facts.size, QSize(640, 360));
+    QVERIFY(facts.seconds >= 4.5);
+    // Burned in: the text's place differs from the bars of the test picture.
+    const QVector<DecodedFrame> pictures = readFrames(m_live->video().recordingPath());
+    QVERIFY(pictures.size() >= 100);
+}
+
+void tst_LiveApplication::recordingThatCannotStart()
+{
+    QFile inTheWay(m_root->filePath(QStringLiteral("recordings")));
+    QVERIFY(inTheWay.open(QIODevice::WriteOnly));
+    inTheWay.close();
+    QVERIFY(m_robot.click(QStringLiteral("recordButton")));
+    QVERIFY(m_robot.await(QStringLiteral("messageText")));
+    QVERIFY(m_live->messages().isError());
+    QCOMPARE(m_live->video().recordState(), VideoController::Idle);
+    QSignalSpy frames(&m_live->video(), &VideoController::frame);
+    QVERIFY(frames.wait());
+}
+
+void tst_LiveApplication::observationAppearsAndExpires()
+{
+    QVERIFY(select(QStringLiteral("Bench")));
+    QVERIFY(m_robot.click(QStringLiteral("navLive")));
+    QVERIFY(!m_robot.find(QStringLiteral("observationButton"))->isEnabled());
+    QVERIFY(m_live->project().create(QStringLiteral("Town"), QStringLiteral("1-2"),
+                                     QStringLiteral("EN13508-2-ENG-GB")));
+    auto *text = qobject_cast<VideoOverlay::CVideoOverlayText *>(
+        elementOf(QStringLiteral("OBS_Observation")));
+    QVERIFY(text && !text->visible());
+    QVERIFY(m_robot.click(QStringLiteral("observationButton")));
+    QVERIFY(m_robot.type(QStringLiteral("observationSearch"), QStringLiteral("crack")));
+    QVERIFY(m_robot.click(QStringLiteral("codeBAB")));
+    QVERIFY(m_robot.type(QStringLiteral("observationRemark"), QStringLiteral("at the joint")));
+    QSignalSpy visible(text, &CVideoOverlayElement::visibleChanged);
+    QVERIFY(m_robot.click(QStringLiteral("observationSave")));
+    QVERIFY(m_robot.awaitGone(QStringLiteral("observationSave")));
+    QVERIFY(visible.count() > 0);
+    QVERIFY(text->text().contains(QStringLiteral("Crack")));
+    QTRY_VERIFY(!text->visible()); // after its second
+    QVERIFY(!m_live->messages().isError());
+}
+
+void tst_LiveApplication::createsProject()
+{
+    QVERIFY(m_robot.click(QStringLiteral("navProject")));
+    QVERIFY(m_robot.click(QStringLiteral("projectNew")));
+    QVERIFY(m_robot.type(QStringLiteral("projectName"), QStringLiteral("Hill Road")));
+    QVERIFY(m_robot.type(QStringLiteral("sectionName"), QStringLiteral("12-13")));
+    QVERIFY(m_robot.click(QStringLiteral("projectCreate")));
+    QVERIFY(m_robot.awaitGone(QStringLiteral("projectCreate")));
+    QCOMPARE(m_live->project().projectName(), QStringLiteral("Hill Road"));
+    QCOMPARE(m_live->project().inspectionName(), QStringLiteral("12-13"));
+    QVERIFY(m_live->project().observationCodes().size() > 10);
+    QVERIFY(!m_live->editor().hasUnsavedChanges()); // what the template added is nobody's edit
+    QCOMPARE(m_live->project().files().size(), 1);
+
+    // Its name is taken now, and some are no names of files.
+    QVERIFY(!m_live->project().create(QStringLiteral("Hill Road"), QStringLiteral("1"), QString()));
+    QVERIFY(m_live->messages().isError());
+    QVERIFY(!m_live->project().create(QStringLiteral("../out"), QStringLiteral("1"), QString()));
+    QCOMPARE(m_live->project().files().size(), 1);
+    QCOMPARE(m_live->project().projectName(), QStringLiteral("Hill Road"));
+    QVERIFY(!m_live->project().open(profilePath(QStringLiteral("Bench"))));
+    QCOMPARE(m_live->project().projectName(), QStringLiteral("Hill Road"));
+}
+
+void tst_LiveApplication::language()
+{
+    QVERIFY(select(QStringLiteral("Bench")));
+    auto *speed
+        = qobject_cast<VideoOverlay::CVideoOverlayText *>(elementOf(ElementParam::NAME_SPEED));
+    QTRY_VERIFY(speed->text().startsWith(QStringLiteral("Speed: ")));
+    QVERIFY(m_robot.click(QStringLiteral("navProject")));
+    QCOMPARE(m_robot.text(QStringLiteral("navProfiles")), QStringLiteral("Profiles"));
+    QVERIFY(m_robot.click(QStringLiteral("language0")));
+    QTRY_COMPARE(m_robot.text(QStringLiteral("navProfiles")), QStringLiteral("Profile"));
+    QVERIFY(speed->text().startsWith(QStringLiteral("Geschwindigkeit: ")));
+    QVERIFY(m_robot.click(QStringLiteral("units1")));
+    QVERIFY(m_live->video().speed().endsWith(QStringLiteral(" ft/min")));
+    QVERIFY(m_robot.click(QStringLiteral("units0")));
+    QVERIFY(m_robot.click(QStringLiteral("language1")));
+    QTRY_COMPARE(m_robot.text(QStringLiteral("navProfiles")), QStringLiteral("Profiles"));
+}
+
+void tst_LiveApplication::overlayOff()
+{
+    QVERIFY(m_live->video().overlayEnabled());
+    QVERIFY(m_robot.click(QStringLiteral("osdSwitch")));
+    QVERIFY(!manager().videoOverlayEnabled());
+    QVERIFY(m_robot.click(QStringLiteral("osdSwitch")));
+    QVERIFY(manager().videoOverlayEnabled());
+}
+
+QTEST_MAIN(tst_LiveApplication)
+#include "tst_LiveApplication.moc"
