@@ -2,7 +2,6 @@
 #include "host/qml/LiveOverlay.h"
 
 #include "host/profiles/FirstStart.h"
-
 #include "host/qml/OverlayView.h"
 #include "platform/directories/CApplicationDirectories.h"
 
