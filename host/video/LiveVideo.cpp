@@ -80,7 +80,7 @@ void LiveVideo::stop()
     m_running = false;
     if (!m_pipeline)
         return;
-    gst_element_set_state(m_pipeline.get(), GST_STATE_NULL);
+    takeDown(m_pipeline.get());
     const ObjectRef<GstBus> bus(gst_element_get_bus(m_pipeline.get()));
     gst_bus_set_sync_handler(bus.get(), nullptr, nullptr, nullptr);
     m_pipeline.reset();

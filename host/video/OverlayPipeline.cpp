@@ -451,7 +451,7 @@ void OverlayPipeline::shutDown()
         m_gate->cancel(); // before the streaming threads are joined: one may be waiting for us
     if (!m_pipeline)
         return;
-    gst_element_set_state(m_pipeline.get(), GST_STATE_NULL);
+    takeDown(m_pipeline.get());
     const ObjectRef<GstBus> bus(gst_element_get_bus(m_pipeline.get()));
     gst_bus_set_sync_handler(bus.get(), nullptr, nullptr, nullptr);
     m_pipeline.reset();

@@ -87,6 +87,26 @@ GstElement *makeElement(const char *factory, QString *error)
     return element;
 }
 
+void takeDown(GstElement *pipeline)
+{
+    constexpr int MostAttempts = 10;
+    for (int attempt = 0; attempt < MostAttempts; ++attempt) {
+        gst_element_set_state(pipeline, GST_STATE_NULL);
+        bool allStopped = true;
+        GstIterator *parts = gst_bin_iterate_recurse(GST_BIN(pipeline));
+        const auto check = [](const GValue *item, gpointer result) {
+            auto *part = GST_ELEMENT(g_value_get_object(item));
+            if (GST_STATE(part) != GST_STATE_NULL)
+                *static_cast<bool *>(result) = false;
+        };
+        while (gst_iterator_foreach(parts, check, &allStopped) == GST_ITERATOR_RESYNC)
+            gst_iterator_resync(parts);
+        gst_iterator_free(parts);
+        if (allStopped)
+            return;
+    }
+}
+
 QString errorText(GstMessage *message, const QString &source, const QString &output,
                   const QStringList &missing)
 {

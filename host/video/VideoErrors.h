@@ -17,6 +17,10 @@ QString missingElementText(const QByteArray &factory);
 /// A new element, or null and a text in @p error. The reference floats, as a bin wants it.
 GstElement *makeElement(const char *factory, QString *error);
 
+/// Stops a pipeline for good. A decoder that is building itself in another thread meanwhile may add
+/// parts that the first order does not reach: it is repeated until all have stopped.
+void takeDown(GstElement *pipeline);
+
 /// What a message of type error means for whoever records @p source into @p output, in one line.
 /// @p missing describes the plugins that were asked for in vain.
 QString errorText(GstMessage *message, const QString &source, const QString &output,
