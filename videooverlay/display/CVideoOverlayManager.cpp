@@ -317,14 +317,16 @@ int CVideoOverlayManager::rowIndexByID(int id)
 {
     QMutexLocker lock(&m_mutex);
     // Ids grow with the rows, and every change of an element asks for its row: a walk would make
-    // the loading of a profile grow with the square of its size.
+    // the loading of a profile grow with the square of its size. They are read without the
+    // elements' locks, because they change under this one only; the caller may hold one of those
+    // already.
     const auto begin = m_elements.cbegin();
     const auto end = m_elements.cend();
     auto found
         = std::lower_bound(begin, end, id, [](const CVideoOverlayElement *element, int wanted) {
-              return element->id() < wanted;
+              return element->m_id < wanted;
           });
-    const auto hasId = [id](const CVideoOverlayElement *element) { return element->id() == id; };
+    const auto hasId = [id](const CVideoOverlayElement *element) { return element->m_id == id; };
     if (found == end || !hasId(*found))
         found = std::find_if(begin, end, hasId); // somebody gave an element another id
     return found == end ? -1 : int(found - begin);
