@@ -58,7 +58,8 @@ void COsdTextDatasource::setUnitProvider(UnitsProvider *provider)
 
 QString COsdTextDatasource::buildText()
 {
-    QString body = appendValue() + appendUnit();
+    QString body = appendValue(); // before the unit: a provider may keep state
+    body += appendUnit();
     if (!body.isEmpty()) {
         const int width = m_params.value(QStringLiteral("max_width")).toInt();
         body = body.rightJustified(std::min(width, MaxWidth), QLatin1Char(' '), false);
