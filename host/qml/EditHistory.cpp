@@ -28,6 +28,17 @@ void EditHistory::endStep()
     Q_EMIT changed();
 }
 
+void EditHistory::resumeStep(const void *target)
+{
+    beginStep();
+    if (m_done == 0 || !target)
+        return;
+    const Step &last = m_steps[size_t(m_done - 1)];
+    m_stepIsEmpty = !std::all_of(last.begin(), last.end(), [target](const Change &change) {
+        return change.target == target;
+    });
+}
+
 void EditHistory::add(Change change)
 {
     m_steps.resize(size_t(m_done));

@@ -44,6 +44,9 @@ public:
     /// Changes between the two become one step.
     void beginStep();
     void endStep();
+    /// Opens the last step in force again, if it changed nothing but this: what a held key repeats
+    /// belongs to its first change. Otherwise begins a step. Either is to be ended.
+    void resumeStep(const void *target);
 
     /// A change that was made already. Forgets what was taken back.
     void add(Change change);

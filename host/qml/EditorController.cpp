@@ -59,7 +59,18 @@ QRectF boxOf(CVideoOverlayElement &element, double cellWidth, double cellHeight)
                   std::max(element.height(), cellHeight));
 }
 
+/// A free text never shows itself: it is there while it says something.
+void showIfFreeText(CVideoOverlayElement &element, const QByteArray &changedProperty)
+{
+    auto *text = qobject_cast<CVideoOverlayText *>(&element);
+    if (text && text->type() == CVideoOverlayElement::FreeText && changedProperty == "text")
+        text->setVisible(!text->text().isEmpty());
+}
+
 } // namespace
+
+const int EditorController::SmallestScale = 5;
+const int EditorController::LargestScale = 400;
 
 EditorController::EditorController(LiveOverlay &overlay, Messages &messages, const UiTexts &texts,
                                    QObject *parent)
@@ -319,11 +330,13 @@ void EditorController::endDrag()
     m_history.endStep();
 }
 
-void EditorController::nudge(int columns, int rows)
+void EditorController::nudge(int columns, int rows, bool isRepeated)
 {
     if (!m_selected)
         return;
     beginDrag();
+    if (isRepeated)
+        m_history.resumeStep(handleOf(m_selected).get());
     dragTo(columns, rows);
     endDrag();
 }
@@ -332,6 +345,41 @@ void EditorController::moveTo(Element &element, QPoint cell)
 {
     change(&element, "column", cell.x());
     change(&element, "row", cell.y());
+}
+
+void EditorController::pullCornerTo(double x, double y)
+{
+    auto *image = qobject_cast<CVideoOverlayImage *>(m_selected);
+    if (!image || image->imageSrcWidth() <= 0 || image->imageSrcHeight() <= 0)
+        return;
+    // The nearest point of the diagonal on which the corner of a picture of this shape can be.
+    const double width = image->imageSrcWidth();
+    const double height = image->imageSrcHeight();
+    const double scale = ((x - image->x()) * width + (y - image->y()) * height)
+        / (width * width + height * height);
+    scaleTo(*image, int(std::lround(std::clamp(scale, 0.0, 100.0) * 100)));
+}
+
+void EditorController::scaleBy(int percents)
+{
+    auto *image = qobject_cast<CVideoOverlayImage *>(m_selected);
+    if (!image)
+        return;
+    m_history.endStep();
+    scaleTo(*image, int(std::lround(image->scaleFactor() * 100)) + percents);
+}
+
+void EditorController::scaleTo(CVideoOverlayImage &image, int percent)
+{
+    const QRectF area = grid();
+    const auto fits = [](double room, int length) {
+        return length > 0 ? int(std::floor(room / length * 100)) : LargestScale;
+    };
+    const int largest
+        = std::min({LargestScale, fits(area.right() - image.x(), image.imageSrcWidth()),
+                    fits(area.bottom() - image.y(), image.imageSrcHeight())});
+    const int wanted = std::max(SmallestScale, std::min(percent, largest));
+    change(&image, "scaleFactor", wanted / 100.0);
 }
 
 // Changes
@@ -354,20 +402,25 @@ void EditorController::change(Element *element, const QByteArray &property, cons
         return;
     const HandlePointer handle = handleOf(element);
     const auto write = [handle, property](const QVariant &wanted) {
-        if (handle->element)
-            handle->element->setProperty(property, wanted);
+        if (!handle->element)
+            return;
+        handle->element->setProperty(property, wanted);
+        showIfFreeText(*handle->element, property);
     };
+    showIfFreeText(*element, property);
     m_history.add({[write, before] { write(before); }, [write, after] { write(after); },
                    handle.get(), property});
 }
 
-void EditorController::set(const QString &property, const QVariant &value)
+void EditorController::set(const QString &property, const QVariant &value, bool goesOn)
 {
     if (!m_selected)
         return;
+    if (goesOn)
+        m_history.resumeStep(handleOf(m_selected).get());
     change(m_selected, property.toLatin1(), value);
-    if (m_selected->type() == Element::FreeText && property == QLatin1String("text"))
-        m_selected->setVisible(!value.toString().isEmpty()); // free texts never show themselves
+    if (goesOn)
+        m_history.endStep();
 }
 
 void EditorController::setForAll(const QString &property, const QVariant &value)

@@ -20,6 +20,7 @@
 #include <memory>
 
 namespace Velmar::VideoOverlay {
+class CVideoOverlayImage;
 class CVideoOverlayManager;
 class VideoOverlayElementListModel;
 } // namespace Velmar::VideoOverlay
@@ -53,6 +54,8 @@ class EditorController : public QObject
     Q_PROPERTY(double cellWidth READ cellWidth NOTIFY gridChanged)
     Q_PROPERTY(double cellHeight READ cellHeight NOTIFY gridChanged)
     Q_PROPERTY(QVariantList warnings READ warnings NOTIFY warningsChanged)
+    Q_PROPERTY(int smallestScale MEMBER SmallestScale CONSTANT)
+    Q_PROPERTY(int largestScale MEMBER LargestScale CONSTANT)
     // clang-format on
 
 public:
@@ -93,14 +96,20 @@ public:
     Q_INVOKABLE void beginDrag();
     Q_INVOKABLE void dragTo(int columns, int rows);
     Q_INVOKABLE void endDrag();
-    Q_INVOKABLE void nudge(int columns, int rows); ///< by keys or arrow buttons
+    /// By keys or arrow buttons. While one of them is held, what it repeats is one step to undo.
+    Q_INVOKABLE void nudge(int columns, int rows, bool isRepeated = false);
+
+    /// Scales the selected picture by a gesture that pulls its lower right corner to a point of the
+    /// video picture [px]; its shape stays. Whole percents within the limits and, as long as these
+    /// allow, within the grid. Between beginDrag() and endDrag(), for one step to undo.
+    Q_INVOKABLE void pullCornerTo(double x, double y);
+    Q_INVOKABLE void scaleBy(int percents); ///< of the file's size, by keys
 
     /// Changes a property of the selected element, or one of the whole overlay.
-    Q_INVOKABLE void set(const QString &property, const QVariant &value);
+    /// One that goes on with the last change of the same element, as one letter after the other
+    /// does, is one step to undo with it.
+    Q_INVOKABLE void set(const QString &property, const QVariant &value, bool goesOn = false);
     Q_INVOKABLE void setForAll(const QString &property, const QVariant &value);
-    /// Changes between the two are one step to undo: a slider's, for instance.
-    Q_INVOKABLE void beginChange() { m_history.beginStep(); }
-    Q_INVOKABLE void endChange() { m_history.endStep(); }
 
     Q_INVOKABLE void addFavorite(const QString &text);
     Q_INVOKABLE void removeFavorite(int row);
@@ -130,6 +139,9 @@ Q_SIGNALS:
 private:
     using Element = VideoOverlay::CVideoOverlayElement;
 
+    static const int SmallestScale; ///< of pictures [%]
+    static const int LargestScale;
+
     /// Stands for an element in the history, also when that was deleted and made anew.
     struct Handle
     {
@@ -144,6 +156,7 @@ private:
     HandlePointer handleOf(Element *element);
     void change(Element *element, const QByteArray &property, const QVariant &value);
     void moveTo(Element &element, QPoint cell);
+    void scaleTo(VideoOverlay::CVideoOverlayImage &image, int percent);
     QPoint clamped(QPoint cell, QSize cells) const;
     QSize cellsOf(Element &element) const;
     void setFavorites(const QStringList &favorites);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/qml/LiveApplication.h"
 
+#include "host/feed/LiveInput.h"
 #include "host/qml/EditorController.h"
 #include "host/qml/ElementFilter.h"
 #include "host/qml/LiveOverlay.h"
@@ -85,6 +86,8 @@ bool LiveApplication::start(const Setup &setup, QString *error)
     if (!setup.demoProject.isEmpty())
         m_project->provideDemo(setup.demoProject);
 
+    if (!openInput(setup, error))
+        return false;
     expose(setup);
     m_engine->load(QUrl(QStringLiteral("qrc:/xqosd/screens/Main.qml")));
     if (!window()) {
@@ -93,6 +96,16 @@ bool LiveApplication::start(const Setup &setup, QString *error)
     }
     m_video->start();
     return true;
+}
+
+bool LiveApplication::openInput(const Setup &setup, QString *error)
+{
+    m_input = std::make_unique<LiveInput>();
+    connect(m_input.get(), &LiveInput::valueRead, m_overlay.get(), &LiveOverlay::setValue);
+    connect(m_input.get(), &LiveInput::problemFound, m_messages.get(), &Messages::error);
+    if (setup.inputFromPipe)
+        m_input->readFrom(0);
+    return setup.inputSocket.isEmpty() || m_input->listen(setup.inputSocket, error);
 }
 
 void LiveApplication::expose(const Setup &setup)
@@ -117,6 +130,9 @@ void LiveApplication::expose(const Setup &setup)
     };
     for (const auto &[name, object] : objects)
         context->setContextProperty(QString::fromLatin1(name), object);
+    context->setContextProperty(QStringLiteral("useKeyboard"),
+                                qEnvironmentVariable("QT_IM_MODULE")
+                                    == QLatin1String("qtvirtualkeyboard"));
     context->setContextProperty(QStringLiteral("pictureFolder"),
                                 QUrl::fromLocalFile(setup.pictureDirectory));
 }

@@ -17,6 +17,7 @@ namespace Velmar::Host {
 
 class EditorController;
 class ElementFilter;
+class LiveInput;
 class LiveOverlay;
 class Messages;
 class ProfileActions;
@@ -38,13 +39,15 @@ public:
         QString recordingDirectory; ///< where recordings go
         QString pictureDirectory;   ///< where the choice of a picture begins
         QString demoProject;        ///< a project as JSON, for who has none yet; may be empty
+        bool inputFromPipe = false; ///< live values come from the standard input
+        QString inputSocket;        ///< path of a socket that takes live values; may be empty
     };
 
     explicit LiveApplication(QObject *parent = nullptr);
     ~LiveApplication() override;
 
     /// Opens the window and starts the video. False, and a text in @p error, when there can be no
-    /// window; a video that cannot be played is told in the window.
+    /// window or no socket for live values; a video that cannot be played is told in the window.
     bool start(const Setup &setup, QString *error);
 
     QQuickWindow *window() const; ///< null before the start
@@ -55,6 +58,7 @@ public:
     Messages &messages() const { return *m_messages; }
 
 private:
+    bool openInput(const Setup &setup, QString *error);
     void expose(const Setup &setup);
 
     std::unique_ptr<UiTexts> m_texts;
@@ -65,6 +69,7 @@ private:
     std::unique_ptr<ElementFilter> m_filter;
     std::unique_ptr<ProfileActions> m_profileActions;
     std::unique_ptr<ProjectController> m_project;
+    std::unique_ptr<LiveInput> m_input;
     std::unique_ptr<QQmlApplicationEngine> m_engine; ///< goes before all that it shows
 };
 

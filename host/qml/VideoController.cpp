@@ -103,7 +103,7 @@ void VideoController::onFailed(const QString &reason)
 {
     stopRecording();
     setRunning(false);
-    m_messages.error(reason);
+    m_messages.error(m_texts.text(QStringLiteral("errorVideo")).arg(reason));
     QTimer::singleShot(RetryMs, this, &VideoController::start); // a camera may come back
 }
 
@@ -195,12 +195,12 @@ void VideoController::startRecording()
     });
     connect(m_recording.get(), &RecordPipeline::failed, this, [this](const QString &reason) {
         endRecording();
-        m_messages.error(reason);
+        m_messages.error(m_texts.text(QStringLiteral("errorRecording")).arg(reason));
     });
     connect(m_recording.get(), &RecordPipeline::warned, &m_messages, &Messages::error);
     if (!m_recording->start(&error)) {
         m_recording.reset();
-        m_messages.error(error);
+        m_messages.error(m_texts.text(QStringLiteral("errorRecording")).arg(error));
         return;
     }
     m_path = path;

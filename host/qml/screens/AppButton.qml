@@ -16,6 +16,7 @@ Button {
     implicitWidth: Math.max(Theme.touch, implicitContentWidth + 2 * Theme.gap)
     padding: 4
     font.pixelSize: Theme.font
+    font.bold: checked          // what is chosen is not told by its colour alone
     opacity: enabled ? 1 : 0.4
     activeFocusOnTab: true
     Keys.onReturnPressed: clicked()

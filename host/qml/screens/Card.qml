@@ -3,12 +3,15 @@ import QtQuick 2.15
 import QtQuick.Controls 2.15
 import "."
 
-/// A dialog over the whole window. Escape closes it.
+/// A dialog over the whole window, or what the on-screen keyboard leaves of it. Escape closes it.
 Popup {
     id: card
 
+    readonly property real room: parent.height - Room.keyboardHeight  ///< for it, in height
+
     parent: Overlay.overlay
-    anchors.centerIn: parent
+    x: (parent.width - width) / 2
+    y: (room - height) / 2
     modal: true
     focus: true
     padding: 2 * Theme.gap

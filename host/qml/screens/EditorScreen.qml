@@ -28,8 +28,10 @@ Item {
                     Layout.fillWidth: true
                     text: profileActions.currentName
                     font.bold: true
+                    font.pixelSize: Theme.smallFont
                     elide: Text.ElideRight
-                    wrapMode: Text.NoWrap
+                    maximumLineCount: 2
+                    lineHeight: 0.9
                 }
                 AppText {
                     objectName: "editorModified"
@@ -90,10 +92,10 @@ Item {
                     Layout.fillWidth: true
                     Layout.preferredHeight: width * 9 / 16
                     activeFocusOnTab: true
-                    Keys.onLeftPressed: editor.nudge(-1, 0)
-                    Keys.onRightPressed: editor.nudge(1, 0)
-                    Keys.onUpPressed: editor.nudge(0, -1)
-                    Keys.onDownPressed: editor.nudge(0, 1)
+                    Keys.onLeftPressed: editor.nudge(-1, 0, event.isAutoRepeat)
+                    Keys.onRightPressed: editor.nudge(1, 0, event.isAutoRepeat)
+                    Keys.onUpPressed: editor.nudge(0, -1, event.isAutoRepeat)
+                    Keys.onDownPressed: editor.nudge(0, 1, event.isAutoRepeat)
                     Keys.onDeletePressed: editor.deleteSelected()
                     Keys.onPressed: {
                         if (event.matches(StandardKey.Undo)) {
@@ -101,6 +103,9 @@ Item {
                             event.accepted = true
                         } else if (event.matches(StandardKey.Redo)) {
                             editor.history.redo()
+                            event.accepted = true
+                        } else if (event.key === Qt.Key_Plus || event.key === Qt.Key_Minus) {
+                            editor.scaleBy(event.key === Qt.Key_Plus ? 5 : -5)
                             event.accepted = true
                         }
                     }
@@ -131,8 +136,16 @@ Item {
                         component Arrow: AppButton {
                             property int columnStep: 0
                             property int rowStep: 0
+                            property bool isHeld: false
                             autoRepeat: true
-                            onClicked: editor.nudge(columnStep, rowStep)
+                            onPressedChanged: {
+                                if (pressed)
+                                    isHeld = false
+                            }
+                            onClicked: {
+                                editor.nudge(columnStep, rowStep, isHeld)
+                                isHeld = true
+                            }
                         }
                         Arrow { objectName: "arrowUp"; Layout.column: 1; Layout.row: 0; symbol: "\u25B2"; rowStep: -1 }
                         Arrow { objectName: "arrowLeft"; Layout.column: 0; Layout.row: 1; symbol: "\u25C0"; columnStep: -1 }

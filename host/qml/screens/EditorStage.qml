@@ -7,6 +7,7 @@ import "."
 VideoStage {
     id: stage
 
+    property bool showMarks: true   ///< grid and boxes
     readonly property real scaling: editor.pictureSize.width > 0
         ? stage.pictureRect.width / editor.pictureSize.width : 0
     readonly property real cellWidth: editor.cellWidth * scaling
@@ -16,7 +17,7 @@ VideoStage {
     function gridY(row) { return stage.pictureRect.y + (editor.grid.y + row * editor.cellHeight) * stage.scaling }
 
     Repeater {
-        model: stage.cellWidth > 0 ? Math.round(editor.grid.width / editor.cellWidth) + 1 : 0
+        model: stage.showMarks && stage.cellWidth > 0 ? Math.round(editor.grid.width / editor.cellWidth) + 1 : 0
         Rectangle {
             x: stage.gridX(index)
             y: stage.gridY(0)
@@ -26,7 +27,7 @@ VideoStage {
         }
     }
     Repeater {
-        model: stage.cellHeight > 0 ? Math.round(editor.grid.height / editor.cellHeight) + 1 : 0
+        model: stage.showMarks && stage.cellHeight > 0 ? Math.round(editor.grid.height / editor.cellHeight) + 1 : 0
         Rectangle {
             x: stage.gridX(0)
             y: stage.gridY(index)
@@ -43,7 +44,7 @@ VideoStage {
             readonly property var element: manager.getElement(index)
             readonly property bool isSelected: element !== null && editor.selected === element
             objectName: "element" + index
-            visible: element !== null && (element.enabled || isSelected)
+            visible: stage.showMarks && element !== null && (element.enabled || isSelected)
             x: element ? stage.gridX(element.column) : 0
             y: element ? stage.gridY(element.row) : 0
             z: isSelected ? 1 : 0
@@ -87,6 +88,49 @@ VideoStage {
             if (moving)
                 editor.endDrag()
             moving = false
+        }
+    }
+    Rectangle {
+        id: handle
+
+        readonly property var element: editor.selectedIsPicture ? editor.selected : null
+        readonly property real cornerX: element ? stage.gridX(element.column) + element.width * stage.scaling : 0
+        readonly property real cornerY: element ? stage.gridY(element.row) + element.height * stage.scaling : 0
+
+        objectName: "resizeHandle"
+        visible: stage.showMarks && element !== null && element.imageSrcWidth > 0
+        // Outside of the picture's corner, so that a small picture can still be dragged itself.
+        x: Math.min(cornerX - radius, stage.width - width)
+        y: Math.min(cornerY - radius, stage.height - height)
+        width: Theme.touch
+        height: Theme.touch
+        radius: Theme.radius
+        color: Theme.accent
+        AppText {
+            anchors.centerIn: parent
+            text: "\u2921"
+            font.pixelSize: Theme.titleFont
+            color: Theme.accentInk
+        }
+        MouseArea {
+            property point start
+            property point corner
+
+            anchors.fill: parent
+            preventStealing: true
+            onPressed: {
+                stage.parent.forceActiveFocus()
+                start = mapToItem(stage, mouse.x, mouse.y)
+                corner = Qt.point(handle.cornerX, handle.cornerY)
+                editor.beginDrag()
+            }
+            onPositionChanged: {
+                const now = mapToItem(stage, mouse.x, mouse.y)
+                editor.pullCornerTo((corner.x + now.x - start.x - stage.pictureRect.x) / stage.scaling,
+                                    (corner.y + now.y - start.y - stage.pictureRect.y) / stage.scaling)
+            }
+            onReleased: editor.endDrag()
+            onCanceled: editor.endDrag()
         }
     }
 }

@@ -64,9 +64,41 @@ ApplicationWindow {
             }
         }
     }
+    Loader {
+        id: keyboard
+
+        active: useKeyboard
+        source: active ? "OnScreenKeyboard.qml" : ""
+        onStatusChanged: {
+            if (status === Loader.Error)
+                messages.error(texts.errorNoKeyboard)
+        }
+        onLoaded: {
+            item.windowWidth = Qt.binding(function() { return window.width })
+            item.windowHeight = Qt.binding(function() { return window.height })
+        }
+    }
     RowLayout {
+        id: content
+
+        readonly property Item field: window.activeFocusItem
+        readonly property real covered: {
+            if (Room.keyboardHeight === 0 || !contains(field))
+                return 0
+            const bottom = mapFromItem(field, 0, Math.min(field.height, 2 * Theme.touch)).y + Theme.gap
+            return Math.max(0, bottom - (height - Room.keyboardHeight))
+        }
+
+        function contains(item) {
+            while (item && item !== content)
+                item = item.parent
+            return item === content
+        }
+
         anchors.fill: parent
         spacing: 0
+        // So that what is typed can be read.
+        transform: Translate { y: -content.covered }
 
         Rectangle {
             Layout.fillHeight: true

@@ -21,7 +21,6 @@ Card {
     }
 
     width: 640
-    y: 60
     onOpened: {
         field.text = card.name
         field.selectAll()

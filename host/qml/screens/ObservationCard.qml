@@ -19,7 +19,7 @@ Card {
     })
 
     width: 900
-    height: 700
+    height: Math.min(700, room)
     onAboutToShow: {
         code = ""
         search.text = ""

@@ -13,7 +13,7 @@ Card {
     property alias folder: files.folder
 
     width: 1000
-    height: 680
+    height: Math.min(680, room)
     onAboutToShow: chosen = ""
 
     contentItem: ColumnLayout {

@@ -47,20 +47,20 @@ ColumnLayout {
             contentItem: RowLayout {
                 spacing: Theme.gap
                 AppText {
-                    Layout.preferredWidth: 24
                     Layout.leftMargin: Theme.gap
-                    text: row.isCurrent ? "\u25B6" : ""
+                    text: row.checked ? "\u25C9" : "\u25CB"
                     color: row.checked ? Theme.accentInk : Theme.text
                 }
                 AppText {
                     Layout.fillWidth: true
                     text: row.text
+                    font.bold: row.checked
                     elide: Text.ElideMiddle
                     maximumLineCount: 1
                     color: row.checked ? Theme.accentInk : Theme.text
                 }
                 Repeater {
-                    model: [row.isCurrent ? texts.current : "",
+                    model: [row.isCurrent ? "\u25B6 " + texts.current : "",
                             row.profile && row.profile.readOnly ? texts.readOnly : ""]
                     Rectangle {
                         visible: modelData !== ""

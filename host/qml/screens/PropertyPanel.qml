@@ -9,7 +9,8 @@ Flickable {
     id: panel
 
     readonly property var element: editor.selected
-    readonly property bool isText: editor.selectedIsText && element !== null
+    readonly property var textElement: editor.selectedIsText ? editor.selected : null
+    readonly property var picture: editor.selectedIsPicture ? editor.selected : null
 
     contentHeight: content.implicitHeight
     clip: true
@@ -51,7 +52,7 @@ Flickable {
         SwitchRow {
             objectName: "propertyCaption"
             Layout.fillWidth: true
-            visible: panel.isText && !editor.selectedHasOwnText
+            visible: panel.textElement !== null && !editor.selectedHasOwnText
             text: texts.showCaption
             checked: panel.element ? panel.element.captionVisible : false
             onToggled: editor.set("captionVisible", checked)
@@ -70,15 +71,18 @@ Flickable {
             visible: editor.selectedHasOwnText
             spacing: 4
             AppText { text: texts.text }
-            AppField {
+            AppArea {
                 objectName: "propertyText"
                 Layout.fillWidth: true
-                maximumLength: 200
-                text: panel.isText ? panel.element.text : ""
-                onEditingFinished: {
-                    if (panel.isText)
-                        editor.set("text", text)
+                text: panel.textElement ? panel.textElement.text : ""
+                property bool goesOn: false     // letter after letter is one step to undo
+                onTextChanged: {
+                    const isTyped = activeFocus && panel.textElement !== null && text !== panel.textElement.text
+                    if (isTyped)
+                        editor.set("text", text, goesOn)
+                    goesOn = isTyped
                 }
+                onActiveFocusChanged: goesOn = false
             }
         }
         ColumnLayout {
@@ -92,7 +96,8 @@ Flickable {
                     AppButton {
                         objectName: "favorite" + index
                         Layout.fillWidth: true
-                        text: modelData
+                        text: modelData.replace(/\n/g, " \u23CE ")
+                        align: Text.AlignLeft
                         onClicked: editor.set("text", modelData)
                     }
                     AppButton {
@@ -107,8 +112,8 @@ Flickable {
                 Layout.fillWidth: true
                 symbol: "+"
                 text: texts.addFavorite
-                enabled: panel.isText && panel.element.text.trim() !== ""
-                onClicked: editor.addFavorite(panel.element.text)
+                enabled: panel.textElement !== null && panel.textElement.text.trim() !== ""
+                onClicked: editor.addFavorite(panel.textElement.text)
             }
         }
         NumberRow {
@@ -123,29 +128,29 @@ Flickable {
         ColorRow {
             objectName: "propertyTextColor"
             Layout.fillWidth: true
-            visible: panel.isText
+            visible: panel.textElement !== null
             label: texts.textColor
-            current: panel.isText ? panel.element.textColor : "transparent"
+            current: panel.textElement ? panel.textElement.textColor : "transparent"
             onChosen: editor.set("textColor", color)
         }
         ColorRow {
             objectName: "propertyBackgroundColor"
             Layout.fillWidth: true
-            visible: panel.isText
+            visible: panel.textElement !== null
             label: texts.backgroundColor
-            current: panel.isText ? panel.element.backgroundColor : "transparent"
+            current: panel.textElement ? panel.textElement.backgroundColor : "transparent"
             onChosen: editor.set("backgroundColor", color)
         }
         NumberRow {
             objectName: "propertyScale"
             Layout.fillWidth: true
-            visible: editor.selectedIsPicture
+            visible: panel.picture !== null
             label: texts.scale
             suffix: " %"
-            from: 5
-            to: 400
+            from: editor.smallestScale
+            to: editor.largestScale
             step: 5
-            value: editor.selectedIsPicture && panel.element ? Math.round(panel.element.scaleFactor * 100) : 100
+            value: panel.picture ? Math.round(panel.picture.scaleFactor * 100) : 100
             onChanged: editor.set("scaleFactor", value / 100)
         }
     }
