@@ -65,6 +65,8 @@ bool hasArgument(int argc, char **argv, const char *wanted)
 /// to be shown and there is no display.
 bool choosePlatform(int argc, char **argv)
 {
+    if (hasArgument(argc, argv, "--keyboard"))
+        qputenv("QT_IM_MODULE", "qtvirtualkeyboard");
     if (!qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
         return true;
     const bool isLive = argc > 1 && std::strcmp(argv[1], "live") == 0;

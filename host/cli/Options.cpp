@@ -539,6 +539,8 @@ bool parseLive(const QStringList &arguments, Options *options, QString *error)
     parser.add("projects", "DIR", "Where the projects are.");
     parser.add("recordings", "DIR", "Where recordings go.");
     parser.add("screenshots", "DIR", "Writes a picture of every screen there and ends.");
+    // Read again where the keyboard is chosen, which is before there is an application.
+    parser.addFlag("keyboard", "Shows a keyboard on the screen while a field has the focus.");
     if (!parser.parse(arguments, error))
         return false;
     if (parser.isSet("help")) {

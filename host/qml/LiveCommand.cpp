@@ -3,10 +3,7 @@
 
 #include "host/cli/InterruptWatch.h"
 #include "host/cli/Report.h"
-#include "host/feed/LiveInput.h"
 #include "host/qml/LiveApplication.h"
-#include "host/qml/LiveOverlay.h"
-#include "host/qml/Messages.h"
 #include "host/qml/Screenshots.h"
 #include "host/qml/VideoController.h"
 #include "platform/directories/CApplicationDirectories.h"
@@ -45,18 +42,12 @@ int runLive(const Options &options)
         ? QStandardPaths::writableLocation(QStandardPaths::PicturesLocation)
         : data + QStringLiteral("/demo");
     setup.demoProject = data + QStringLiteral("/demo/project/demo.json");
+    setup.inputFromPipe = options.inputFromPipe;
+    setup.inputSocket = options.inputSocket;
 
     QString error;
     LiveApplication application;
     if (!application.start(setup, &error))
-        return reportError(error);
-
-    LiveInput input;
-    QObject::connect(&input, &LiveInput::valueRead, &application.overlay(), &LiveOverlay::setValue);
-    QObject::connect(&input, &LiveInput::problemFound, &application.messages(), &Messages::error);
-    if (options.inputFromPipe)
-        input.readFrom(0);
-    else if (!options.inputSocket.isEmpty() && !input.listen(options.inputSocket, &error))
         return reportError(error);
 
     QEventLoop loop;

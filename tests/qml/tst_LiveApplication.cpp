@@ -19,14 +19,18 @@
 #include <videooverlay/profiles/Profile.h>
 
 #include <QDir>
+#include <QKeyEvent>
+#include <QLocalSocket>
 #include <QQmlComponent>
 #include <QQmlEngine>
 #include <QQuickItem>
 #include <QQuickWindow>
+#include <QScreen>
 #include <QTemporaryDir>
 #include <QtTest>
 
 #include <cmath>
+#include <functional>
 
 using namespace Velmar;
 using namespace Velmar::Host;
@@ -133,9 +137,19 @@ private Q_SLOTS:
     void createsProject();
     void language();
     void overlayOff();
+    void resizesPicture_data();
+    void resizesPicture();
+    void heldArrowIsOneStep();
+    void textOfSeveralLines();
+    void liveInput();
+    void closesWhenTheRecordingIsComplete();
+    void editorShowsWhatIsRecorded();
 
 private:
-    void start();
+    using Change = std::function<void(LiveApplication::Setup &)>;
+    void start(const Change &change = {});
+    void restart(const Change &change = {});
+    QImage grabbed(const QQuickItem &item, const QRectF &part) const;
     CVideoOverlayElement *elementOf(const QString &valueName) const;
     QQuickItem *boxOf(const CVideoOverlayElement *element) const;
     QString profilePath(const QString &name) const;
@@ -168,10 +182,17 @@ void tst_LiveApplication::cleanup()
     QVERIFY2(qtWarnings.isEmpty(), qPrintable(qtWarnings.join(QLatin1Char('\n'))));
 }
 
-void tst_LiveApplication::start()
+void tst_LiveApplication::restart(const Change &change)
+{
+    m_live.reset();
+    start(change);
+}
+
+void tst_LiveApplication::start(const Change &change)
 {
     QDir().mkpath(m_root->filePath(QStringLiteral("settings/osd")));
-    Test::ProfileFolders::write(profilePath(QStringLiteral("Bench")), profileOfTest());
+    if (!QFile::exists(profilePath(QStringLiteral("Bench")))) // not at a second start
+        Test::ProfileFolders::write(profilePath(QStringLiteral("Bench")), profileOfTest());
     QFile::copy(QStringLiteral(XQ_DATA_DIRECTORY "/profiles/%1.xml").arg(defaultProfile),
                 profilePath(defaultProfile));
     LiveApplication::Setup setup;
@@ -181,11 +202,15 @@ void tst_LiveApplication::start()
     setup.projectDirectory = m_root->filePath(QStringLiteral("projects"));
     setup.recordingDirectory = m_root->filePath(QStringLiteral("recordings"));
     setup.pictureDirectory = QStringLiteral(XQ_DATA_DIRECTORY "/demo");
+    if (change)
+        change(setup);
     m_live = std::make_unique<LiveApplication>();
     QString error;
-    QVERIFY2(m_live->start(setup, &error), qPrintable(error));
+    QVERIFY2(m_live->start(setup, &error),
+             qPrintable((qtWarnings + QStringList(error)).join(QLatin1Char('\n'))));
     m_robot = ScreenRobot(m_live->window());
-    QVERIFY(QTest::qWaitForWindowExposed(m_live->window()));
+    m_live->window()->requestActivate(); // nobody else does where there is no window manager
+    QVERIFY(QTest::qWaitForWindowActive(m_live->window()));
     QTRY_VERIFY(m_live->video().isRunning());
 }
 
@@ -506,10 +531,9 @@ void tst_LiveApplication::colours()
 void tst_LiveApplication::freeTextAndFavourites()
 {
     const QString notes = QStringLiteral("Pictures and notes");
-    m_live.reset(); // profiles are read at the start
     QVERIFY(QFile::copy(QStringLiteral(XQ_DATA_DIRECTORY "/profiles/%1.xml").arg(notes),
                         profilePath(notes)));
-    start();
+    restart(); // profiles are read at the start
     QVERIFY(select(notes));
     QVERIFY(m_robot.click(QStringLiteral("navEditor")));
     const auto *freeText = manager().getElementListModel()->freeText();
@@ -519,8 +543,12 @@ void tst_LiveApplication::freeTextAndFavourites()
     editor.select(manager().rowIndexByID(freeText->id()));
     QVERIFY(m_robot.click(QStringLiteral("panel1")));
     QVERIFY(m_robot.type(QStringLiteral("propertyText"), QStringLiteral("Roots here")));
-    m_robot.key(Qt::Key_Return);
     QTRY_COMPARE(freeText->text(), QStringLiteral("Roots here"));
+    QVERIFY(freeText->visible());
+    editor.history()->undo();
+    QCOMPARE(freeText->text(), QString());
+    QVERIFY(!freeText->visible());
+    editor.history()->redo();
     QVERIFY(freeText->visible());
     QVERIFY(m_robot.find(QStringLiteral("favoriteAdd"))->isEnabled());
     QMetaObject::invokeMethod(m_robot.find(QStringLiteral("favoriteAdd")), "clicked");
@@ -846,6 +874,288 @@ void tst_LiveApplication::overlayOff()
     QVERIFY(!manager().videoOverlayEnabled());
     QVERIFY(m_robot.click(QStringLiteral("osdSwitch")));
     QVERIFY(manager().videoOverlayEnabled());
+}
+
+void tst_LiveApplication::resizesPicture_data()
+{
+    dragging_data();
+}
+
+void tst_LiveApplication::resizesPicture()
+{
+    QFETCH(ScreenRobot::Pointer, pointer);
+    QVERIFY(select(QStringLiteral("Bench")));
+    QVERIFY(m_robot.click(QStringLiteral("navEditor")));
+    EditorController &editor = m_live->editor();
+    QVERIFY(editor.addPicture(QStringLiteral(XQ_DATA_DIRECTORY "/demo/watermark.png")));
+    auto *image = qobject_cast<VideoOverlay::CVideoOverlayImage *>(editor.selected());
+    QVERIFY(image);
+    const QQuickItem *stage = m_robot.find(QStringLiteral("editorStage"));
+    QVERIFY(awaitStage(*stage));
+    const QQuickItem *handle = m_robot.await(QStringLiteral("resizeHandle"));
+    QVERIFY(handle);
+    QVERIFY(handle->width() >= FingerPx && handle->height() >= FingerPx);
+    const double before = image->scaleFactor();
+    const QSizeF size(image->width(), image->height());
+    const double scaling = stage->property("scaling").toDouble();
+
+    // Along the diagonal by half of the picture; it stays where it is and keeps its shape.
+    const QPoint cell(image->column(), image->row());
+    m_robot.drag(handle->mapToScene(QPointF(handle->width() / 2, handle->height() / 2)),
+                 QPointF(size.width(), size.height()) / 2 * scaling, pointer);
+
+    QTRY_VERIFY(image->scaleFactor() > before);
+    QVERIFY(std::abs(image->scaleFactor() - 1.5 * before) <= 0.03);
+    QCOMPARE(QPoint(image->column(), image->row()), cell);
+    QVERIFY(std::abs(image->width() / image->height() - size.width() / size.height()) < 0.05);
+    QVERIFY(m_robot.click(QStringLiteral("undo")));
+    QCOMPARE(image->scaleFactor(), before);
+
+    // Not beyond the grid, not to nothing, not beyond the limit.
+    editor.beginDrag();
+    editor.pullCornerTo(100000, 100000);
+    editor.endDrag();
+    const QRectF grid = editor.grid();
+    QVERIFY(image->x() + image->width() <= grid.right() + 1);
+    QVERIFY(image->y() + image->height() <= grid.bottom() + 1);
+    QVERIFY(image->scaleFactor() > before);
+    editor.beginDrag();
+    editor.pullCornerTo(-100000, -100000);
+    editor.endDrag();
+    QCOMPARE(image->scaleFactor(), editor.property("smallestScale").toInt() / 100.0);
+
+    // By keys, and not of what has no size of its own.
+    m_robot.find(QStringLiteral("stageScope"))->forceActiveFocus();
+    m_robot.key(Qt::Key_Plus);
+    QCOMPARE(image->scaleFactor(), editor.property("smallestScale").toInt() / 100.0 + 0.05);
+    m_robot.key(Qt::Key_Minus);
+    QCOMPARE(image->scaleFactor(), editor.property("smallestScale").toInt() / 100.0);
+    editor.select(manager().rowIndexByID(elementOf(ElementParam::NAME_SPEED)->id()));
+    QVERIFY(m_robot.awaitGone(QStringLiteral("resizeHandle")));
+    editor.revert();
+}
+
+void tst_LiveApplication::heldArrowIsOneStep()
+{
+    QVERIFY(select(QStringLiteral("Bench")));
+    QVERIFY(m_robot.click(QStringLiteral("navEditor")));
+    const CVideoOverlayElement *speed = elementOf(ElementParam::NAME_SPEED);
+    EditorController &editor = m_live->editor();
+    editor.select(manager().rowIndexByID(speed->id()));
+    m_robot.find(QStringLiteral("stageScope"))->forceActiveFocus();
+    const auto right = [this](bool isRepeated) {
+        QKeyEvent event(QEvent::KeyPress, Qt::Key_Right, Qt::NoModifier, QString(), isRepeated);
+        QCoreApplication::sendEvent(m_live->window(), &event);
+    };
+    right(false);
+    right(true);
+    right(true);
+    QCOMPARE(speed->column(), 13);
+    right(false);
+    right(true);
+    QCOMPARE(speed->column(), 15);
+    editor.history()->undo();
+    QCOMPARE(speed->column(), 13);
+    // What was changed in between is a step of its own, also while the key is held.
+    editor.set(QStringLiteral("timeout"), 5);
+    right(true);
+    QCOMPARE(speed->column(), 14);
+    editor.history()->undo();
+    editor.history()->undo();
+    QCOMPARE(speed->column(), 10);
+    QVERIFY(!editor.history()->canUndo());
+
+    // The arrow buttons repeat, too.
+    const QQuickItem *arrow = m_robot.await(QStringLiteral("arrowRight"));
+    const QPoint centre
+        = arrow->mapToScene(QPointF(arrow->width() / 2, arrow->height() / 2)).toPoint();
+    QTest::mousePress(m_live->window(), Qt::LeftButton, Qt::NoModifier, centre);
+    QTRY_VERIFY(speed->column() >= 13);
+    QTest::mouseRelease(m_live->window(), Qt::LeftButton, Qt::NoModifier, centre);
+    editor.history()->undo();
+    QCOMPARE(speed->column(), 10);
+    QVERIFY(!editor.history()->canUndo());
+}
+
+void tst_LiveApplication::textOfSeveralLines()
+{
+    QVERIFY(select(QStringLiteral("Bench")));
+    QVERIFY(m_robot.click(QStringLiteral("navEditor")));
+    EditorController &editor = m_live->editor();
+    editor.addText(QStringLiteral("one"));
+    editor.nudge(5, 10);
+    auto *text = qobject_cast<VideoOverlay::CVideoOverlayText *>(editor.selected());
+    QVERIFY(text);
+    const double height = text->height();
+    QVERIFY(m_robot.click(QStringLiteral("panel1")));
+    QVERIFY(m_robot.type(QStringLiteral("propertyText"), QStringLiteral("two")));
+    QCOMPARE(text->text(), QStringLiteral("two")); // on the picture while it is typed
+    m_robot.key(Qt::Key_Return);
+    m_robot.key(Qt::Key_X);
+    QCOMPARE(text->text(), QStringLiteral("two\nx"));
+    QTRY_COMPARE(text->height(), 2 * height);
+    editor.history()->undo(); // all that was typed
+    QCOMPARE(text->text(), QStringLiteral("one"));
+    QCOMPARE(m_robot.text(QStringLiteral("propertyText")), QStringLiteral("one"));
+    editor.history()->redo();
+    QVERIFY(editor.save());
+    restart();
+    QVERIFY(m_robot.click(QStringLiteral("navEditor")));
+    const QList<CVideoOverlayElement *> elements = manager().getElementList();
+    QVERIFY(std::any_of(elements.begin(), elements.end(), [](CVideoOverlayElement *element) {
+        const auto *loaded = qobject_cast<VideoOverlay::CVideoOverlayText *>(element);
+        return loaded && loaded->text() == QLatin1String("two\nx");
+    }));
+}
+
+void tst_LiveApplication::liveInput()
+{
+    const QString path = m_root->filePath(QStringLiteral("values"));
+    restart([&](LiveApplication::Setup &setup) {
+        setup.telemetryPath.clear();
+        setup.inputSocket = path;
+    });
+    QVERIFY(select(QStringLiteral("Bench")));
+    const auto *speed
+        = qobject_cast<VideoOverlay::CVideoOverlayText *>(elementOf(ElementParam::NAME_SPEED));
+    QVERIFY(!speed->visible());
+    QLocalSocket client;
+    client.connectToServer(path);
+    QVERIFY(client.waitForConnected());
+    client.write("{\"SPEED\": 6.5, \"SECTION_DISTANCE_COUNTER\": 12.25}\n");
+    QTRY_VERIFY(speed->visible());
+    QVERIFY2(speed->text().contains(QStringLiteral("6.50 m/min")), qPrintable(speed->text()));
+    QVERIFY(m_robot.click(QStringLiteral("navLive")));
+    QTRY_COMPARE(m_robot.text(QStringLiteral("distance")), QStringLiteral("12.25 m"));
+
+    client.write("this is none\n"); // is told, and stops nothing
+    QTRY_VERIFY(m_live->messages().isError());
+    client.write("{\"SPEED\": 7}\n");
+    QTRY_VERIFY(speed->text().contains(QStringLiteral("7.00 m/min")));
+
+    // A place where there can be no socket.
+    LiveApplication::Setup setup;
+    setup.source = SourceSpec::fromText(QStringLiteral("test"));
+    setup.projectDirectory = setup.recordingDirectory = m_root->path();
+    setup.inputSocket = m_root->filePath(QStringLiteral("missing/values"));
+    m_live.reset();
+    QString error;
+    QVERIFY(!LiveApplication().start(setup, &error));
+    QVERIFY(!error.isEmpty());
+}
+
+void tst_LiveApplication::closesWhenTheRecordingIsComplete()
+{
+    QPointer<QQuickWindow> window = m_live->window();
+    QSignalSpy finished(&m_live->video(), &VideoController::recordingFinished);
+    QVERIFY(m_robot.click(QStringLiteral("recordButton")));
+    QTRY_VERIFY_WITH_TIMEOUT(m_live->video().recordedTime() == QLatin1String("00:01"), 20000);
+    window->close();
+    QVERIFY(window->isVisible()); // the file is not complete
+    QCOMPARE(m_live->video().recordState(), VideoController::Finishing);
+    QTRY_VERIFY_WITH_TIMEOUT(!window->isVisible(), 20000);
+    QCOMPARE(finished.count(), 1);
+    const MediaFacts facts = readFacts(m_live->video().recordingPath());
+    QCOMPARE(facts.problem, QString());
+    QVERIFY(facts.seconds >= 0.9);
+}
+
+QImage tst_LiveApplication::grabbed(const QQuickItem &item, const QRectF &part) const
+{
+    QQuickWindow *window = m_live->window();
+    QImage all = window->screen()->grabWindow(window->winId()).toImage();
+    return all.copy(item.mapRectToScene(part).toRect()).convertToFormat(QImage::Format_RGB888);
+}
+
+void tst_LiveApplication::editorShowsWhatIsRecorded()
+{
+    // One to one on the editor's stage, so that no scaling blurs the comparison.
+    QVERIFY(m_robot.click(QStringLiteral("navEditor")));
+    const QQuickItem *stage = m_robot.await(QStringLiteral("editorStage"));
+    QVERIFY(awaitStage(*stage));
+    const int width = int(stage->width());
+    const QSize size(width / 16 * 16, width / 16 * 9);
+    QVERIFY(size.width() >= 640);
+
+    // A picture that stands still, so that what is on the screen is what was recorded before.
+    const QString still = m_root->filePath(QStringLiteral("still.png"));
+    QImage drawn(size, QImage::Format_RGB32);
+    for (int y = 0; y < size.height(); ++y) {
+        for (int x = 0; x < size.width(); ++x)
+            drawn.setPixel(x, y,
+                           qRgb(60 + x * 120 / size.width(), 90, 150 - y * 90 / size.height()));
+    }
+    QVERIFY(drawn.save(still));
+    const QString film = m_root->filePath(QStringLiteral("still.mkv"));
+    QVERIFY(runPipeline(
+        QStringLiteral("filesrc location=%1 ! pngdec ! imagefreeze num-buffers=500 "
+                       "! video/x-raw,framerate=25/1 ! videoconvert ! "
+                       "video/x-raw,format=I420 ! x264enc speed-preset=ultrafast "
+                       "qp-min=1 quantizer=4 pass=quant ! matroskamux ! filesink location=%2")
+            .arg(still, film)));
+    restart([&](LiveApplication::Setup &setup) {
+        setup.source = SourceSpec::fromText(film);
+        setup.telemetryPath.clear();
+    });
+    m_live->window()->resize(1280 - (width - size.width()), 800);
+    QVERIFY(select(QStringLiteral("Bench")));
+    QVERIFY(m_robot.click(QStringLiteral("navEditor")));
+    EditorController &editor = m_live->editor();
+    editor.addText(QStringLiteral("Manhole 4711 \u00C4\u00D6\u00DC \u00B0"));
+    editor.set(QStringLiteral("backgroundColor"), QColor(20, 30, 60, 150));
+    editor.nudge(4, 3);
+    editor.addText(QStringLiteral("opaque"));
+    editor.set(QStringLiteral("textColor"), QColor(0xff, 0xe0, 0x66));
+    editor.nudge(20, 10);
+    QVERIFY(editor.addPicture(QStringLiteral(XQ_DATA_DIRECTORY "/demo/watermark.png")));
+    editor.nudge(30, 15);
+    editor.setForAll(QStringLiteral("transparency"), 20);
+
+    QSignalSpy finished(&m_live->video(), &VideoController::recordingFinished);
+    m_live->video().startRecording();
+    QSignalSpy frames(&m_live->video(), &VideoController::frame);
+    QTRY_VERIFY_WITH_TIMEOUT(frames.count() >= 30, 20000);
+    m_live->video().stopRecording();
+    QVERIFY(finished.count() > 0 || finished.wait(20000));
+    const QVector<DecodedFrame> recorded = readFrames(m_live->video().recordingPath());
+    QVERIFY(recorded.size() >= 20);
+    const QImage expected = recorded.last().image;
+
+    stage = m_robot.find(QStringLiteral("editorStage"));
+    QVERIFY(awaitStage(*stage));
+    m_robot.find(QStringLiteral("editorStage"))->setProperty("showMarks", false);
+    m_live->messages().dismiss();
+    const auto pictureRect = [stage] { return stage->property("pictureRect").toRectF(); };
+    QTRY_COMPARE(pictureRect().size().toSize(), size);
+    QSignalSpy swapped(m_live->window(), &QQuickWindow::frameSwapped);
+    QTRY_VERIFY(swapped.count() >= 3);
+    const QImage shown = grabbed(*stage, pictureRect());
+    QCOMPARE(shown.size(), expected.size());
+
+    // What a recording changes: its colours are of every second pixel, and its compression is
+    // lossy. So brightness is compared, pixel by pixel: within 12 of 255 for 999 of 1000 of them.
+    int covered = 0;
+    int different = 0;
+    qint64 sum = 0;
+    for (int y = 0; y < size.height(); ++y) {
+        for (int x = 0; x < size.width(); ++x) {
+            const int away = std::abs(qGray(shown.pixel(x, y)) - qGray(expected.pixel(x, y)));
+            sum += away;
+            different += away > 12;
+            covered += std::abs(qGray(shown.pixel(x, y)) - qGray(drawn.pixel(x, y))) > 30;
+        }
+    }
+    const int pixels = size.width() * size.height();
+    const double mean = double(sum) / pixels;
+    qInfo("mean difference %.2f, more than 12: %.2f %%", mean, 100.0 * different / pixels);
+    if (mean > 0.5 || different > pixels / 1000) {
+        shown.save(QStringLiteral("editor-shown.png"));
+        expected.save(QStringLiteral("editor-recorded.png"));
+    }
+    QVERIFY(mean <= 0.5);
+    QVERIFY(different <= pixels / 1000);
+    QVERIFY(covered > pixels / 200); // there is an overlay
+    editor.revert();
 }
 
 QTEST_MAIN(tst_LiveApplication)
