@@ -10,8 +10,9 @@ Popup {
     readonly property real room: parent.height - Room.keyboardHeight  ///< for it, in height
 
     parent: Overlay.overlay
-    x: (parent.width - width) / 2
-    y: (room - height) / 2
+    anchors.centerIn: parent
+    topMargin: 0
+    bottomMargin: Room.keyboardHeight
     modal: true
     focus: true
     padding: 2 * Theme.gap
