@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/qml/VideoController.h"
 
+#include "host/platform/LocaleSettings.h"
 #include "host/qml/LiveOverlay.h"
 #include "host/qml/Messages.h"
 #include "host/qml/UiTexts.h"
@@ -36,8 +37,14 @@ QString shown(UnitsProvider &&converter, const QVariant &value, const QString &u
 {
     if (!value.isValid())
         return unknownValue;
-    return converter.convert(value, unit, QString()) + QLatin1Char(' ')
-        + converter.getSuffix(QString());
+    QString text = converter.convert(value, unit, QString());
+    // On the overlay, most digits have a point everywhere. Here people read them in their language.
+    bool hasPoint = false;
+    const double number = text.toDouble(&hasPoint);
+    if (hasPoint)
+        text = Shared::LocaleSettings::locale().toString(
+            number, 'f', text.section(QLatin1Char('.'), 1).size());
+    return text + QLatin1Char(' ') + converter.getSuffix(QString());
 }
 
 } // namespace

@@ -860,6 +860,9 @@ void tst_LiveApplication::language()
     QVERIFY(m_robot.click(QStringLiteral("language0")));
     QTRY_COMPARE(m_robot.text(QStringLiteral("navProfiles")), QStringLiteral("Profile"));
     QVERIFY(speed->text().startsWith(QStringLiteral("Geschwindigkeit: ")));
+    const auto readings = [this] { return m_live->video().speed() + m_live->video().distance(); };
+    QVERIFY2(readings().count(QLatin1Char(',')) == 2, qPrintable(readings()));
+    QVERIFY2(!readings().contains(QLatin1Char('.')), qPrintable(readings()));
     QVERIFY(m_robot.click(QStringLiteral("units1")));
     QVERIFY(m_live->video().speed().endsWith(QStringLiteral(" ft/min")));
     QVERIFY(m_robot.click(QStringLiteral("units0")));

@@ -26,6 +26,8 @@ Button {
         text: control.symbol === "" ? control.text
             : control.text === "" ? control.symbol : control.symbol + "  " + control.text
         font: control.font
+        fontSizeMode: Text.HorizontalFit    // smaller letters before fewer
+        minimumPixelSize: 14
         color: control.checked ? Theme.accentInk : control.ink
         horizontalAlignment: control.align
         leftPadding: control.align === Text.AlignLeft ? Theme.gap : 0

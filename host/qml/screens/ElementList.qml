@@ -53,6 +53,7 @@ ColumnLayout {
                     Layout.fillWidth: true
                     Layout.leftMargin: Theme.gap
                     text: row.text
+                    font.bold: row.checked
                     color: row.checked ? Theme.accentInk : Theme.text
                     elide: Text.ElideRight
                     maximumLineCount: 1
