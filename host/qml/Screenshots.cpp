@@ -89,8 +89,12 @@ void Screenshots::addSteps()
                                              CApplicationDirectories::readonlyConfigDirectory()
                                                  + QStringLiteral("/demo/picture.png"));
                        }});
+    m_steps.push_back({QStringLiteral("editor-size"), [this] {
+                           click("pictureAdd");
+                           m_application.editor().nudge(30, 4);
+                           find("editorScreen")->setProperty("panel", 1);
+                       }});
     m_steps.push_back({QStringLiteral("profiles"), [this, show] {
-                           QMetaObject::invokeMethod(find("pictureCard"), "close");
                            show(2);
                            find("profilesScreen")->setProperty("marked", 1);
                        }});

@@ -27,7 +27,10 @@ Card {
         distance = video.distance
         distanceM = video.distanceM()
     }
-    onOpened: search.forceActiveFocus()
+    onOpened: {
+        if (!useKeyboard)   // which would cover half of the list before anybody asked for it
+            search.forceActiveFocus()
+    }
 
     contentItem: ColumnLayout {
         spacing: Theme.gap
