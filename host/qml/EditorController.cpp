@@ -138,6 +138,21 @@ void EditorController::select(Element *element)
     Q_EMIT selectedNameChanged();
 }
 
+void EditorController::selectNext(int step)
+{
+    m_history.endStep();
+    const QList<Element *> elements = manager().getElementList();
+    const int count = elements.size();
+    int index = selectedIndex();
+    if (index < 0)
+        index = step > 0 ? -1 : count; // begins at an end
+    for (int tries = 0; tries < count; ++tries) {
+        index = (index + step + count) % count;
+        if (elements.at(index)->enabled())
+            return select(elements.at(index));
+    }
+}
+
 bool EditorController::selectAt(double x, double y, double tolerance)
 {
     m_history.endStep();

@@ -84,6 +84,8 @@ public:
     QVariantList warnings() const { return m_warnings; }
 
     Q_INVOKABLE void select(int index); ///< a row of the element list; -1: nothing
+    /// The next element, or with -1 the one before, of those that are switched on; for keys.
+    Q_INVOKABLE void selectNext(int step = 1);
     /// Selects what is at this point of the picture [px], or nearest within @p tolerance; nothing
     /// where there is nothing. Of those on top of each other, the selected one stays.
     Q_INVOKABLE bool selectAt(double x, double y, double tolerance);

@@ -42,8 +42,8 @@ QString shown(UnitsProvider &&converter, const QVariant &value, const QString &u
     bool hasPoint = false;
     const double number = text.toDouble(&hasPoint);
     if (hasPoint)
-        text = Shared::LocaleSettings::locale().toString(
-            number, 'f', text.section(QLatin1Char('.'), 1).size());
+        text = Shared::LocaleSettings::locale().toString(number, 'f',
+                                                         text.section(QLatin1Char('.'), 1).size());
     return text + QLatin1Char(' ') + converter.getSuffix(QString());
 }
 

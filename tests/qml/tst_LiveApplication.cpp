@@ -336,6 +336,29 @@ void tst_LiveApplication::keyboardAlone()
     QVERIFY(m_live->window()->activeFocusItem()->property("visualFocus").toBool());
     m_robot.key(Qt::Key_Return);
     QVERIFY(m_robot.await(QStringLiteral("editorScreen")));
+
+    // An element is found, moved and saved there.
+    QVERIFY(select(QStringLiteral("Bench")));
+    m_live->window()->setProperty("screen", 1);
+    m_robot.await(QStringLiteral("stageScope"))->forceActiveFocus();
+    CVideoOverlayElement *distance = elementOf(ElementParam::NAME_SECTION_DISTANCE_COUNTER);
+    elementOf(QStringLiteral("OBS_Observation"))->setEnabled(false);
+    const CVideoOverlayElement *speed = elementOf(ElementParam::NAME_SPEED);
+    m_robot.key(Qt::Key_PageDown);
+    QCOMPARE(m_live->editor().selected(), speed);
+    m_robot.key(Qt::Key_PageDown);
+    QCOMPARE(m_live->editor().selected(), distance);
+    m_robot.key(Qt::Key_PageDown); // what is switched off is left out
+    QCOMPARE(m_live->editor().selected(), speed);
+    m_robot.key(Qt::Key_PageUp);
+    QCOMPARE(m_live->editor().selected(), distance);
+    const int row = distance->row();
+    m_robot.key(Qt::Key_Up);
+    QCOMPARE(distance->row(), row - 1);
+    QTest::keySequence(m_live->window(), QKeySequence(QKeySequence::Save));
+    QTRY_VERIFY(!m_live->editor().hasUnsavedChanges());
+    QVERIFY(Test::ProfileFolders::read(profilePath(QStringLiteral("Bench")))
+                .contains("<ROW>" + QByteArray::number(row - 1) + "</ROW>"));
 }
 
 void tst_LiveApplication::dragging_data()

@@ -13,6 +13,11 @@ Item {
     signal saveWanted()
     signal saveAsWanted()
 
+    Shortcut {
+        sequence: StandardKey.Save
+        enabled: screen.visible && editor.history.modified
+        onActivated: screen.saveWanted()
+    }
     ColumnLayout {
         anchors { fill: parent; margins: Theme.gap }
         spacing: Theme.gap
@@ -103,6 +108,9 @@ Item {
                             event.accepted = true
                         } else if (event.matches(StandardKey.Redo)) {
                             editor.history.redo()
+                            event.accepted = true
+                        } else if (event.key === Qt.Key_PageDown || event.key === Qt.Key_PageUp) {
+                            editor.selectNext(event.key === Qt.Key_PageDown ? 1 : -1)
                             event.accepted = true
                         } else if (event.key === Qt.Key_Plus || event.key === Qt.Key_Minus) {
                             editor.scaleBy(event.key === Qt.Key_Plus ? 5 : -5)
