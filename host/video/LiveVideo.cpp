@@ -4,7 +4,6 @@
 #include "host/video/VideoErrors.h"
 
 #include <gst/app/gstappsink.h>
-#include <gst/pbutils/pbutils.h>
 #include <gst/video/video.h>
 
 #include <utility>
@@ -52,6 +51,13 @@ LiveVideo::LiveVideo(SourceSpec source, QObject *parent)
     : QObject(parent)
     , m_source(std::move(source))
 {
+    connect(&m_bus, &PipelineBus::failed, this, [this](GstMessage *message) {
+        fail(errorText(message, m_source.name(), QStringLiteral("screen"), m_bus.missingPlugins()));
+    });
+    connect(&m_bus, &PipelineBus::ended, this, [this] {
+        stop();
+        Q_EMIT ended();
+    });
 }
 
 LiveVideo::~LiveVideo()
@@ -81,8 +87,7 @@ void LiveVideo::stop()
     if (!m_pipeline)
         return;
     takeDown(m_pipeline.get());
-    const ObjectRef<GstBus> bus(gst_element_get_bus(m_pipeline.get()));
-    gst_bus_set_sync_handler(bus.get(), nullptr, nullptr, nullptr);
+    m_bus.detach();
     m_pipeline.reset();
     const std::lock_guard<std::mutex> lock(m_mutex);
     m_latest.reset();
@@ -113,8 +118,7 @@ bool LiveVideo::build(QString *error)
 {
     m_pipeline.reset(GST_ELEMENT(gst_object_ref_sink(gst_pipeline_new(nullptr))));
     auto *bin = GST_BIN(m_pipeline.get());
-    const ObjectRef<GstBus> bus(gst_element_get_bus(m_pipeline.get()));
-    gst_bus_set_sync_handler(bus.get(), handleMessage, this, nullptr);
+    m_bus.attach(m_pipeline.get());
 
     const auto add = [&](const char *factory) {
         GstElement *element = makeElement(factory, error);
@@ -159,15 +163,7 @@ void LiveVideo::noMorePads()
     if (m_hasVideo)
         return;
     QMetaObject::invokeMethod(
-        this,
-        [this] {
-            fail(
-                m_missing.isEmpty()
-                    ? QStringLiteral("%1: is not a video: it holds no picture").arg(m_source.name())
-                    : QStringLiteral("%1: cannot be decoded; not installed: %2")
-                          .arg(m_source.name(), m_missing.join(QStringLiteral(", "))));
-        },
-        Qt::QueuedConnection);
+        this, [this] { fail(m_bus.noVideoText(m_source.name())); }, Qt::QueuedConnection);
 }
 
 GstPadProbeReturn LiveVideo::rawProbe(GstPad *pad, GstPadProbeInfo *info, gpointer user)
@@ -220,40 +216,6 @@ void LiveVideo::showLatest()
         m_positionNs = qint64(time);
     ++m_shownFrames;
     Q_EMIT frame(picture, m_positionNs);
-}
-
-GstBusSyncReply LiveVideo::handleMessage(GstBus *, GstMessage *message, gpointer user)
-{
-    switch (GST_MESSAGE_TYPE(message)) {
-    case GST_MESSAGE_ERROR:
-    case GST_MESSAGE_EOS:
-    case GST_MESSAGE_ELEMENT: {
-        auto *self = static_cast<LiveVideo *>(user);
-        QMetaObject::invokeMethod(
-            self, [self, held = shareMessage(message)] { self->onMessage(held.get()); },
-            Qt::QueuedConnection);
-        break;
-    }
-    default:
-        break;
-    }
-    gst_message_unref(message); // a handler that drops a message owns it
-    return GST_BUS_DROP;
-}
-
-void LiveVideo::onMessage(GstMessage *message)
-{
-    if (!m_running)
-        return;
-    if (gst_is_missing_plugin_message(message)) {
-        const GStringRef text(gst_missing_plugin_message_get_description(message));
-        m_missing.append(QString::fromUtf8(text.get()));
-    } else if (GST_MESSAGE_TYPE(message) == GST_MESSAGE_ERROR) {
-        fail(errorText(message, m_source.name(), QStringLiteral("screen"), m_missing));
-    } else if (GST_MESSAGE_TYPE(message) == GST_MESSAGE_EOS) {
-        stop();
-        Q_EMIT ended();
-    }
 }
 
 void LiveVideo::fail(const QString &reason)

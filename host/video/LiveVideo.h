@@ -3,11 +3,11 @@
 
 #include "host/video/FrameInput.h"
 #include "host/video/GstRef.h"
+#include "host/video/PipelineBus.h"
 #include "host/video/VideoSource.h"
 
 #include <QImage>
 #include <QObject>
-#include <QStringList>
 
 #include <atomic>
 #include <memory>
@@ -45,7 +45,6 @@ Q_SIGNALS:
 
 private:
     bool build(QString *error);
-    void onMessage(GstMessage *message);
     void showLatest();
     void fail(const QString &reason);
 
@@ -53,14 +52,13 @@ private:
     void audioPad(GstPad *pad) override;
     void noMorePads() override;
 
-    static GstBusSyncReply handleMessage(GstBus *bus, GstMessage *message, gpointer user);
     static GstPadProbeReturn rawProbe(GstPad *pad, GstPadProbeInfo *info, gpointer user);
     static GstFlowReturn takeSample(GstElement *sink, gpointer user);
 
     SourceSpec m_source;
     ObjectRef<GstElement> m_pipeline;
     GstElement *m_entry = nullptr; ///< takes the source's video; owned by the pipeline
-    QStringList m_missing;         ///< descriptions of plugins asked for in vain
+    PipelineBus m_bus;
     bool m_running = false;
     int m_shownFrames = 0;
     qint64 m_positionNs = 0;

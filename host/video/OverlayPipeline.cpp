@@ -5,7 +5,6 @@
 #include "host/video/FrameImage.h"
 #include "host/video/VideoErrors.h"
 
-#include <gst/pbutils/pbutils.h>
 #include <gst/video/video.h>
 
 #include <limits>
@@ -74,6 +73,10 @@ OverlayPipeline::OverlayPipeline(SourceSpec source, std::shared_ptr<OverlaySourc
 {
     m_watch.setInterval(WatchIntervalMs);
     connect(&m_watch, &QTimer::timeout, this, &OverlayPipeline::onWatch);
+    connect(&m_bus, &PipelineBus::ended, this, &OverlayPipeline::finish);
+    connect(&m_bus, &PipelineBus::failed, this, [this](GstMessage *message) {
+        fail(errorText(message, m_source.name(), outputName(), m_bus.missingPlugins()));
+    });
 }
 
 OverlayPipeline::~OverlayPipeline()
@@ -182,8 +185,7 @@ bool OverlayPipeline::build(QString *error)
         return false;
     }
     m_pipeline.reset(GST_ELEMENT(gst_object_ref_sink(gst_pipeline_new(nullptr))));
-    const ObjectRef<GstBus> bus(gst_element_get_bus(m_pipeline.get()));
-    gst_bus_set_sync_handler(bus.get(), handleMessage, this, nullptr);
+    m_bus.attach(m_pipeline.get());
 
     m_entry = add("queue", error);
     m_crop = m_entry ? add("videocrop", error) : nullptr;
@@ -233,15 +235,7 @@ void OverlayPipeline::noMorePads()
     if (m_hasVideo)
         return;
     QMetaObject::invokeMethod(
-        this,
-        [this] {
-            fail(
-                m_missing.isEmpty()
-                    ? QStringLiteral("%1: is not a video: it holds no picture").arg(m_source.name())
-                    : QStringLiteral("%1: cannot be decoded; not installed: %2")
-                          .arg(m_source.name(), m_missing.join(QStringLiteral(", "))));
-        },
-        Qt::QueuedConnection);
+        this, [this] { fail(m_bus.noVideoText(m_source.name())); }, Qt::QueuedConnection);
 }
 
 void OverlayPipeline::limit(GstPad *pad)
@@ -335,43 +329,6 @@ void OverlayPipeline::onBurned(GstPad *pad, GstBuffer *frame)
     ++m_frameCount;
 }
 
-GstBusSyncReply OverlayPipeline::handleMessage(GstBus *, GstMessage *message, gpointer user)
-{
-    switch (GST_MESSAGE_TYPE(message)) {
-    case GST_MESSAGE_ERROR:
-    case GST_MESSAGE_EOS:
-    case GST_MESSAGE_ELEMENT: {
-        // Qt's event loop takes it from here; nobody needs to run GLib's.
-        auto *self = static_cast<OverlayPipeline *>(user);
-        QMetaObject::invokeMethod(
-            self, [self, held = shareMessage(message)] { self->onMessage(held.get()); },
-            Qt::QueuedConnection);
-        break;
-    }
-    default:
-        break;
-    }
-    gst_message_unref(message); // a handler that drops a message owns it
-    return GST_BUS_DROP;
-}
-
-void OverlayPipeline::onMessage(GstMessage *message)
-{
-    if (!m_running)
-        return;
-    if (gst_is_missing_plugin_message(message)) {
-        const GStringRef text(gst_missing_plugin_message_get_description(message));
-        const QString description = QString::fromUtf8(text.get());
-        if (!m_missing.contains(description))
-            m_missing.append(description);
-        return;
-    }
-    if (GST_MESSAGE_TYPE(message) == GST_MESSAGE_ERROR)
-        fail(errorText(message, m_source.name(), outputName(), m_missing));
-    else if (GST_MESSAGE_TYPE(message) == GST_MESSAGE_EOS)
-        finish();
-}
-
 void OverlayPipeline::stop()
 {
     if (!m_running || m_stopping)
@@ -411,7 +368,7 @@ void OverlayPipeline::finish()
 {
     if (!m_running)
         return;
-    for (const QString &missing : qAsConst(m_missing))
+    for (const QString &missing : m_bus.missingPlugins())
         Q_EMIT warned(QStringLiteral("%1: left out a stream; not installed: %2")
                           .arg(m_source.name(), missing));
     // A file that was cut off ends like any other; only its own word on its length tells.
@@ -452,8 +409,7 @@ void OverlayPipeline::shutDown()
     if (!m_pipeline)
         return;
     takeDown(m_pipeline.get());
-    const ObjectRef<GstBus> bus(gst_element_get_bus(m_pipeline.get()));
-    gst_bus_set_sync_handler(bus.get(), nullptr, nullptr, nullptr);
+    m_bus.detach();
     m_pipeline.reset();
 }
 

@@ -3,13 +3,13 @@
 
 #include "host/video/FrameGate.h"
 #include "host/video/GstRef.h"
+#include "host/video/PipelineBus.h"
 #include "host/video/VideoSource.h"
 
 #include <QElapsedTimer>
 #include <QImage>
 #include <QObject>
 #include <QSize>
-#include <QStringList>
 #include <QTimer>
 
 #include <atomic>
@@ -84,14 +84,12 @@ protected:
 
 private:
     bool build(QString *error);
-    void onMessage(GstMessage *message);
     void onWatch();
     void fail(const QString &reason);
     void finish();
     void setUpFrames(GstCaps *caps);
     void onBurned(GstPad *pad, GstBuffer *frame);
 
-    static GstBusSyncReply handleMessage(GstBus *bus, GstMessage *message, gpointer user);
     static GstPadProbeReturn limitProbe(GstPad *pad, GstPadProbeInfo *info, gpointer user);
     static GstPadProbeReturn capsProbe(GstPad *pad, GstPadProbeInfo *info, gpointer user);
     static GstPadProbeReturn burnedProbe(GstPad *pad, GstPadProbeInfo *info, gpointer user);
@@ -103,7 +101,7 @@ private:
     GstElement *m_entry = nullptr;  ///< takes the source's video; owned by the pipeline
     GstElement *m_crop = nullptr;   ///< owned by the pipeline
     GstElement *m_filter = nullptr; ///< owned by the pipeline
-    QStringList m_missing;          ///< descriptions of plugins asked for in vain
+    PipelineBus m_bus;
     QTimer m_watch;
     QElapsedTimer m_quiet; ///< since something moved
     int m_stallLimitMs = 15000;
