@@ -4,6 +4,7 @@
 #include "host/platform/Directories.h"
 #include "host/platform/LocaleSettings.h"
 #include "host/platform/TranslationStore.h"
+#include "platform/appstate/AppState.h"
 #include "tests/support/LoggedTest.h"
 #include "tests/support/ProfileFolders.h"
 
@@ -51,6 +52,15 @@ CVideoOverlayElement *elementOf(const OverlaySession &session, const QString &co
             return element;
     }
     return nullptr;
+}
+
+/// An inspection text that shows @p column alone.
+QByteArray inspectionText(const QByteArray &column, const QByteArray &table, int row)
+{
+    return "<INSPTEXT><COL_Bound_Column>" + column + "</COL_Bound_Column><TDIR_Key>" + table
+        + "</TDIR_Key><SOURCE>DB</SOURCE><COL>0</COL><ROW>" + QByteArray::number(row)
+        + "</ROW><FGCOLOR>#ffffffff</FGCOLOR><BGCOLOR>#ff000000</BGCOLOR><VISIBLE>true</VISIBLE>"
+          "<SHOWCAPTION>false</SHOWCAPTION></INSPTEXT>";
 }
 
 int rowOf(const VideoOverlayProfilesModel &profiles, const QString &caption)
@@ -102,8 +112,21 @@ protected:
         return path;
     }
 
+    static QString textOf(const OverlaySession &session, const QString &column)
+    {
+        const auto *text = qobject_cast<CVideoOverlayText *>(elementOf(session, column));
+        return text ? text->text() : QString();
+    }
+
 private Q_SLOTS:
     void oneDay();
+    void inspectionTextsComeAndGo();
+    void formatsAlone();
+    void languageAlone();
+    void templateComesLate();
+    void loadingIsNoEdit();
+    void everyLoadIsTold();
+    void recordsAreReleasedWithoutTexts();
     void timeoutsFollowTheVideo();
     void editsSurviveTheProcess();
     void unknownProfileIsNamed();
@@ -219,6 +242,147 @@ void tst_HostDay::oneDay()
     QVERIFY(!COsdDomainDatasource::currentInspection());
     const QStringList log = takeLog();
     QVERIFY2(log.isEmpty(), qPrintable(log.join(QLatin1Char('\n'))));
+}
+
+/// Texts of the inspection never show themselves.
+void tst_HostDay::inspectionTextsComeAndGo()
+{
+    m_folders->writeProfile(
+        QStringLiteral("Texts.xml"),
+        Test::ProfileFolders::profileXml("name=\"Texts\"",
+                                         inspectionText("OBJ_Key", "SECTION", 0)
+                                             + inspectionText("OBS_OpCode", "SECOBS", 1)));
+    OverlaySession session(QSize(1280, 720));
+    QString error;
+    QVERIFY2(session.openProfiles(QStringLiteral("Texts"), &error), qPrintable(error));
+    QVERIFY(session.project().open(demoProject(QStringLiteral("project"))));
+    QCOMPARE(shown(session), QStringList());
+    const QStringList section(QStringLiteral("4711-4712"));
+    QVERIFY(session.project().startInspection(session.project().inspections().at(0)));
+    QCOMPARE(shown(session), section);
+
+    // An observation takes the place of what stood there before.
+    ProjectSession::Observation crack;
+    crack.code = QStringLiteral("BAB");
+    QVERIFY(session.project().createObservation(crack));
+    const QStringList observation(QStringLiteral("Crack"));
+    QCOMPARE(shown(session), observation);
+    Shared::LocaleSettings::setLocale(QLocale(QStringLiteral("de_DE")));
+    QCOMPARE(shown(session), observation); // what was taken away does not come back with it
+
+    // The texts of a profile that is loaded in the middle of an inspection.
+    session.profiles()->revertCurrentProfile();
+    QCOMPARE(shown(session), section);
+    takeLog();
+}
+
+void tst_HostDay::formatsAlone()
+{
+    OverlaySession session(QSize(1280, 720));
+    QString error;
+    QVERIFY2(session.openProfiles(fullProfile, &error), qPrintable(error));
+    QVERIFY(session.project().open(demoProject(QStringLiteral("project"))));
+    QVERIFY(session.project().startInspection(session.project().inspections().at(0)));
+    QVERIFY(shown(session).contains(QStringLiteral("Start date: 09/03/2026")));
+    Shared::LocaleSettings::setLocale(QLocale(QStringLiteral("de_DE")));
+    QVERIFY(shown(session).contains(QStringLiteral("Start date: 09.03.26")));
+    takeLog();
+}
+
+/// Here it changes no text; on a platform that takes its formats from the language it would.
+void tst_HostDay::languageAlone()
+{
+    OverlaySession session(QSize(1280, 720));
+    QString error;
+    QVERIFY2(session.openProfiles(fullProfile, &error), qPrintable(error));
+    QVERIFY(session.project().open(demoProject(QStringLiteral("project"))));
+    QVERIFY(session.project().startInspection(session.project().inspections().at(0)));
+    QSignalSpy inspection(AppState::instance(), &AppState::activeInspectionChanged);
+    Translation::TranslationStore::instance().setLocale(QLocale(QStringLiteral("de_DE")));
+    QCOMPARE(inspection.count(), 1);
+    QCOMPARE(inspection.at(0).at(0).value<Database::CDomainObjectPointer>(),
+             Database::CDomainObjectPointer(session.project().inspection()));
+    takeLog();
+}
+
+/// A catalog that is installed while an inspection runs.
+void tst_HostDay::templateComesLate()
+{
+    CATManagement::CatalogStore &catalogs = CATManagement::CatalogStore::instance();
+    const QString installed = QStringLiteral(DATA_DIRECTORY "/catalogs");
+    const QString project = demoProject(QStringLiteral("project"));
+    catalogs.setDirectory(m_folders->settings()); // there are none
+    OverlaySession session(QSize(1280, 720));
+    QString error;
+    QVERIFY2(session.openProfiles(fullProfile, &error), qPrintable(error));
+    QVERIFY(session.project().open(project));
+    QVERIFY(!session.project().hasTemplate());
+    QVERIFY(session.project().startInspection(session.project().inspections().at(0)));
+    QCOMPARE(textOf(session, QStringLiteral("OBJ_Material")), QStringLiteral(": CO"));
+
+    catalogs.setDirectory(installed);
+    QVERIFY(catalogs.loadTemplate(QStringLiteral("EN13508-2-ENG-GB")));
+    QVERIFY(shown(session).contains(QStringLiteral("Material: Concrete")));
+    takeLog();
+}
+
+/// Whatever a profile leaves open is filled in by loading it, and no change of the operator's.
+void tst_HostDay::loadingIsNoEdit()
+{
+    m_folders->writeProfile(
+        QStringLiteral("Foreign.xml"),
+        Test::ProfileFolders::profileXml(
+            "name=\"Foreign\"",
+            "<SYSTEMTEXT><COL_Bound_Column>VALUE_OF_ANOTHER_HOST</COL_Bound_Column>"
+            "<SOURCE>CAN</SOURCE><COL>3</COL><ROW>4</ROW><VISIBLE>true</VISIBLE></SYSTEMTEXT>"));
+    OverlaySession session(QSize(1280, 720));
+    QString error;
+    QVERIFY2(session.openProfiles(QStringLiteral("Foreign"), &error), qPrintable(error));
+    QVERIFY(!session.profiles()->isCurrentProfileChanged());
+    QCOMPARE(session.manager().elementsCount(), 1);
+    session.manager().getElement(0)->setRow(5);
+    QVERIFY(session.profiles()->isCurrentProfileChanged());
+    takeLog();
+}
+
+/// Screens follow the signal of the manager or of the list of profiles.
+void tst_HostDay::everyLoadIsTold()
+{
+    OverlaySession session(QSize(1280, 720));
+    QString error;
+    QVERIFY2(session.openProfiles(defaultProfile, &error), qPrintable(error));
+    QSignalSpy manager(&session.manager(), &CVideoOverlayManager::profileLoaded);
+    QSignalSpy profiles(session.profiles(), &VideoOverlayProfilesModel::profileLoaded);
+    QVERIFY(session.profiles()->setCurrentProfileByIndex(rowOf(*session.profiles(), fullProfile)));
+    QCOMPARE(manager.count(), 1);
+    QCOMPARE(profiles.count(), 1);
+    session.profiles()->revertCurrentProfile();
+    QCOMPARE(manager.count(), 2);
+    QCOMPARE(profiles.count(), 2);
+    takeLog();
+}
+
+/// A text of the inspection lets its record go by itself; what is loaded now may have none.
+void tst_HostDay::recordsAreReleasedWithoutTexts()
+{
+    const QString project = demoProject(QStringLiteral("project"));
+    m_folders->writeProfile(QStringLiteral("Bare.xml"),
+                            Test::ProfileFolders::profileXml("name=\"Bare\""));
+    // With a catalog, every profile gets the texts of its columns.
+    CATManagement::CatalogStore::instance().setDirectory(m_folders->settings());
+    OverlaySession session(QSize(1280, 720));
+    QString error;
+    QVERIFY2(session.openProfiles(fullProfile, &error), qPrintable(error));
+    VideoOverlayProfilesModel &profiles = *session.profiles();
+    QVERIFY(session.project().open(project));
+    QVERIFY(session.project().startInspection(session.project().inspections().at(0)));
+    QVERIFY(COsdDomainDatasource::currentInspection());
+    QVERIFY(profiles.setCurrentProfileByIndex(rowOf(profiles, QStringLiteral("Bare"))));
+    session.project().close();
+    QVERIFY(!COsdDomainDatasource::currentInspection());
+    QVERIFY(profiles.setCurrentProfileByIndex(rowOf(profiles, fullProfile)));
+    QCOMPARE(textOf(session, QStringLiteral("OBJ_Key")), QStringLiteral(":  "));
+    takeLog();
 }
 
 void tst_HostDay::timeoutsFollowTheVideo()
