@@ -362,6 +362,29 @@ private Q_SLOTS:
         QCOMPARE(session.nextChangeMs(), 2600);
     }
 
+    /// As a floating-point number each of these would be written with an exponent, and read as 0.
+    void roundTimes()
+    {
+        ElementParam date;
+        date.insert(QStringLiteral("type"), int(CVideoOverlayElement::SystemText));
+        date.insert(QStringLiteral("enabled"), true);
+        date.insert(QStringLiteral("unit"), QStringLiteral("yyyy-MM-dd"));
+        date.insert(ElementParam::NAME_COLUMNBOUND, ElementParam::NAME_DATE);
+        ElementParam time = date;
+        time.insert(QStringLiteral("unit"), QStringLiteral("hh:mm:ss"));
+        time.insert(ElementParam::NAME_COLUMNBOUND, ElementParam::NAME_TIME);
+        ElementParam videoTime = time;
+        videoTime.insert(ElementParam::NAME_COLUMNBOUND, ElementParam::NAME_VIDEO_TIME_COUNTER);
+        OverlaySession session(QSize(1920, 1080));
+        session.load({date, time, videoTime});
+        session.setStart(QDateTime::fromMSecsSinceEpoch(1774999000000));
+        session.advanceTo(1000000);
+        QCOMPARE(textOf(session, ElementParam::NAME_DATE)->text(), QStringLiteral("2026-03-31 "));
+        QCOMPARE(textOf(session, ElementParam::NAME_TIME)->text(), QStringLiteral("23:33:20 "));
+        QCOMPARE(textOf(session, ElementParam::NAME_VIDEO_TIME_COUNTER)->text(),
+                 QStringLiteral("00:16:40 "));
+    }
+
     void unreadablePictures()
     {
         QTemporaryDir directory;
