@@ -328,6 +328,12 @@ private Q_SLOTS:
         speed = textOf(session, QStringLiteral("SPEED"));
         QVERIFY(speed->visible());
         QVERIFY2(speed->text().endsWith(QStringLiteral(" 3.00 m/min")), qPrintable(speed->text()));
+        // What no factory serves has no record of its own: what it is now is the baseline.
+        ElementParam other;
+        other.insert(QStringLiteral("type"), int(CVideoOverlayElement::SystemText));
+        other.insert(ElementParam::NAME_COLUMNBOUND, QStringLiteral("OTHER"));
+        session.load({other});
+        QVERIFY(session.manager().getPropertiesWithChanges().isEmpty());
         session.load({});
         QCOMPARE(list.rowCount(), 0);
         QCOMPARE(session.scene()->snapshot()->items.size(), 0);
