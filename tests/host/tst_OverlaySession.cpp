@@ -266,6 +266,39 @@ private Q_SLOTS:
         QVERIFY(margins.right() - box.right() < 2 * session.settings().colWidth());
     }
 
+    /// Nothing is sent again by itself: neither the texts nor the watermark, which stands in no
+    /// list. One that is not hidden is not shown by showWatermark() alone.
+    void displayThatComesUpLater()
+    {
+        QTemporaryDir directory;
+        OverlaySession session(QSize(1920, 1080));
+        session.addTexts();
+        QVERIFY(session.setWatermark(picturePath(directory)));
+        const auto shown = [&session] {
+            session.scene()->flush();
+            QVector<int> ids;
+            for (const OverlayItem &item : session.scene()->snapshot()->items)
+                ids.append(item.id);
+            return ids;
+        };
+        const QVector<int> before = shown(); // the heading and the watermark
+        QCOMPARE(before.size(), 2);
+
+        QSignalSpy available(&session.manager(),
+                             &CVideoOverlayManager::videoOverlayAvailableChanged);
+        session.scene()->stop();
+        session.scene()->start();
+        QCOMPARE(available.count(), 2);
+        QCOMPARE(shown(), QVector<int>());
+        session.manager().onSettingsChanged();
+        QCOMPARE(shown(), QVector<int>(1, before.first()));
+        session.manager().showWatermark();
+        QCOMPARE(shown(), QVector<int>(1, before.first()));
+        session.manager().hideWatermark();
+        session.manager().showWatermark();
+        QCOMPARE(shown(), before);
+    }
+
     void languageAndUnits_data()
     {
         QTest::addColumn<QString>("locale");
