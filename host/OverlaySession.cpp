@@ -224,10 +224,14 @@ void OverlaySession::onProfileLoaded()
 
 void OverlaySession::onInspectionChanged(const Database::CDomainObjectPointer &inspection)
 {
-    if (!inspection) // nothing may keep a record of a database that is about to close
+    if (m_isAnnouncingAgain)
+        return;
+    VideoOverlayElementListModel &list = *m_manager->getElementListModel();
+    list.hideStartUpInspElements(); // what is there yet belongs to the inspection before
+    if (inspection)
+        list.showSecInspElements();
+    else // nothing may keep a record of a database that is about to close
         COsdDomainDatasource::rememberDomainObject({});
-    else if (!m_isAnnouncingAgain)
-        m_manager->getElementListModel()->showSecInspElements();
 }
 
 void OverlaySession::onObservationCreated()

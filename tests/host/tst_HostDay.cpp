@@ -102,6 +102,18 @@ protected:
                 QFile::copy(shipped.filePath(file), QDir(m_folders->profiles()).filePath(file)));
     }
 
+    /// A profile of texts that come and go, without a timeout. Returns its name.
+    QString textsProfile()
+    {
+        const QString name = QStringLiteral("Texts");
+        m_folders->writeProfile(
+            name + QLatin1String(".xml"),
+            Test::ProfileFolders::profileXml("name=\"Texts\"",
+                                             inspectionText("OBJ_Key", "SECTION", 0)
+                                                 + inspectionText("OBS_OpCode", "SECOBS", 1)));
+        return name;
+    }
+
     QString demoProject(const QString &name, const QString &catalog = QString())
     {
         const QString path = QDir(m_folders->settings()).filePath(name);
@@ -121,6 +133,7 @@ protected:
 private Q_SLOTS:
     void oneDay();
     void inspectionTextsComeAndGo();
+    void textsEndWithTheInspection();
     void formatsAlone();
     void languageAlone();
     void templateComesLate();
@@ -247,14 +260,9 @@ void tst_HostDay::oneDay()
 /// Texts of the inspection never show themselves.
 void tst_HostDay::inspectionTextsComeAndGo()
 {
-    m_folders->writeProfile(
-        QStringLiteral("Texts.xml"),
-        Test::ProfileFolders::profileXml("name=\"Texts\"",
-                                         inspectionText("OBJ_Key", "SECTION", 0)
-                                             + inspectionText("OBS_OpCode", "SECOBS", 1)));
     OverlaySession session(QSize(1280, 720));
     QString error;
-    QVERIFY2(session.openProfiles(QStringLiteral("Texts"), &error), qPrintable(error));
+    QVERIFY2(session.openProfiles(textsProfile(), &error), qPrintable(error));
     QVERIFY(session.project().open(demoProject(QStringLiteral("project"))));
     QCOMPARE(shown(session), QStringList());
     const QStringList section(QStringLiteral("4711-4712"));
@@ -273,6 +281,30 @@ void tst_HostDay::inspectionTextsComeAndGo()
     // The texts of a profile that is loaded in the middle of an inspection.
     session.profiles()->revertCurrentProfile();
     QCOMPARE(shown(session), section);
+    takeLog();
+}
+
+/// What they show belongs to it: to the next one, it would be wrong.
+void tst_HostDay::textsEndWithTheInspection()
+{
+    OverlaySession session(QSize(1280, 720));
+    QString error;
+    QVERIFY2(session.openProfiles(textsProfile(), &error), qPrintable(error));
+    QVERIFY(session.project().open(demoProject(QStringLiteral("project"))));
+    ProjectSession::Observation crack;
+    crack.code = QStringLiteral("BAB");
+    QVERIFY(session.project().startInspection(session.project().inspections().at(0)));
+    QVERIFY(session.project().createObservation(crack));
+    QCOMPARE(shown(session), QStringList(QStringLiteral("Crack")));
+    QVERIFY(session.project().startInspection(session.project().inspections().at(1)));
+    QCOMPARE(shown(session), QStringList(QStringLiteral("4713")));
+    session.project().endInspection();
+    QCOMPARE(shown(session), QStringList());
+
+    QVERIFY(session.project().startInspection(session.project().inspections().at(0)));
+    QVERIFY(session.project().createObservation(crack));
+    session.project().close();
+    QCOMPARE(shown(session), QStringList());
     takeLog();
 }
 
