@@ -140,6 +140,11 @@ void OverlaySession::resize(QSize imageSize)
         if (auto *text = qobject_cast<CVideoOverlayText *>(element))
             text->typeset();
     }
+    for (const PlacedPicture &placed : qAsConst(m_placedPictures)) {
+        if (placed.image)
+            scaleTo(*placed.image, placed.height);
+    }
+    placeWatermark();
     m_scene->flush();
 }
 
@@ -282,6 +287,7 @@ bool OverlaySession::addPicture(const QString &path, int row, int column, int he
         return false;
     }
     scaleTo(*image, height);
+    m_placedPictures.append({image, height});
     m_manager->resetChanges();
     m_scene->flush();
     return true;
@@ -299,12 +305,24 @@ bool OverlaySession::setWatermark(const QString &path)
         m_manager->hideWatermark();
         return false;
     }
+    placeWatermark();
+    m_scene->flush();
+    return true;
+}
+
+void OverlaySession::placeWatermark()
+{
+    auto *image = qobject_cast<CVideoOverlayImage *>(
+        m_scene->elementOfType(CVideoOverlayElement::Watermark));
+    if (!image || !image->visible())
+        return;
     scaleTo(*image, WatermarkRows);
     const int cells = int(std::ceil(image->width() / m_manager->colWidth()));
     image->setRow(WatermarkRow);
     image->setColumn(std::max(0, GridColumns - cells));
-    m_scene->flush();
-    return true;
+    // It follows no grid by itself, and on another one all of these may be as they were.
+    m_manager->hideWatermark();
+    m_manager->showWatermark();
 }
 
 void OverlaySession::setTelemetry(TelemetryFile telemetry)
