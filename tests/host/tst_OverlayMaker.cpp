@@ -67,6 +67,7 @@ private Q_SLOTS:
     void liveValuesStay();
     void picturesFitTheVideo_data();
     void picturesFitTheVideo();
+    void projectIsOpenedAfterTheProfile();
 
 private:
     std::unique_ptr<Test::ProfileFolders> m_folders;
@@ -113,6 +114,33 @@ void tst_OverlayMaker::picturesFitTheVideo()
     for (int i = 0; i < items.size(); ++i)
         QCOMPARE(boxOf(items.at(i)), boxOf(wanted.at(i)));
     QVERIFY(QRect(QPoint(0, 0), size).contains(boxOf(items.last())));
+    takeLog();
+}
+
+/// Its catalog is announced once, and whoever is not there yet never hears of it.
+void tst_OverlayMaker::projectIsOpenedAfterTheProfile()
+{
+    m_folders->writeProfile(
+        QStringLiteral("Material.xml"),
+        Test::ProfileFolders::profileXml(
+            "name=\"Material\"",
+            "<INSPSTATICTEXT><COL_Bound_Column>OBJ_Material</COL_Bound_Column>"
+            "<TDIR_Key>SECTION</TDIR_Key><SOURCE>DB</SOURCE><COL>0</COL><ROW>0</ROW>"
+            "<FGCOLOR>#ffffffff</FGCOLOR><BGCOLOR>#ff000000</BGCOLOR><VISIBLE>true</VISIBLE>"
+            "<SHOWCAPTION>false</SHOWCAPTION></INSPSTATICTEXT>"));
+    Options options;
+    options.profile = QStringLiteral("Material");
+    options.projectPath = QDir(m_folders->settings()).filePath(QStringLiteral("project"));
+    ProjectSession demo;
+    QVERIFY(demo.createDemo(options.projectPath,
+                            QStringLiteral(DATA_DIRECTORY "/demo/project/demo.json")));
+    OverlayMaker maker;
+    QString error;
+    QVERIFY2(maker.load(options, Expected, &error), qPrintable(error));
+    const QVector<OverlayItem> items = shown(maker, Expected);
+    QCOMPARE(items.size(), 1);
+    const int cells = qRound(items.first().image.width() / 25.6875);
+    QCOMPARE(cells, QStringLiteral("Concrete").size()); // not the "CO" of the record
     takeLog();
 }
 
