@@ -140,6 +140,11 @@ void OverlaySession::resize(QSize imageSize)
         if (auto *text = qobject_cast<CVideoOverlayText *>(element))
             text->typeset();
     }
+    for (const PlacedPicture &placed : qAsConst(m_placedPictures)) {
+        if (placed.image)
+            scaleTo(*placed.image, placed.height);
+    }
+    placeWatermark();
     m_scene->flush();
 }
 
@@ -224,10 +229,14 @@ void OverlaySession::onProfileLoaded()
 
 void OverlaySession::onInspectionChanged(const Database::CDomainObjectPointer &inspection)
 {
-    if (!inspection) // nothing may keep a record of a database that is about to close
+    if (m_isAnnouncingAgain)
+        return;
+    VideoOverlayElementListModel &list = *m_manager->getElementListModel();
+    list.hideStartUpInspElements(); // what is there yet belongs to the inspection before
+    if (inspection)
+        list.showSecInspElements();
+    else // nothing may keep a record of a database that is about to close
         COsdDomainDatasource::rememberDomainObject({});
-    else if (!m_isAnnouncingAgain)
-        m_manager->getElementListModel()->showSecInspElements();
 }
 
 void OverlaySession::onObservationCreated()
@@ -278,6 +287,7 @@ bool OverlaySession::addPicture(const QString &path, int row, int column, int he
         return false;
     }
     scaleTo(*image, height);
+    m_placedPictures.append({image, height});
     m_manager->resetChanges();
     m_scene->flush();
     return true;
@@ -295,12 +305,24 @@ bool OverlaySession::setWatermark(const QString &path)
         m_manager->hideWatermark();
         return false;
     }
+    placeWatermark();
+    m_scene->flush();
+    return true;
+}
+
+void OverlaySession::placeWatermark()
+{
+    auto *image = qobject_cast<CVideoOverlayImage *>(
+        m_scene->elementOfType(CVideoOverlayElement::Watermark));
+    if (!image || !image->visible())
+        return;
     scaleTo(*image, WatermarkRows);
     const int cells = int(std::ceil(image->width() / m_manager->colWidth()));
     image->setRow(WatermarkRow);
     image->setColumn(std::max(0, GridColumns - cells));
-    m_scene->flush();
-    return true;
+    // It follows no grid by itself, and on another one all of these may be as they were.
+    m_manager->hideWatermark();
+    m_manager->showWatermark();
 }
 
 void OverlaySession::setTelemetry(TelemetryFile telemetry)

@@ -17,8 +17,10 @@
 #include <QHash>
 #include <QList>
 #include <QObject>
+#include <QPointer>
 #include <QSize>
 #include <QStringList>
+#include <QVector>
 
 #include <memory>
 
@@ -60,7 +62,8 @@ public:
     };
     void setClock(Clock clock);
 
-    /// Another picture [px]: the grid is fitted anew and all elements are laid out again.
+    /// Another picture [px]: the grid is fitted anew and all elements are laid out again. What
+    /// addPicture() and setWatermark() put there keeps its height in cells.
     void resize(QSize imageSize);
 
     /// From now on the elements are those of the current profile, which is the one called
@@ -100,10 +103,17 @@ public:
     qint64 nextChangeMs() const;
 
 private:
+    struct PlacedPicture
+    {
+        QPointer<VideoOverlay::CVideoOverlayImage> image;
+        int height; ///< [cells]
+    };
+
     VideoOverlay::CVideoOverlayElement *create(VideoOverlay::ElementParam record);
     bool giveDatasource(VideoOverlay::CVideoOverlayElement *element,
                         VideoOverlay::ElementParam &record);
     void scaleTo(VideoOverlay::CVideoOverlayImage &image, int height);
+    void placeWatermark();
     void show(const TelemetryFile::Reading &reading);
     void showTimes(qint64 timeMs);
     void observe(qint64 timeMs);
@@ -123,6 +133,7 @@ private:
     std::unique_ptr<VideoOverlay::COsdDomainDatasourceFactory> m_inspectionTexts;
     std::unique_ptr<VideoOverlay::CVideoOverlayManager> m_manager; ///< goes before all above
     std::unique_ptr<VideoOverlay::VideoOverlayProfilesModel> m_profiles;
+    QVector<PlacedPicture> m_placedPictures; ///< by addPicture()
     ProjectSession m_project;
     bool m_isAnnouncingAgain = false;
     Clock m_clock = Clock::Wall;

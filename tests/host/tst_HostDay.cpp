@@ -4,6 +4,7 @@
 #include "host/platform/Directories.h"
 #include "host/platform/LocaleSettings.h"
 #include "host/platform/TranslationStore.h"
+#include "platform/appstate/AppState.h"
 #include "tests/support/LoggedTest.h"
 #include "tests/support/ProfileFolders.h"
 
@@ -53,6 +54,15 @@ CVideoOverlayElement *elementOf(const OverlaySession &session, const QString &co
     return nullptr;
 }
 
+/// An inspection text that shows @p column alone.
+QByteArray inspectionText(const QByteArray &column, const QByteArray &table, int row)
+{
+    return "<INSPTEXT><COL_Bound_Column>" + column + "</COL_Bound_Column><TDIR_Key>" + table
+        + "</TDIR_Key><SOURCE>DB</SOURCE><COL>0</COL><ROW>" + QByteArray::number(row)
+        + "</ROW><FGCOLOR>#ffffffff</FGCOLOR><BGCOLOR>#ff000000</BGCOLOR><VISIBLE>true</VISIBLE>"
+          "<SHOWCAPTION>false</SHOWCAPTION></INSPTEXT>";
+}
+
 int rowOf(const VideoOverlayProfilesModel &profiles, const QString &caption)
 {
     for (int row = 0; row < profiles.rowCount(); ++row) {
@@ -92,6 +102,18 @@ protected:
                 QFile::copy(shipped.filePath(file), QDir(m_folders->profiles()).filePath(file)));
     }
 
+    /// A profile of texts that come and go, without a timeout. Returns its name.
+    QString textsProfile()
+    {
+        const QString name = QStringLiteral("Texts");
+        m_folders->writeProfile(
+            name + QLatin1String(".xml"),
+            Test::ProfileFolders::profileXml("name=\"Texts\"",
+                                             inspectionText("OBJ_Key", "SECTION", 0)
+                                                 + inspectionText("OBS_OpCode", "SECOBS", 1)));
+        return name;
+    }
+
     QString demoProject(const QString &name, const QString &catalog = QString())
     {
         const QString path = QDir(m_folders->settings()).filePath(name);
@@ -102,8 +124,22 @@ protected:
         return path;
     }
 
+    static QString textOf(const OverlaySession &session, const QString &column)
+    {
+        const auto *text = qobject_cast<CVideoOverlayText *>(elementOf(session, column));
+        return text ? text->text() : QString();
+    }
+
 private Q_SLOTS:
     void oneDay();
+    void inspectionTextsComeAndGo();
+    void textsEndWithTheInspection();
+    void formatsAlone();
+    void languageAlone();
+    void templateComesLate();
+    void loadingIsNoEdit();
+    void everyLoadIsTold();
+    void recordsAreReleasedWithoutTexts();
     void timeoutsFollowTheVideo();
     void editsSurviveTheProcess();
     void unknownProfileIsNamed();
@@ -219,6 +255,166 @@ void tst_HostDay::oneDay()
     QVERIFY(!COsdDomainDatasource::currentInspection());
     const QStringList log = takeLog();
     QVERIFY2(log.isEmpty(), qPrintable(log.join(QLatin1Char('\n'))));
+}
+
+/// Texts of the inspection never show themselves.
+void tst_HostDay::inspectionTextsComeAndGo()
+{
+    OverlaySession session(QSize(1280, 720));
+    QString error;
+    QVERIFY2(session.openProfiles(textsProfile(), &error), qPrintable(error));
+    QVERIFY(session.project().open(demoProject(QStringLiteral("project"))));
+    QCOMPARE(shown(session), QStringList());
+    const QStringList section(QStringLiteral("4711-4712"));
+    QVERIFY(session.project().startInspection(session.project().inspections().at(0)));
+    QCOMPARE(shown(session), section);
+
+    // An observation takes the place of what stood there before.
+    ProjectSession::Observation crack;
+    crack.code = QStringLiteral("BAB");
+    QVERIFY(session.project().createObservation(crack));
+    const QStringList observation(QStringLiteral("Crack"));
+    QCOMPARE(shown(session), observation);
+    Shared::LocaleSettings::setLocale(QLocale(QStringLiteral("de_DE")));
+    QCOMPARE(shown(session), observation); // what was taken away does not come back with it
+
+    // The texts of a profile that is loaded in the middle of an inspection.
+    session.profiles()->revertCurrentProfile();
+    QCOMPARE(shown(session), section);
+    takeLog();
+}
+
+/// What they show belongs to it: to the next one, it would be wrong.
+void tst_HostDay::textsEndWithTheInspection()
+{
+    OverlaySession session(QSize(1280, 720));
+    QString error;
+    QVERIFY2(session.openProfiles(textsProfile(), &error), qPrintable(error));
+    QVERIFY(session.project().open(demoProject(QStringLiteral("project"))));
+    ProjectSession::Observation crack;
+    crack.code = QStringLiteral("BAB");
+    QVERIFY(session.project().startInspection(session.project().inspections().at(0)));
+    QVERIFY(session.project().createObservation(crack));
+    QCOMPARE(shown(session), QStringList(QStringLiteral("Crack")));
+    QVERIFY(session.project().startInspection(session.project().inspections().at(1)));
+    QCOMPARE(shown(session), QStringList(QStringLiteral("4713")));
+    session.project().endInspection();
+    QCOMPARE(shown(session), QStringList());
+
+    QVERIFY(session.project().startInspection(session.project().inspections().at(0)));
+    QVERIFY(session.project().createObservation(crack));
+    session.project().close();
+    QCOMPARE(shown(session), QStringList());
+    takeLog();
+}
+
+void tst_HostDay::formatsAlone()
+{
+    OverlaySession session(QSize(1280, 720));
+    QString error;
+    QVERIFY2(session.openProfiles(fullProfile, &error), qPrintable(error));
+    QVERIFY(session.project().open(demoProject(QStringLiteral("project"))));
+    QVERIFY(session.project().startInspection(session.project().inspections().at(0)));
+    QVERIFY(shown(session).contains(QStringLiteral("Start date: 09/03/2026")));
+    Shared::LocaleSettings::setLocale(QLocale(QStringLiteral("de_DE")));
+    QVERIFY(shown(session).contains(QStringLiteral("Start date: 09.03.26")));
+    takeLog();
+}
+
+/// Here it changes no text; on a platform that takes its formats from the language it would.
+void tst_HostDay::languageAlone()
+{
+    OverlaySession session(QSize(1280, 720));
+    QString error;
+    QVERIFY2(session.openProfiles(fullProfile, &error), qPrintable(error));
+    QVERIFY(session.project().open(demoProject(QStringLiteral("project"))));
+    QVERIFY(session.project().startInspection(session.project().inspections().at(0)));
+    QSignalSpy inspection(AppState::instance(), &AppState::activeInspectionChanged);
+    Translation::TranslationStore::instance().setLocale(QLocale(QStringLiteral("de_DE")));
+    QCOMPARE(inspection.count(), 1);
+    QCOMPARE(inspection.at(0).at(0).value<Database::CDomainObjectPointer>(),
+             Database::CDomainObjectPointer(session.project().inspection()));
+    takeLog();
+}
+
+/// A catalog that is installed while an inspection runs.
+void tst_HostDay::templateComesLate()
+{
+    CATManagement::CatalogStore &catalogs = CATManagement::CatalogStore::instance();
+    const QString installed = QStringLiteral(DATA_DIRECTORY "/catalogs");
+    const QString project = demoProject(QStringLiteral("project"));
+    catalogs.setDirectory(m_folders->settings()); // there are none
+    OverlaySession session(QSize(1280, 720));
+    QString error;
+    QVERIFY2(session.openProfiles(fullProfile, &error), qPrintable(error));
+    QVERIFY(session.project().open(project));
+    QVERIFY(!session.project().hasTemplate());
+    QVERIFY(session.project().startInspection(session.project().inspections().at(0)));
+    QCOMPARE(textOf(session, QStringLiteral("OBJ_Material")), QStringLiteral(": CO"));
+
+    catalogs.setDirectory(installed);
+    QVERIFY(catalogs.loadTemplate(QStringLiteral("EN13508-2-ENG-GB")));
+    QVERIFY(shown(session).contains(QStringLiteral("Material: Concrete")));
+    takeLog();
+}
+
+/// Whatever a profile leaves open is filled in by loading it, and no change of the operator's.
+void tst_HostDay::loadingIsNoEdit()
+{
+    m_folders->writeProfile(
+        QStringLiteral("Foreign.xml"),
+        Test::ProfileFolders::profileXml(
+            "name=\"Foreign\"",
+            "<SYSTEMTEXT><COL_Bound_Column>VALUE_OF_ANOTHER_HOST</COL_Bound_Column>"
+            "<SOURCE>CAN</SOURCE><COL>3</COL><ROW>4</ROW><VISIBLE>true</VISIBLE></SYSTEMTEXT>"));
+    OverlaySession session(QSize(1280, 720));
+    QString error;
+    QVERIFY2(session.openProfiles(QStringLiteral("Foreign"), &error), qPrintable(error));
+    QVERIFY(!session.profiles()->isCurrentProfileChanged());
+    QCOMPARE(session.manager().elementsCount(), 1);
+    session.manager().getElement(0)->setRow(5);
+    QVERIFY(session.profiles()->isCurrentProfileChanged());
+    takeLog();
+}
+
+/// Screens follow the signal of the manager or of the list of profiles.
+void tst_HostDay::everyLoadIsTold()
+{
+    OverlaySession session(QSize(1280, 720));
+    QString error;
+    QVERIFY2(session.openProfiles(defaultProfile, &error), qPrintable(error));
+    QSignalSpy manager(&session.manager(), &CVideoOverlayManager::profileLoaded);
+    QSignalSpy profiles(session.profiles(), &VideoOverlayProfilesModel::profileLoaded);
+    QVERIFY(session.profiles()->setCurrentProfileByIndex(rowOf(*session.profiles(), fullProfile)));
+    QCOMPARE(manager.count(), 1);
+    QCOMPARE(profiles.count(), 1);
+    session.profiles()->revertCurrentProfile();
+    QCOMPARE(manager.count(), 2);
+    QCOMPARE(profiles.count(), 2);
+    takeLog();
+}
+
+/// A text of the inspection lets its record go by itself; what is loaded now may have none.
+void tst_HostDay::recordsAreReleasedWithoutTexts()
+{
+    const QString project = demoProject(QStringLiteral("project"));
+    m_folders->writeProfile(QStringLiteral("Bare.xml"),
+                            Test::ProfileFolders::profileXml("name=\"Bare\""));
+    // With a catalog, every profile gets the texts of its columns.
+    CATManagement::CatalogStore::instance().setDirectory(m_folders->settings());
+    OverlaySession session(QSize(1280, 720));
+    QString error;
+    QVERIFY2(session.openProfiles(fullProfile, &error), qPrintable(error));
+    VideoOverlayProfilesModel &profiles = *session.profiles();
+    QVERIFY(session.project().open(project));
+    QVERIFY(session.project().startInspection(session.project().inspections().at(0)));
+    QVERIFY(COsdDomainDatasource::currentInspection());
+    QVERIFY(profiles.setCurrentProfileByIndex(rowOf(profiles, QStringLiteral("Bare"))));
+    session.project().close();
+    QVERIFY(!COsdDomainDatasource::currentInspection());
+    QVERIFY(profiles.setCurrentProfileByIndex(rowOf(profiles, fullProfile)));
+    QCOMPARE(textOf(session, QStringLiteral("OBJ_Key")), QStringLiteral(":  "));
+    takeLog();
 }
 
 void tst_HostDay::timeoutsFollowTheVideo()

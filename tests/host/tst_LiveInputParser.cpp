@@ -25,9 +25,11 @@ private:
     {
         QStringList lines;
         for (const LiveInputParser::Value &value : batch.values)
-            lines.append(QStringLiteral("%1=%2 %3")
-                             .arg(value.name, value.value.toString(),
-                                  QString::fromLatin1(value.value.typeName())));
+            lines.append(
+                QStringLiteral("%1=%2 %3")
+                    .arg(value.name,
+                         value.value.isNull() ? QStringLiteral("null") : value.value.toString(),
+                         QString::fromLatin1(value.value.typeName())));
         return lines;
     }
 };

@@ -266,6 +266,39 @@ private Q_SLOTS:
         QVERIFY(margins.right() - box.right() < 2 * session.settings().colWidth());
     }
 
+    /// Nothing is sent again by itself: neither the texts nor the watermark, which stands in no
+    /// list. One that is not hidden is not shown by showWatermark() alone.
+    void displayThatComesUpLater()
+    {
+        QTemporaryDir directory;
+        OverlaySession session(QSize(1920, 1080));
+        session.addTexts();
+        QVERIFY(session.setWatermark(picturePath(directory)));
+        const auto shown = [&session] {
+            session.scene()->flush();
+            QVector<int> ids;
+            for (const OverlayItem &item : session.scene()->snapshot()->items)
+                ids.append(item.id);
+            return ids;
+        };
+        const QVector<int> before = shown(); // the heading and the watermark
+        QCOMPARE(before.size(), 2);
+
+        QSignalSpy available(&session.manager(),
+                             &CVideoOverlayManager::videoOverlayAvailableChanged);
+        session.scene()->stop();
+        session.scene()->start();
+        QCOMPARE(available.count(), 2);
+        QCOMPARE(shown(), QVector<int>());
+        session.manager().onSettingsChanged();
+        QCOMPARE(shown(), QVector<int>(1, before.first()));
+        session.manager().showWatermark();
+        QCOMPARE(shown(), QVector<int>(1, before.first()));
+        session.manager().hideWatermark();
+        session.manager().showWatermark();
+        QCOMPARE(shown(), before);
+    }
+
     void languageAndUnits_data()
     {
         QTest::addColumn<QString>("locale");
@@ -328,6 +361,12 @@ private Q_SLOTS:
         speed = textOf(session, QStringLiteral("SPEED"));
         QVERIFY(speed->visible());
         QVERIFY2(speed->text().endsWith(QStringLiteral(" 3.00 m/min")), qPrintable(speed->text()));
+        // What no factory serves has no record of its own: what it is now is the baseline.
+        ElementParam other;
+        other.insert(QStringLiteral("type"), int(CVideoOverlayElement::SystemText));
+        other.insert(ElementParam::NAME_COLUMNBOUND, QStringLiteral("OTHER"));
+        session.load({other});
+        QVERIFY(session.manager().getPropertiesWithChanges().isEmpty());
         session.load({});
         QCOMPARE(list.rowCount(), 0);
         QCOMPARE(session.scene()->snapshot()->items.size(), 0);
@@ -360,6 +399,29 @@ private Q_SLOTS:
         QCOMPARE(textOf(session, ElementParam::NAME_DATE)->text(), QStringLiteral("2026-04-01 "));
         QCOMPARE(textOf(session, ElementParam::NAME_TIME)->text(), QStringLiteral("00:00:00 "));
         QCOMPARE(session.nextChangeMs(), 2600);
+    }
+
+    /// As a floating-point number each of these would be written with an exponent, and read as 0.
+    void roundTimes()
+    {
+        ElementParam date;
+        date.insert(QStringLiteral("type"), int(CVideoOverlayElement::SystemText));
+        date.insert(QStringLiteral("enabled"), true);
+        date.insert(QStringLiteral("unit"), QStringLiteral("yyyy-MM-dd"));
+        date.insert(ElementParam::NAME_COLUMNBOUND, ElementParam::NAME_DATE);
+        ElementParam time = date;
+        time.insert(QStringLiteral("unit"), QStringLiteral("hh:mm:ss"));
+        time.insert(ElementParam::NAME_COLUMNBOUND, ElementParam::NAME_TIME);
+        ElementParam videoTime = time;
+        videoTime.insert(ElementParam::NAME_COLUMNBOUND, ElementParam::NAME_VIDEO_TIME_COUNTER);
+        OverlaySession session(QSize(1920, 1080));
+        session.load({date, time, videoTime});
+        session.setStart(QDateTime::fromMSecsSinceEpoch(1774999000000));
+        session.advanceTo(1000000);
+        QCOMPARE(textOf(session, ElementParam::NAME_DATE)->text(), QStringLiteral("2026-03-31 "));
+        QCOMPARE(textOf(session, ElementParam::NAME_TIME)->text(), QStringLiteral("23:33:20 "));
+        QCOMPARE(textOf(session, ElementParam::NAME_VIDEO_TIME_COUNTER)->text(),
+                 QStringLiteral("00:16:40 "));
     }
 
     void unreadablePictures()

@@ -40,10 +40,11 @@ public:
             const bool stored = AppState::instance()->getActiveProject() == project;
             const char *const kind
                 = AppState::instance()->isSimpleProjectActive() ? "simple" : "project";
-            note(kind, project, stored);
+            note(kind, project, stored && isOf(&ProjectSession::project, project));
         });
         connect(state, &AppState::activeInspectionChanged, this, [this](auto inspection) {
-            note("inspection", inspection, AppStateControl::activeInspection() == inspection);
+            const bool stored = AppStateControl::activeInspection() == inspection;
+            note("inspection", inspection, stored && isOf(&ProjectSession::inspection, inspection));
         });
         connect(state, &AppState::observationCreated, this,
                 [this](auto observation) { note("observation", observation, true); });
@@ -55,8 +56,14 @@ public:
 
     /// Asked to be alive while the project that follows it is announced.
     CDomainObjectPointer watched;
+    const ProjectSession *session = nullptr; ///< asked as well
 
 private:
+    bool isOf(RecordPointer (ProjectSession::*ask)() const, const CDomainObjectPointer &record)
+    {
+        return !session || (session->*ask)() == record;
+    }
+
     void note(const char *what, const CDomainObjectPointer &record, bool stored)
     {
         QString line = QString::fromLatin1(what);
@@ -179,6 +186,7 @@ private Q_SLOTS:
         session.createDemo(file("one.db"), demoFile);
         session.createDemo(file("two.db"), demoFile);
         Announcements announced;
+        announced.session = &session;
         QVERIFY(session.open(file("one.db")));
         QCOMPARE(announced.take(), opening());
         QCOMPARE(session.hasTemplate(), opening().size() == 2);

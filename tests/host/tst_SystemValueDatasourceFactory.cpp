@@ -53,6 +53,7 @@ private Q_SLOTS:
     void captionsFollowTheLanguage();
     void wrongElement();
     void nothingBeforeTheFirstValue();
+    void emptyTextIsAValue();
     void everyCaptionedValueIsKnown();
 
 protected:
@@ -244,6 +245,24 @@ void tst_SystemValueDatasourceFactory::nothingBeforeTheFirstValue()
     ElementParam other = record(QStringLiteral("SPEED"));
     QVERIFY(m_factory->getDatasource(&speed, other));
     QCOMPARE(speed.text(), QStringLiteral(" m/min"));
+}
+
+/// A null text would be ignored, and the one before it stay on the display.
+void tst_SystemValueDatasourceFactory::emptyTextIsAValue()
+{
+    const QString name = ElementParam::NAME_OSD_FREE_TEXT_BOX;
+    CVideoOverlayText text;
+    ElementParam param = record(name);
+    auto *datasource = qobject_cast<COsdValueDatasource *>(m_factory->getDatasource(&text, param));
+    QVERIFY(datasource);
+    for (const QString &empty : {QString(), QString::fromLatin1("")}) {
+        datasource->update(QStringLiteral("root intrusion"));
+        QString error;
+        datasource->update(SystemValues::read(*SystemValues::find(name), empty, &error));
+        QCOMPARE(text.text(), QString());
+        QCOMPARE(error, QString());
+    }
+    takeLog();
 }
 
 void tst_SystemValueDatasourceFactory::everyCaptionedValueIsKnown()

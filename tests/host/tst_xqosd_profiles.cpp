@@ -38,6 +38,7 @@ private Q_SLOTS:
     void shippedProfilesAreFine();
     void checkTellsFileLineAndColumn();
     void editedProfileIsOnThePicture();
+    void addedTextIsOnThePicture();
     void editRefuses_data();
     void editRefuses();
     void projectIsMadeAndListed();
@@ -209,6 +210,35 @@ void tst_xqosd_profiles::editedProfileIsOnThePicture()
     QCOMPARE(before.pixelColor(now).alpha(), 0);
     QCOMPARE(after.pixelColor(old).alpha(), 0);
     QCOMPARE(after.pixelColor(now), QColor(Qt::red));
+}
+
+void tst_xqosd_profiles::addedTextIsOnThePicture()
+{
+    const QStringList mine {QStringLiteral("--settings-dir"), path(QStringLiteral("settings")),
+                            QStringLiteral("--profile"), QStringLiteral("Mine")};
+    QCOMPARE(
+        profiles({QStringLiteral("clone"), QStringLiteral("Lean"), QStringLiteral("Mine")}).status,
+        0);
+    const Outcome edited = run(QStringList(QStringLiteral("edit")) + mine
+                               + QStringList {QStringLiteral("--add-text"), QStringLiteral("Trial"),
+                                              QStringLiteral("--set"), QStringLiteral("row=10")});
+    QCOMPARE(edited.err, QStringList());
+    QCOMPARE(edited.status, 0);
+
+    const QString file = path(QStringLiteral("picture.png"));
+    QCOMPARE(run(QStringList(QStringLiteral("snapshot")) + mine
+                 + QStringList {QStringLiteral("--transparent"), QStringLiteral("--output"), file})
+                 .status,
+             0);
+    // White letters on blue, in the first five cells of the row.
+    const QImage box = QImage(file).copy(266, 10 * 40, int(5 * 25.6875), 40);
+    QCOMPARE(box.pixelColor(4, 2), QColor(Qt::blue));
+    int letters = 0;
+    for (int y = 0; y < box.height(); ++y) {
+        for (int x = 0; x < box.width(); ++x)
+            letters += box.pixelColor(x, y) == QColor(Qt::white);
+    }
+    QVERIFY2(letters > 100, qPrintable(QString::number(letters)));
 }
 
 void tst_xqosd_profiles::editRefuses_data()

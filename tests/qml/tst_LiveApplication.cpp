@@ -465,8 +465,11 @@ void tst_LiveApplication::addsAndDeletesText()
     QVERIFY(m_robot.click(QStringLiteral("newTextOk")));
     QCOMPARE(manager().elementsCount(), before + 1);
     const CVideoOverlayElement *added = m_live->editor().selected();
-    QVERIFY(added && added->visible());
+    QVERIFY(added && added->enabled() && added->visible());
     QCOMPARE(added->type(), CVideoOverlayElement::StaticText);
+    // The others have several colours: there is none to take over.
+    QCOMPARE(added->property("textColor").value<QColor>(), QColor(Qt::white));
+    QCOMPARE(added->property("backgroundColor").value<QColor>(), QColor(Qt::black));
     QCOMPARE(m_robot.text(QStringLiteral("propertyText")), QStringLiteral("Manhole 4711"));
 
     QVERIFY(m_robot.awaitGone(QStringLiteral("newTextField")));
