@@ -148,6 +148,9 @@ private Q_SLOTS:
     void newFileHasUsualPermissions();
     void keepsSymbolicLinks();
     void danglingLink();
+    void longNames_data();
+    void longNames();
+    void placeMarkersInPaths();
     void directoryNotWritable();
     void directoryNotWritableDiskFull();
     void fileNotWritable();
@@ -319,6 +322,42 @@ void tst_ProfileFileSafety::danglingLink()
     QVERIFY(!save(circle, newSize));
     QCOMPARE(takeLog(), QStringList {failure(circle)});
     QVERIFY(QFileInfo(circle).isSymLink());
+}
+
+void tst_ProfileFileSafety::longNames_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::newRow("255 bytes") << s("p").repeated(251) + s(".xml");
+    QTest::newRow("three bytes each") << s("€").repeated(83) + s(".xml");
+    QTest::newRow("four bytes each") << s("x🙂").repeated(50) + s(".xml");
+}
+
+/// A name that leaves no room for anything beside it can be saved, and as safely as others.
+void tst_ProfileFileSafety::longNames()
+{
+    QFETCH(QString, name);
+    const QString path = m_dir->filePath(name);
+    QVERIFY(save(path, oldSize));
+    QCOMPARE(content(path), m_oldContent);
+    QFile old(path);
+    QVERIFY(old.open(QIODevice::ReadOnly));
+    QVERIFY(save(path, newSize));
+    QCOMPARE(old.readAll(), m_oldContent); // replaced, not overwritten
+    QCOMPARE(content(path), m_newContent);
+    QCOMPARE(hidden().size(), 2);
+}
+
+void tst_ProfileFileSafety::placeMarkersInPaths()
+{
+    for (const char *name : {"%1", "%2", "%3", "%1%2%3"}) {
+        const QString directory = m_dir->filePath(s(name));
+        QVERIFY(QDir().mkdir(directory));
+        const QString path = directory + QLatin1Char('/') + s(name) + s(".xml");
+        QVERIFY2(save(path, newSize), name);
+        QCOMPARE(content(path), m_newContent);
+        QCOMPARE(QDir(directory).entryList(QDir::Files | QDir::Hidden).size(), 1);
+    }
+    QCOMPARE(files(), QStringList {s("Main.xml")});
 }
 
 void tst_ProfileFileSafety::directoryNotWritable()

@@ -223,6 +223,8 @@ private Q_SLOTS:
         QTest::newRow("trimmed") << QStringLiteral("  B 2 ") << QStringLiteral("B 2");
         QTest::newRow("taken") << QStringLiteral(" A ") << QStringLiteral("A(copy 1)");
         QTest::newRow("dots") << QStringLiteral("DN 1.5") << QStringLiteral("DN 1.5");
+        const QString longest(251, QLatin1Char('B'));
+        QTest::newRow("as long as a file allows") << longest << longest;
     }
 
     void clone()
