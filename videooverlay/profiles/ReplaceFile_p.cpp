@@ -24,7 +24,8 @@ QByteArray encode(const QString &text)
     return bytes;
 }
 
-/// Where the links end, also when nothing is there yet; empty when they lead in a circle.
+/// Where the links end, also when nothing is there yet; empty when they lead in a circle, and for
+/// an empty path.
 QString resolved(const QString &path)
 {
     QFileInfo file(path);
@@ -102,7 +103,7 @@ bool writeDevice(const QString &path, const QByteArray &bytes)
 
 bool replaceFile(const QString &path, const QString &text)
 {
-    const QString resolvedPath = path.isEmpty() ? path : resolved(path);
+    const QString resolvedPath = resolved(path);
     if (resolvedPath.isEmpty())
         return false;
     const QByteArray bytes = encode(text);
