@@ -141,6 +141,7 @@ class tst_ProfileFileSafety : public Velmar::Test::LoggedTest
 private Q_SLOTS:
     void crashAtEachStep_data();
     void crashAtEachStep();
+    void diskFullAtEachStep_data();
     void diskFullAtEachStep();
     void limitedFileSize_data();
     void limitedFileSize();
@@ -148,6 +149,7 @@ private Q_SLOTS:
     void newFileHasUsualPermissions();
     void keepsSymbolicLinks();
     void danglingLink();
+    void chainsOfLinks();
     void longNames_data();
     void longNames();
     void placeMarkersInPaths();
@@ -227,16 +229,27 @@ void tst_ProfileFileSafety::crashAtEachStep()
     QVERIFY(steps > 3); // write, flush to the disk, rename
 }
 
+void tst_ProfileFileSafety::diskFullAtEachStep_data()
+{
+    QTest::addColumn<int>("size");
+    QTest::newRow("large") << newSize;
+    QTest::newRow("small enough for a buffer") << 10;
+}
+
 void tst_ProfileFileSafety::diskFullAtEachStep()
 {
+    QFETCH(int, size);
+    QVERIFY(save(m_new, size));
+    const QByteArray expected = content(m_new);
+    QVERIFY(QFile::remove(m_new));
     int steps = 0;
     bool saved = false;
     while (!saved) {
         plan(Fault::DiskFull, ++steps);
-        saved = save(m_path, newSize);
+        saved = save(m_path, size);
         plan(Fault::None, 0);
         QCOMPARE(takeLog(), saved ? QStringList() : QStringList {failure(m_path)});
-        QCOMPARE(content(m_path), saved ? m_newContent : m_oldContent);
+        QCOMPARE(content(m_path), saved ? expected : m_oldContent);
         QCOMPARE(hidden(), QStringList {s("Main.xml")}); // nothing is left behind
     }
     QVERIFY(steps > 3);
@@ -322,6 +335,22 @@ void tst_ProfileFileSafety::danglingLink()
     QVERIFY(!save(circle, newSize));
     QCOMPARE(takeLog(), QStringList {failure(circle)});
     QVERIFY(QFileInfo(circle).isSymLink());
+}
+
+/// As many as the system follows when it reads.
+void tst_ProfileFileSafety::chainsOfLinks()
+{
+    QString last = m_path;
+    for (int i = 1; i <= 41; ++i) {
+        const QString link = m_dir->filePath(s("link%1").arg(i));
+        QVERIFY(QFile::link(last, link));
+        last = link;
+    }
+    QVERIFY(save(m_dir->filePath(s("link40")), newSize));
+    QCOMPARE(content(m_path), m_newContent);
+    QVERIFY(!save(last, oldSize));
+    QCOMPARE(takeLog(), QStringList {failure(last)});
+    QCOMPARE(content(m_path), m_newContent);
 }
 
 void tst_ProfileFileSafety::longNames_data()
