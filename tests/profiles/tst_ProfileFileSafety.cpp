@@ -188,6 +188,7 @@ private:
 
     static constexpr int oldSize = 50001;
     static constexpr int newSize = 70000;
+    static constexpr int manySteps = 100; ///< no save has as many system calls
     std::unique_ptr<QTemporaryDir> m_dir;
     QString m_path;
     QString m_new;
@@ -215,7 +216,7 @@ void tst_ProfileFileSafety::crashAtEachStep()
             plan(Fault::Crash, at);
             return save(m_path, newSize) ? 0 : 1;
         });
-        ++steps;
+        QVERIFY(++steps < manySteps);
         const QByteArray found = content(m_path);
         if (status == crashed) {
             QCOMPARE(found, existing ? m_oldContent : QByteArray());
@@ -245,6 +246,7 @@ void tst_ProfileFileSafety::diskFullAtEachStep()
     int steps = 0;
     bool saved = false;
     while (!saved) {
+        QVERIFY(steps < manySteps);
         plan(Fault::DiskFull, ++steps);
         saved = save(m_path, size);
         plan(Fault::None, 0);
@@ -416,7 +418,7 @@ void tst_ProfileFileSafety::directoryNotWritableDiskFull()
     int steps = 0;
     int status = 1;
     while (status == 1) {
-        ++steps;
+        QVERIFY(++steps < manySteps);
         status = inChild([&] {
             becomeNobody();
             plan(Fault::DiskFull, steps);
