@@ -7,6 +7,7 @@
 #include <QFileInfo>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QVector>
 
 #include <cerrno>
 #include <csignal>
@@ -19,6 +20,7 @@
 #include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
+#include <utility>
 
 using namespace Velmar::VideoOverlay;
 
@@ -32,6 +34,9 @@ enum class Fault { None, Crash, DiskFull };
 Fault plannedFault = Fault::None;
 int plannedStep = 0;
 int step = 0;
+
+bool watchesModes = false;
+QVector<mode_t> watchedModes; ///< of the files that are written to, at each write
 
 constexpr int crashed = 77;
 
@@ -62,6 +67,9 @@ extern "C" { // exported: they stand in for those of the system
 
 Q_DECL_EXPORT ssize_t write(int file, const void *bytes, size_t count)
 {
+    struct stat status;
+    if (watchesModes && ::fstat(file, &status) == 0)
+        watchedModes.append(status.st_mode & 07777);
     if (!isPlanned())
         return ::syscall(SYS_write, file, bytes, count);
     ::syscall(SYS_write, file, bytes, count / 2);
@@ -154,6 +162,7 @@ private Q_SLOTS:
     void longNames();
     void placeMarkersInPaths();
     void directoryNotWritable();
+    void directoryNotWritableDiskFull_data();
     void directoryNotWritableDiskFull();
     void fileNotWritable();
     void device();
@@ -293,7 +302,15 @@ void tst_ProfileFileSafety::keepsPermissions()
     for (mode_t mode : {0600, 0640, 0666, 0755}) {
         const QByteArray name = QFile::encodeName(m_path);
         QCOMPARE(::chmod(name.constData(), mode), 0);
-        QVERIFY(save(m_path, newSize));
+        watchesModes = true;
+        const bool saved = save(m_path, newSize);
+        watchesModes = false;
+        QVERIFY(saved);
+        // From the first byte on: what only its owner may read is never there for others.
+        const QVector<mode_t> modes = std::exchange(watchedModes, {});
+        QVERIFY(!modes.isEmpty());
+        for (mode_t watched : modes)
+            QCOMPARE(watched, mode);
         struct stat status;
         QCOMPARE(::stat(name.constData(), &status), 0);
         QCOMPARE(status.st_mode & 07777, mode);
@@ -411,9 +428,17 @@ void tst_ProfileFileSafety::directoryNotWritable()
     }
 }
 
+void tst_ProfileFileSafety::directoryNotWritableDiskFull_data()
+{
+    diskFullAtEachStep_data();
+}
+
 /// Without a second file the old content is put back.
 void tst_ProfileFileSafety::directoryNotWritableDiskFull()
 {
+    QFETCH(int, size);
+    QVERIFY(save(m_new, size));
+    const QByteArray expected = content(m_new);
     closeDirectory();
     int steps = 0;
     int status = 1;
@@ -422,9 +447,9 @@ void tst_ProfileFileSafety::directoryNotWritableDiskFull()
         status = inChild([&] {
             becomeNobody();
             plan(Fault::DiskFull, steps);
-            return save(m_path, newSize) ? 0 : 1;
+            return save(m_path, size) ? 0 : 1;
         });
-        QCOMPARE(content(m_path), status == 0 ? m_newContent : m_oldContent);
+        QCOMPARE(content(m_path), status == 0 ? expected : m_oldContent);
     }
     QCOMPARE(status, 0);
     QVERIFY(steps > 3); // write, flush to the disk, cut off what is left of the old content
@@ -445,8 +470,10 @@ void tst_ProfileFileSafety::fileNotWritable()
 
 void tst_ProfileFileSafety::device()
 {
-    QVERIFY(!save(s("/dev/full"), newSize));
-    QCOMPARE(takeLog(), QStringList {failure(s("/dev/full"))});
+    for (int size : {newSize, 10}) { // one fits a buffer
+        QVERIFY(!save(s("/dev/full"), size));
+        QCOMPARE(takeLog(), QStringList {failure(s("/dev/full"))});
+    }
     QVERIFY(save(s("/dev/null"), newSize));
     struct stat status;
     QCOMPARE(::stat("/dev/null", &status), 0);
