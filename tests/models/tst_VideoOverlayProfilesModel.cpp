@@ -453,6 +453,8 @@ private Q_SLOTS:
             << QStringLiteral("%1/nameless.xml") << QStringLiteral("nameless.xml");
         QTest::newRow("by name, since the path leads elsewhere")
             << QStringLiteral("osd/b.xml") << QStringLiteral("b.xml");
+        QTest::newRow("by a name with dots")
+            << QStringLiteral("osd/DN 1.5.xml") << QStringLiteral("DN 1.5.xml");
         QTest::newRow("gone: the default")
             << QStringLiteral("%1/gone.xml") << defaultName + QStringLiteral(".xml");
         QTest::newRow("nothing stored: the default, not the nameless")
@@ -467,6 +469,7 @@ private Q_SLOTS:
         QFETCH(QString, selected);
         m_folders->writeProfile(QStringLiteral("nameless.xml"), "<PROFILE name=\"\"/>");
         writeNamed(QStringLiteral("b"));
+        writeNamed(QStringLiteral("DN 1.5"));
         writeNamed(defaultName, {}, "true");
         if (stored.isEmpty() && !stored.isNull())
             ProfileFolders::write(COsdSettings::xmlSettingsPath(),

@@ -11,6 +11,9 @@
 #include <QTest>
 
 #include <optional>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 using Velmar::Directories;
 using Velmar::Test::FullDisk;
@@ -29,6 +32,29 @@ QByteArray settingsXml(const QByteArray &current)
         + "</CURRENT>\n"
           "    </PROFILES>\n"
           "</OSD>\n";
+}
+
+void setMode(const QString &path, mode_t mode)
+{
+    if (::chmod(QFile::encodeName(path).constData(), mode) != 0)
+        qFatal("cannot change who may use %s", qPrintable(path));
+}
+
+int modeOf(const QString &path)
+{
+    struct stat status;
+    return ::stat(QFile::encodeName(path).constData(), &status) == 0 ? status.st_mode & 07777 : -1;
+}
+
+/// In a process of its own: for root, who may write everything, nothing is read-only.
+bool asNobody(bool (*work)())
+{
+    constexpr uid_t nobody = 65534;
+    const pid_t child = ::fork();
+    if (child == 0)
+        ::_exit((::geteuid() != 0 || ::setuid(nobody) == 0) && work() ? 0 : 1);
+    int status = 0;
+    return child > 0 && ::waitpid(child, &status, 0) == child && status == 0;
 }
 
 } // namespace
@@ -77,16 +103,25 @@ private Q_SLOTS:
     void theCopyOfAReadOnlyTemplateCanBeWritten()
     {
         ProfileFolders::write(templatePath(), settingsXml("a"));
-        QVERIFY(QFile::setPermissions(templatePath(),
-                                      QFile::ReadOwner | QFile::ReadUser | QFile::ReadGroup
-                                          | QFile::ReadOther));
+        setMode(templatePath(), 0444);
+        setMode(m_folders->settings(), 0777);
+        setMode(m_folders->settings() + QStringLiteral("/.."), 0755);
 
-        QVERIFY(COsdSettings::copySettingsFile());
+        QVERIFY(asNobody(&COsdSettings::copySettingsFile));
 
-        const QFile::Permissions permissions = QFile::permissions(settingsPath());
-        QVERIFY(permissions & QFile::WriteOwner);
-        QVERIFY(permissions & QFile::ReadOther);
-        QVERIFY(!(permissions & QFile::WriteOther));
+        QCOMPARE(modeOf(settingsPath()), 0644);
+    }
+
+    /// The template is copied first and then replaced, which keeps who may read it.
+    void storingStartsFromTheTemplate()
+    {
+        ProfileFolders::write(templatePath(), settingsXml("a"));
+        setMode(templatePath(), 0600);
+
+        COsdSettings::setDefaultProfile(QStringLiteral("b"));
+
+        QCOMPARE(ProfileFolders::read(settingsPath()), settingsXml("b"));
+        QCOMPARE(modeOf(settingsPath()), 0600);
     }
 
     void withoutATemplateNothingIsMade()
@@ -128,6 +163,8 @@ private Q_SLOTS:
         row("letters beyond ASCII", settingsXml("R\xc3\xb6hre.xml"), "R\xc3\xb6hre.xml");
         row("in pieces",
             "<OSD><PROFILES><CURRENT>a<!-- -->b<![CDATA[&]]></CURRENT></PROFILES></OSD>", "ab&");
+        row("carriage returns", "<OSD><PROFILES><CURRENT>a\r\nb\r</CURRENT></PROFILES></OSD>",
+            "a\nb");
         row("empty", settingsXml(""), "");
         row("below another root", "<X><OSD><PROFILES><CURRENT>a</CURRENT></PROFILES></OSD></X>",
             "a");
@@ -181,6 +218,13 @@ private Q_SLOTS:
         QTest::newRow("very deep")
             << QByteArray("<A>").repeated(100000) + QByteArray("</A>").repeated(100000)
             << QStringLiteral("nested deeper than 200 levels");
+        QTest::newRow("zero bytes")
+            << QByteArray(100, '\0') << QStringLiteral("error occurred while parsing element");
+        QTest::newRow("very large") << QByteArray("<OSD>" + QByteArray(16 * 1024 * 1024, ' '))
+                                    << QStringLiteral("larger than 16777216 bytes");
+        QTest::newRow("very many")
+            << QByteArray("<OSD>" + QByteArray("<A/>").repeated(500000) + "</OSD>")
+            << QStringLiteral("more than 500000 tags, attributes and references");
     }
 
     void unreadable()

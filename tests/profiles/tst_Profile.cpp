@@ -276,6 +276,8 @@ private Q_SLOTS:
         QCOMPARE(copy->readOnly(), true);
         QCOMPARE(copy->elements(), profile.elements());
         QCOMPARE(copy->parent(), nullptr);
+        QQmlEngine engine; // takes what nobody declared
+        engine.newQObject(copy.get());
         QCOMPARE(QQmlEngine::objectOwnership(copy.get()), QQmlEngine::CppOwnership);
 
         copy->elements()[0].insert(rowKey, 9);
@@ -337,6 +339,7 @@ private Q_SLOTS:
         QTest::newRow("a directory that is there") << QStringLiteral("sub/p");
         QTest::newRow("a zero in it") << QString(QStringLiteral("p") + QChar::Null);
         QTest::newRow("a byte too long") << QString(252, QLatin1Char('p'));
+        QTest::newRow("a byte too long, in 84 letters") << QString(84, QChar(0x20AC));
     }
 
     void refusedNames()

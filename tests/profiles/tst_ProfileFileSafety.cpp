@@ -7,6 +7,7 @@
 #include <QFileInfo>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QVector>
 
 #include <cerrno>
 #include <csignal>
@@ -19,6 +20,7 @@
 #include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
+#include <utility>
 
 using namespace Velmar::VideoOverlay;
 
@@ -32,6 +34,9 @@ enum class Fault { None, Crash, DiskFull };
 Fault plannedFault = Fault::None;
 int plannedStep = 0;
 int step = 0;
+
+bool watchesModes = false;
+QVector<mode_t> watchedModes; ///< of the files that are written to, at each write
 
 constexpr int crashed = 77;
 
@@ -62,6 +67,9 @@ extern "C" { // exported: they stand in for those of the system
 
 Q_DECL_EXPORT ssize_t write(int file, const void *bytes, size_t count)
 {
+    struct stat status;
+    if (watchesModes && ::fstat(file, &status) == 0)
+        watchedModes.append(status.st_mode & 07777);
     if (!isPlanned())
         return ::syscall(SYS_write, file, bytes, count);
     ::syscall(SYS_write, file, bytes, count / 2);
@@ -141,6 +149,7 @@ class tst_ProfileFileSafety : public Velmar::Test::LoggedTest
 private Q_SLOTS:
     void crashAtEachStep_data();
     void crashAtEachStep();
+    void diskFullAtEachStep_data();
     void diskFullAtEachStep();
     void limitedFileSize_data();
     void limitedFileSize();
@@ -148,7 +157,12 @@ private Q_SLOTS:
     void newFileHasUsualPermissions();
     void keepsSymbolicLinks();
     void danglingLink();
+    void chainsOfLinks();
+    void longNames_data();
+    void longNames();
+    void placeMarkersInPaths();
     void directoryNotWritable();
+    void directoryNotWritableDiskFull_data();
     void directoryNotWritableDiskFull();
     void fileNotWritable();
     void device();
@@ -183,6 +197,7 @@ private:
 
     static constexpr int oldSize = 50001;
     static constexpr int newSize = 70000;
+    static constexpr int manySteps = 100; ///< no save has as many system calls
     std::unique_ptr<QTemporaryDir> m_dir;
     QString m_path;
     QString m_new;
@@ -210,7 +225,7 @@ void tst_ProfileFileSafety::crashAtEachStep()
             plan(Fault::Crash, at);
             return save(m_path, newSize) ? 0 : 1;
         });
-        ++steps;
+        QVERIFY(++steps < manySteps);
         const QByteArray found = content(m_path);
         if (status == crashed) {
             QCOMPARE(found, existing ? m_oldContent : QByteArray());
@@ -224,16 +239,28 @@ void tst_ProfileFileSafety::crashAtEachStep()
     QVERIFY(steps > 3); // write, flush to the disk, rename
 }
 
+void tst_ProfileFileSafety::diskFullAtEachStep_data()
+{
+    QTest::addColumn<int>("size");
+    QTest::newRow("large") << newSize;
+    QTest::newRow("small enough for a buffer") << 10;
+}
+
 void tst_ProfileFileSafety::diskFullAtEachStep()
 {
+    QFETCH(int, size);
+    QVERIFY(save(m_new, size));
+    const QByteArray expected = content(m_new);
+    QVERIFY(QFile::remove(m_new));
     int steps = 0;
     bool saved = false;
     while (!saved) {
+        QVERIFY(steps < manySteps);
         plan(Fault::DiskFull, ++steps);
-        saved = save(m_path, newSize);
+        saved = save(m_path, size);
         plan(Fault::None, 0);
         QCOMPARE(takeLog(), saved ? QStringList() : QStringList {failure(m_path)});
-        QCOMPARE(content(m_path), saved ? m_newContent : m_oldContent);
+        QCOMPARE(content(m_path), saved ? expected : m_oldContent);
         QCOMPARE(hidden(), QStringList {s("Main.xml")}); // nothing is left behind
     }
     QVERIFY(steps > 3);
@@ -275,7 +302,15 @@ void tst_ProfileFileSafety::keepsPermissions()
     for (mode_t mode : {0600, 0640, 0666, 0755}) {
         const QByteArray name = QFile::encodeName(m_path);
         QCOMPARE(::chmod(name.constData(), mode), 0);
-        QVERIFY(save(m_path, newSize));
+        watchesModes = true;
+        const bool saved = save(m_path, newSize);
+        watchesModes = false;
+        QVERIFY(saved);
+        // From the first byte on: what only its owner may read is never there for others.
+        const QVector<mode_t> modes = std::exchange(watchedModes, {});
+        QVERIFY(!modes.isEmpty());
+        for (mode_t watched : modes)
+            QCOMPARE(watched, mode);
         struct stat status;
         QCOMPARE(::stat(name.constData(), &status), 0);
         QCOMPARE(status.st_mode & 07777, mode);
@@ -321,6 +356,58 @@ void tst_ProfileFileSafety::danglingLink()
     QVERIFY(QFileInfo(circle).isSymLink());
 }
 
+/// As many as the system follows when it reads.
+void tst_ProfileFileSafety::chainsOfLinks()
+{
+    QString last = m_path;
+    for (int i = 1; i <= 41; ++i) {
+        const QString link = m_dir->filePath(s("link%1").arg(i));
+        QVERIFY(QFile::link(last, link));
+        last = link;
+    }
+    QVERIFY(save(m_dir->filePath(s("link40")), newSize));
+    QCOMPARE(content(m_path), m_newContent);
+    QVERIFY(!save(last, oldSize));
+    QCOMPARE(takeLog(), QStringList {failure(last)});
+    QCOMPARE(content(m_path), m_newContent);
+}
+
+void tst_ProfileFileSafety::longNames_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::newRow("255 bytes") << s("p").repeated(251) + s(".xml");
+    QTest::newRow("three bytes each") << s("€").repeated(83) + s(".xml");
+    QTest::newRow("four bytes each") << s("x🙂").repeated(50) + s(".xml");
+}
+
+/// A name that leaves no room for anything beside it can be saved, and as safely as others.
+void tst_ProfileFileSafety::longNames()
+{
+    QFETCH(QString, name);
+    const QString path = m_dir->filePath(name);
+    QVERIFY(save(path, oldSize));
+    QCOMPARE(content(path), m_oldContent);
+    QFile old(path);
+    QVERIFY(old.open(QIODevice::ReadOnly));
+    QVERIFY(save(path, newSize));
+    QCOMPARE(old.readAll(), m_oldContent); // replaced, not overwritten
+    QCOMPARE(content(path), m_newContent);
+    QCOMPARE(hidden().size(), 2);
+}
+
+void tst_ProfileFileSafety::placeMarkersInPaths()
+{
+    for (const char *name : {"%1", "%2", "%3", "%1%2%3"}) {
+        const QString directory = m_dir->filePath(s(name));
+        QVERIFY(QDir().mkdir(directory));
+        const QString path = directory + QLatin1Char('/') + s(name) + s(".xml");
+        QVERIFY2(save(path, newSize), name);
+        QCOMPARE(content(path), m_newContent);
+        QCOMPARE(QDir(directory).entryList(QDir::Files | QDir::Hidden).size(), 1);
+    }
+    QCOMPARE(files(), QStringList {s("Main.xml")});
+}
+
 void tst_ProfileFileSafety::directoryNotWritable()
 {
     closeDirectory();
@@ -341,20 +428,28 @@ void tst_ProfileFileSafety::directoryNotWritable()
     }
 }
 
+void tst_ProfileFileSafety::directoryNotWritableDiskFull_data()
+{
+    diskFullAtEachStep_data();
+}
+
 /// Without a second file the old content is put back.
 void tst_ProfileFileSafety::directoryNotWritableDiskFull()
 {
+    QFETCH(int, size);
+    QVERIFY(save(m_new, size));
+    const QByteArray expected = content(m_new);
     closeDirectory();
     int steps = 0;
     int status = 1;
     while (status == 1) {
-        ++steps;
+        QVERIFY(++steps < manySteps);
         status = inChild([&] {
             becomeNobody();
             plan(Fault::DiskFull, steps);
-            return save(m_path, newSize) ? 0 : 1;
+            return save(m_path, size) ? 0 : 1;
         });
-        QCOMPARE(content(m_path), status == 0 ? m_newContent : m_oldContent);
+        QCOMPARE(content(m_path), status == 0 ? expected : m_oldContent);
     }
     QCOMPARE(status, 0);
     QVERIFY(steps > 3); // write, flush to the disk, cut off what is left of the old content
@@ -375,8 +470,10 @@ void tst_ProfileFileSafety::fileNotWritable()
 
 void tst_ProfileFileSafety::device()
 {
-    QVERIFY(!save(s("/dev/full"), newSize));
-    QCOMPARE(takeLog(), QStringList {failure(s("/dev/full"))});
+    for (int size : {newSize, 10}) { // one fits a buffer
+        QVERIFY(!save(s("/dev/full"), size));
+        QCOMPARE(takeLog(), QStringList {failure(s("/dev/full"))});
+    }
     QVERIFY(save(s("/dev/null"), newSize));
     struct stat status;
     QCOMPARE(::stat("/dev/null", &status), 0);

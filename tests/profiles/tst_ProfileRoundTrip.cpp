@@ -230,6 +230,9 @@ void tst_ProfileRoundTrip::whatIsLost_data()
     row(0, "text", QString(s("a") + QChar(0xFFFE) + QChar(0xFFFF) + s("b")), s("ab"));
     row(0, "text", QString(s("a") + QChar(0) + s("b")), s("ab"));
     row(0, "text", s("a\r\nb"), s("a\nb"));
+    row(0, "text", s("a\rb"), s("ab"));
+    row(0, "text", QString(s("a") + QChar(0xD800) + s("b")), s("a?b"));
+    row(4, "favorites", QStringList {s("a\r\nb")}, QStringList {s("a\nb")});
     row(0, "id", 5, QVariant());
     row(2, "unknown key", 5, QVariant());
     row(1, "unit", s("4"), s("m/min"));

@@ -7,6 +7,7 @@
 #include <QFile>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QTextCodec>
 
 using namespace Velmar::VideoOverlay;
 
@@ -71,6 +72,7 @@ private Q_SLOTS:
     void hostile_data();
     void hostile();
     void sizeLimit();
+    void nodeLimit();
     void manyElements();
     void zeroBytes();
     void depthLimit();
@@ -511,6 +513,11 @@ void tst_ProfileXmlReader::cannotParse_data()
     QTest::newRow("cut off") << QByteArray("<PROFILE><IMAGE>") << s("unexpected end of file");
     QTest::newRow("wrong end") << QByteArray("<PROFILE></PROFIL>") << s("tag mismatch");
     QTest::newRow("two roots") << QByteArray("<PROFILE/><PROFILE/>") << s("unexpected character");
+    QTest::newRow("not in the encoding that it declares")
+        << QByteArray("<?xml version=\"1.0\" encoding=\"UTF-16\"?><PROFILE/>")
+        << s("error occurred while parsing element");
+    QTest::newRow("a zero byte in a tag")
+        << QByteArray("<PRO\0FILE/>", 11) << s("error occurred while parsing element");
     QTest::newRow("no XML") << QByteArray("[profile]\nname=x\n")
                             << s("error occurred while parsing element");
     QTest::newRow("error behind elements") << QByteArray("<PROFILE><IMAGE/><IMAGE/><</PROFILE>")
@@ -612,9 +619,26 @@ void tst_ProfileXmlReader::encodings_data()
     QTest::newRow("UTF-8") << degree.toUtf8() << s("5 °");
     QTest::newRow("UTF-8 with mark") << QByteArray("\xEF\xBB\xBF" + degree.toUtf8()) << s("5 °");
     QTest::newRow("UTF-16 with mark") << utf16(QChar(QChar::ByteOrderMark)) << s("5 °");
-    QTest::newRow("UTF-16 without mark") << utf16(QChar()) << s("5 °");
+    for (const char *codec : {"UTF-16LE", "UTF-16BE"}) {
+        QTextCodec::ConverterState plain(QTextCodec::IgnoreHeader);
+        const QByteArray bytes = QTextCodec::codecForName(codec)->fromUnicode(
+            degree.constData(), degree.size(), &plain);
+        QTest::addRow("%s without mark", codec) << bytes << s("5 °");
+    }
     QTest::newRow("declared Latin-1")
         << QByteArray("<?xml version=\"1.0\" encoding=\"ISO-8859-1\"?>" + degree.toLatin1())
+        << s("5 °");
+    const QByteArray latin = degree.toLatin1();
+    QTest::newRow("declared in single quotes, with blanks")
+        << QByteArray("<?xml version='1.0' encoding = 'ISO-8859-1'?>" + latin) << s("5 °");
+    QTest::newRow("declared behind many blanks") << QByteArray(
+        "<?xml version=\"1.0\"" + QByteArray(60, ' ') + "encoding=\"ISO-8859-1\"?>" + latin)
+                                                 << s("5 °");
+    QTest::newRow("the mark before the declaration") << QByteArray(
+        "\xEF\xBB\xBF<?xml version=\"1.0\" encoding=\"ISO-8859-1\"?>" + degree.toUtf8())
+                                                     << s("5 °");
+    QTest::newRow("an encoding that is not the declaration's")
+        << QByteArray("<?xml version=\"1.0\"?><!-- encoding=\"ISO-8859-1\" -->" + degree.toUtf8())
         << s("5 °");
     QTest::newRow("unknown declared")
         << QByteArray("<?xml version=\"1.0\" encoding=\"nonsense\"?>" + degree.toUtf8())
@@ -713,6 +737,21 @@ void tst_ProfileXmlReader::sizeLimit()
     QCOMPARE(takeLog(), QStringList {s("1 VideoOverlayLibrary: larger than 16777216 bytes")});
 }
 
+void tst_ProfileXmlReader::nodeLimit()
+{
+    const auto profile = [](int count) { // with the tags, that is the number of nodes
+        return "<PROFILE>" + QByteArray(count - 4, '=') + "<IMAGE/><X/></PROFILE>";
+    };
+    Records records;
+    QVERIFY(ProfileXmlReader().readElements(file(profile(500000)), records));
+    QCOMPARE(records.size(), 1);
+    records.clear();
+    QVERIFY(!ProfileXmlReader().readElements(file(profile(500001)), records));
+    QCOMPARE(takeLog(),
+             QStringList {s("1 VideoOverlayLibrary: "
+                            "more than 500000 tags, attributes and references")});
+}
+
 void tst_ProfileXmlReader::manyElements()
 {
 #ifdef __SANITIZE_ADDRESS__
@@ -746,7 +785,32 @@ void tst_ProfileXmlReader::depthLimit()
         !ProfileXmlReader().readElements(file("<PROFILE>" + nest(200) + "</PROFILE>"), records));
     QCOMPARE(takeLog(), QStringList {s("1 VideoOverlayLibrary: nested deeper than 200 levels")});
     // A document type without declarations does no harm: other programs write one.
-    QVERIFY(ProfileXmlReader().readElements(file("<!DOCTYPE PROFILE><PROFILE/>"), records));
+    QVERIFY(ProfileXmlReader().readElements(
+        file("<!DOCTYPE PROFILE><PROFILE>" + nest(199) + "</PROFILE>"), records));
+    // An element that is closed at once is a level of its own only.
+    QCOMPARE(read(QByteArray("<IMAGE/>").repeated(300)).size(), 300);
+    // What looks like a tag where none can be is no level.
+    const QByteArray sham = QByteArray("<A>").repeated(300);
+    const QByteArray text = "<![CDATA[" + sham + "]]>";
+    QCOMPARE(readOne("<STATICTEXT><TEXT>" + text + "</TEXT></STATICTEXT>").value(s("text")),
+             QVariant(QString::fromLatin1(sham)));
+    for (const QByteArray &hidden : {"<!--" + sham + "-->", "<!-->" + sham + "-->",
+                                     "<?a " + sham + "?>", "<?a ?" + sham + "?>"})
+        QCOMPARE(read(hidden + "<IMAGE/>" + hidden).size(), 1);
+    // Nor does it close one, and neither does what stands in quotes, or behind the other kind of
+    // them.
+    const QByteArray closing = QByteArray("</A>").repeated(300);
+    const QByteArray ends = QByteArray("</A>").repeated(200);
+    for (const QByteArray &levels :
+         {"<![CDATA[" + closing + "]]>" + nest(200), "<!--" + closing + "-->" + nest(200),
+          "<?a " + closing + "?>" + nest(200), QByteArray("<A b=\"'/>\">").repeated(200) + ends,
+          QByteArray("<A b='\"/>'>").repeated(200) + ends}) {
+        records.clear();
+        QVERIFY(
+            !ProfileXmlReader().readElements(file("<PROFILE>" + levels + "</PROFILE>"), records));
+        QCOMPARE(takeLog(),
+                 QStringList {s("1 VideoOverlayLibrary: nested deeper than 200 levels")});
+    }
 }
 
 QTEST_GUILESS_MAIN(tst_ProfileXmlReader)

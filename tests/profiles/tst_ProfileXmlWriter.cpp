@@ -103,6 +103,7 @@ private Q_SLOTS:
     void favorites();
     void units_data();
     void units();
+    void withoutAType();
     void staticTextConditions();
     void characters();
     void codecOfTheSystem();
@@ -187,7 +188,13 @@ void tst_ProfileXmlWriter::integers_data()
     QTest::newRow("negative") << QVariant(-7) << QByteArray("-7");
     QTest::newRow("smallest") << QVariant(std::numeric_limits<int>::min())
                               << QByteArray("-2147483648");
+    QTest::newRow("largest") << QVariant(std::numeric_limits<int>::max())
+                             << QByteArray("2147483647");
     QTest::newRow("text") << QVariant(s(" 12 ")) << QByteArray("12");
+    QTest::newRow("text of the largest") << QVariant(s("2147483647")) << QByteArray("2147483647");
+    QTest::newRow("text with a zero in front") << QVariant(s("010")) << QByteArray("10");
+    QTest::newRow("hexadecimal text") << QVariant(s("0x10")) << QByteArray("0");
+    QTest::newRow("text of a fraction") << QVariant(s("1.5")) << QByteArray("0");
     QTest::newRow("word") << QVariant(s("ten")) << QByteArray("0");
     QTest::newRow("text too large") << QVariant(s("4294967297")) << QByteArray("0");
     QTest::newRow("number too large") << QVariant(4294967297LL) << QByteArray("0");
@@ -298,6 +305,20 @@ void tst_ProfileXmlWriter::units()
     QCOMPARE(written(record(1, {{"unit", text}}), "UNIT"), number.toUtf8());
 }
 
+/// What is missing or does not convert is zero, here as everywhere: a static text.
+void tst_ProfileXmlWriter::withoutAType()
+{
+    const QByteArray staticText = write({record(0)});
+    QCOMPARE(write({ElementParam()}), staticText);
+    ElementParam param;
+    for (const QVariant &type : {QVariant(), QVariant(s("two")), QVariant(4294967298LL)}) {
+        param.insert(s("type"), type);
+        QCOMPARE(write({param}), staticText);
+    }
+    param.insert(s("type"), s("2"));
+    QCOMPARE(write({param}), write({record(2)}));
+}
+
 void tst_ProfileXmlWriter::staticTextConditions()
 {
     const QByteArray bare = write({record(0)});
@@ -355,7 +376,8 @@ void tst_ProfileXmlWriter::replacesOldContent()
 
 void tst_ProfileXmlWriter::cannotOpen()
 {
-    for (const QString &path : {m_dir.filePath(s("missing/profile.xml")), m_dir.path()}) {
+    for (const QString &path :
+         {m_dir.filePath(s("missing/profile.xml")), m_dir.path(), QString()}) {
         QVERIFY(!ProfileXmlWriter().writeElements(path, {filled(0)}));
         QCOMPARE(
             takeLog(),

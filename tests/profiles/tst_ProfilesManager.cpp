@@ -111,6 +111,30 @@ private Q_SLOTS:
         QCOMPARE(logged.last(), line(QStringLiteral("profile found: ''    '%1'").arg(path)));
     }
 
+    void hostileFilesKeepNoOtherAway()
+    {
+        const QString bomb = m_folders->writeProfile(
+            QStringLiteral("bomb.xml"),
+            "<!DOCTYPE P [<!ENTITY a \"aaaa\"><!ENTITY b \"&a;&a;\">]><PROFILE>&b;</PROFILE>");
+        const QString good = writeNamed(QStringLiteral("good"));
+        const QString huge = writeNamed(QStringLiteral("huge"));
+        QVERIFY(QFile::resize(huge, 100 * 1024 * 1024));
+
+        const ProfilesManager manager;
+
+        QCOMPARE(manager.getProfiles().size(), 3);
+        QCOMPARE(manager.findProfileByName(QStringLiteral("good"))->elements().size(), 1);
+        const QString refusesBomb
+            = line(QStringLiteral("declarations inside the document are not supported"));
+        const QString refusesHuge = line(QStringLiteral("larger than 16777216 bytes"));
+        QCOMPARE(takeLog(),
+                 (QStringList {refusesBomb, refusesBomb,
+                               line(QStringLiteral("profile found: ''    '%1'").arg(bomb)),
+                               line(QStringLiteral("profile found: 'good'    '%1'").arg(good)),
+                               refusesHuge, refusesHuge,
+                               line(QStringLiteral("profile found: ''    '%1'").arg(huge))}));
+    }
+
     void laterFilesAreNotSeen()
     {
         const ProfilesManager manager;
@@ -174,7 +198,11 @@ private Q_SLOTS:
         row("two blanks are none of it", names({"Main(copy  7)"}), "Main(copy  7)",
             "Main(copy  7)(copy)");
         row("leading zeros", names({"Main(copy 007)"}), "Main(copy 007)", "Main(copy 8)");
+        row("no octal number", names({"Main(copy 010)"}), "Main(copy 010)", "Main(copy 11)");
         row("zero", names({"Main(copy 0)"}), "Main(copy 0)", "Main(copy 1)");
+        row("letters are none of it", names({"Main(copy b)"}), "Main(copy b)",
+            "Main(copy b)(copy)");
+        row("a line feed behind it", names({"Main(copy)\n"}), "Main(copy)\n", "Main(copy)\n(copy)");
         row("negative is none of it", names({"Main(copy -1)"}), "Main(copy -1)",
             "Main(copy -1)(copy)");
         row("not at the end", names({"Main(copy 1) "}), "Main(copy 1) ", "Main(copy 1) (copy)");
@@ -223,6 +251,8 @@ private Q_SLOTS:
         QTest::newRow("trimmed") << QStringLiteral("  B 2 ") << QStringLiteral("B 2");
         QTest::newRow("taken") << QStringLiteral(" A ") << QStringLiteral("A(copy 1)");
         QTest::newRow("dots") << QStringLiteral("DN 1.5") << QStringLiteral("DN 1.5");
+        const QString longest(251, QLatin1Char('B'));
+        QTest::newRow("as long as a file allows") << longest << longest;
     }
 
     void clone()
@@ -265,6 +295,17 @@ private Q_SLOTS:
         QCOMPARE(source->name(), QStringLiteral("Original"));
         QVERIFY(source->readOnly());
         QCOMPARE(takeLog(), QStringList());
+    }
+
+    void aCloneOfANameWithDots()
+    {
+        writeNamed(QStringLiteral("DN 1.5"));
+        ProfilesManager manager;
+        takeLog();
+        const Profile *copy = manager.clone(manager.getProfiles().first(), QString());
+        QVERIFY(copy);
+        QCOMPARE(copy->path(), pathOf(QStringLiteral("DN 1.5(copy).xml")));
+        QCOMPARE(copy->name(), QStringLiteral("DN 1.5(copy)"));
     }
 
     void aCloneLiesBesideItsSource()
@@ -349,6 +390,7 @@ private Q_SLOTS:
     {
         const QString path = writeNamed(QStringLiteral("A"));
         m_folders->writeProfile(QStringLiteral("B.xml"), "<PROFILE name=\"A\"/>");
+        m_folders->writeProfile(QStringLiteral("C.xml"), "<PROFILE name=\"\"/>"); // as if saved
         const ProfilesManager manager;
         takeLog();
 
@@ -363,6 +405,10 @@ private Q_SLOTS:
         QCOMPARE(takeLog(), QStringList {line(QStringLiteral("Cannot find profile path"))});
         QCOMPARE(manager.findProfileByName(QStringLiteral("a")), nullptr);
         QCOMPARE(takeLog(), QStringList {line(QStringLiteral("Cannot find profile name"))});
+        QCOMPARE(manager.getProfiles().at(2)->caption(), QStringLiteral("C"));
+        QCOMPARE(manager.findProfileByName(QStringLiteral("C")), nullptr);
+        QCOMPARE(takeLog(), QStringList {line(QStringLiteral("Cannot find profile name"))});
+        QCOMPARE(manager.findProfileByName(QString()), manager.getProfiles().at(2));
     }
 
     void remove()

@@ -163,8 +163,7 @@ bool ProfileXmlReader::parseBool(const QString &text) const
 
 QColor ProfileXmlReader::parseColor(const QString &text) const
 {
-    // Asked first: the colour itself would complain to Qt's log about a text from a file.
-    return QColor::isValidColor(text) ? QColor(text) : QColor();
+    return QColor(text);
 }
 
 QColor ProfileXmlReader::defaultTextColor() const

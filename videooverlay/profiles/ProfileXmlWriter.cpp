@@ -21,8 +21,6 @@ using Type = CVideoOverlayElement::Type;
 /// 0 for what is no integer; the variant alone would wrap a number that is too large.
 int integerOf(const QVariant &value)
 {
-    if (value.userType() == QMetaType::QString)
-        return value.toString().toInt(nullptr, 10);
     const double number = value.toDouble();
     const bool fits
         = number >= std::numeric_limits<int>::min() && number <= std::numeric_limits<int>::max();

@@ -24,7 +24,8 @@ QByteArray encode(const QString &text)
     return bytes;
 }
 
-/// Where the links end, also when nothing is there yet; empty when they lead in a circle.
+/// Where the links end, also when nothing is there yet; empty when they lead in a circle, and for
+/// an empty path.
 QString resolved(const QString &path)
 {
     QFileInfo file(path);
@@ -38,15 +39,18 @@ bool writeAll(QFile &file, const QByteArray &bytes)
     return file.write(bytes) == bytes.size() && file.flush() && ::fsync(file.handle()) == 0;
 }
 
-/// A hidden name: what a power cut leaves behind must not be listed as a profile.
+/// A hidden name: what a power cut leaves behind must not be listed as a profile. Only the start of
+/// the target's own is in it, since that may be as long as a name can be.
 bool openBeside(const QFileInfo &target, QFile &file)
 {
     constexpr int attempts = 100;
+    constexpr int nameLength = 80; // of at most three bytes each
+    const QString name = target.fileName().left(nameLength);
     for (int i = 0; i < attempts; ++i) {
-        const quint32 number = QRandomGenerator::system()->generate();
-        file.setFileName(QStringLiteral("%1/.%2.%3")
-                             .arg(target.path(), target.fileName())
-                             .arg(number, 8, 16, QLatin1Char('0')));
+        const QString number = QString::number(QRandomGenerator::system()->generate(), 16);
+        // Not by place markers one after the other: directories and files may hold them, too.
+        file.setFileName(target.path() + QStringLiteral("/.") + name + QLatin1Char('.')
+                         + number.rightJustified(8, QLatin1Char('0')));
         if (file.open(QIODevice::WriteOnly | QIODevice::NewOnly))
             return true;
         if (!file.exists())
@@ -99,7 +103,7 @@ bool writeDevice(const QString &path, const QByteArray &bytes)
 
 bool replaceFile(const QString &path, const QString &text)
 {
-    const QString resolvedPath = path.isEmpty() ? path : resolved(path);
+    const QString resolvedPath = resolved(path);
     if (resolvedPath.isEmpty())
         return false;
     const QByteArray bytes = encode(text);
