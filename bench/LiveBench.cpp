@@ -202,6 +202,7 @@ public:
     /// number of pictures drawn meanwhile, that one included, and the time [ms]. Sorted.
     bool latencies(QVector<int> *pictures, QVector<double> *times)
     {
+        runFor(SettleMs); // the screens have their final layout
         const QRect place = placeOf(*m_live.overlay().manager().getElement(0));
         int drawn = 0;
         bool changed = false;

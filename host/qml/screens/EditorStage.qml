@@ -38,7 +38,7 @@ VideoStage {
     }
     Repeater {
         id: boxes
-        model: elements
+        model: stage.visible ? elements : null   // nobody else follows every value
         Item {
             id: box
             readonly property var element: manager.getElement(index)

@@ -25,7 +25,7 @@ ColumnLayout {
         Layout.fillHeight: true
         clip: true
         spacing: 4
-        model: elementFilter
+        model: panel.visible ? elementFilter : null // nobody else follows every value
         boundsBehavior: Flickable.StopAtBounds
         ScrollBar.vertical: ScrollBar { }
         section.property: "kind"
