@@ -339,12 +339,47 @@ private Q_SLOTS:
 
         QCOMPARE(m_world->manager->elementsCount(), 5);
         for (int i = 0; i < 4; ++i) {
-            QVERIFY(!datasourceOf(m_world->manager->getElement(i)));
-            QCOMPARE(m_world->manager->getElement(i)->type(), Type::Invalid); // as it was made
+            const CVideoOverlayElement *const element = m_world->manager->getElement(i);
+            QVERIFY(!datasourceOf(element));
+            QCOMPARE(element->type(), Type::Invalid); // as it was made
+            // The record knows it all the same.
+            QCOMPARE(profile.elements().at(i).value(QStringLiteral("id")).toInt(), element->id());
         }
         const QStringList log = takeLog();
         for (const char *type : {"1", "2", "3", "6"})
             QCOMPARE(log.count(::noDatasource(QString::fromLatin1(type))), 1);
+    }
+
+    void whatNobodyServesStandsInForItself()
+    {
+        Profile profile;
+        for (const char *name : {"SPEED", "DATE", "TIME"}) {
+            profile.elements().append(recordOfType(int(Type::SystemText)));
+            profile.elements().last().insert(ElementParam::NAME_COLUMNBOUND,
+                                             QString::fromLatin1(name));
+        }
+        m_world->load(profile);
+        // Removed before anything was saved: no other may lose its record for that.
+        QVERIFY(m_world->manager->deleteElement(1));
+
+        m_world->profiles->applyChanges(&profile);
+
+        QStringList columns;
+        for (const ElementParam &record : profile.elements())
+            columns.append(record.value(ElementParam::NAME_COLUMNBOUND).toString());
+        QCOMPARE(columns,
+                 QStringList({QStringLiteral("SPEED"), QStringLiteral("TIME"), QString()}));
+        takeLog();
+    }
+
+    void constructDatasourceAloneLeavesTheRecord()
+    {
+        CVideoOverlayText element;
+        ElementParam record = recordOfType(3);
+        const ElementParam before = record;
+        QVERIFY(!m_world->builder->constructDatasource(&element, record));
+        QCOMPARE(record, before);
+        takeLog();
     }
 
     void aDestroyedFactoryIsNotAsked()
@@ -540,6 +575,8 @@ private Q_SLOTS:
         QCOMPARE(m_world->manager->elementsCount(), 2);
         QVERIFY(!datasourceOf(m_world->manager->getElement(0)));
         QVERIFY(datasourceOf(m_world->manager->getElement(1)));
+        QCOMPARE(profile.elements().first().value(QStringLiteral("id")).toInt(),
+                 m_world->manager->getElement(0)->id());
         QVERIFY(takeLog().contains(QStringLiteral("1 ") + category
                                    + QStringLiteral("OSD builder: a factory failed for '1'")));
     }

@@ -322,6 +322,21 @@ private Q_SLOTS:
                  2);
     }
 
+    void addedTextsThatNobodyServes()
+    {
+        m_domainFactory.reset();
+        Profile profile;
+        m_world->load(profile);
+        m_world->templates.load({column("SECTION", "OBJ_Key")});
+        QCOMPARE(inspectionKeys(profile).size(), 2);
+        for (int i : {0, 1}) {
+            const CVideoOverlayElement *const element = m_world->manager->getElement(1 - i);
+            QVERIFY(!datasourceOf(element));
+            QCOMPARE(profile.elements().at(i).value(QStringLiteral("id")).toInt(), element->id());
+        }
+        QCOMPARE(takeLog().filter(QStringLiteral("cannot find datasource")).size(), 2);
+    }
+
     void hide_data()
     {
         QTest::addColumn<bool>("open");

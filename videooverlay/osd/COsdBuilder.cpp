@@ -16,6 +16,7 @@
 #include "videooverlay/osd/COsdValueDatasource.h"
 #include "videooverlay/profiles/COsdSettings.h"
 
+#include <QScopeGuard>
 #include <QStringList>
 
 #include <algorithm>
@@ -206,14 +207,14 @@ void COsdBuilder::createElement(CVideoOverlayManager &manager, ElementParam &rec
 {
     switch (typeOf(record)) {
     case Type::FreePicture:
-        constructDatasource(manager.createImage(), record);
+        serve(*manager.createImage(), record);
         return;
     case Type::InspText:
     case Type::InspStaticText:
-        constructDatasource(manager.createText(), record);
+        serve(*manager.createText(), record);
         return;
     case Type::SystemText:
-        constructDatasource(manager.createText(record), record);
+        serve(*manager.createText(record), record);
         return;
     case Type::FreeText:
         createFreeText(manager, record);
@@ -228,6 +229,19 @@ void COsdBuilder::createElement(CVideoOverlayManager &manager, ElementParam &rec
         break;
     }
     createStaticText(manager, record);
+}
+
+void COsdBuilder::serve(CVideoOverlayElement &element, ElementParam &record)
+{
+    const int id = element.id();
+    COsdElementDatasource *datasource = nullptr;
+    // A datasource has written the id. Without one the record must be found again, too: it stands
+    // in for the element when the profile is saved.
+    const auto nameElement = qScopeGuard([&] {
+        if (!datasource)
+            record.insert(QStringLiteral("id"), id);
+    });
+    datasource = constructDatasource(&element, record);
 }
 
 void COsdBuilder::createFreeText(CVideoOverlayManager &manager, ElementParam &record)
@@ -377,7 +391,7 @@ void COsdBuilder::addInspectionText(const QString &key, Profile &profile)
     QPointer<CVideoOverlayText> element;
     try {
         element = m_manager->createText();
-        constructDatasource(element, profile.elements().first());
+        serve(*element, profile.elements().first());
     } catch (...) {
         log(LogLevel::Error,
             QStringLiteral("OSD builder: a factory failed for '") + type + QLatin1Char('\''));
