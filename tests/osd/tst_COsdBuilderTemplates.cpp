@@ -205,6 +205,38 @@ private Q_SLOTS:
             QVERIFY(ids.contains(element->id()));
     }
 
+    void eachIsNamedWhenItGoes()
+    {
+        Profile profile;
+        for (const char *name : {"OBJ_A", "OBJ_B", "OBJ_C"})
+            profile.elements().append(
+                inspectionRecord(QStringLiteral("SECTION"), QString::fromLatin1(name), 3));
+        m_world->load(profile);
+        CVideoOverlayManager &manager = *m_world->manager;
+        const int first = manager.getElement(0)->id();
+        takeLog();
+        QStringList going;
+        QObject context;
+        connect(&manager, &CVideoOverlayManager::beforeRemoveElement, &context,
+                [&](CVideoOverlayElement *element) {
+                    going.append(QString::number(element->id() - first));
+                    going += aboutTexts(takeLog());
+                    if (element->id() == first + 1) // takes the last one along
+                        manager.deleteElement(1);
+                });
+
+        m_world->templates.load({});
+
+        QCOMPARE(going,
+                 QStringList({QStringLiteral("0"),
+                              trace(QStringLiteral("Deleting unused element OBJ_A SECTION")),
+                              QStringLiteral("1"),
+                              trace(QStringLiteral("Deleting unused element OBJ_B SECTION"))}));
+        QCOMPARE(manager.elementsCount(), 0);
+        QCOMPARE(profile.elements().size(), 0);
+        QCOMPARE(aboutTexts(takeLog()), QStringList());
+    }
+
     void twoRecordsOfOneKey()
     {
         Profile profile;

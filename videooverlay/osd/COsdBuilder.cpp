@@ -419,21 +419,22 @@ void COsdBuilder::removeUnusedElements(Profile *profile,
     // Collected first: an element takes its record along when it is deleted.
     const QList<CVideoOverlayElement *> elements = m_manager->getElementList();
     for (CVideoOverlayElement *element : elements) {
-        const ElementParam record = element->getParamObject();
-        const QString key = inspectionKeyOf(record);
+        const QString key = inspectionKeyOf(element->getParamObject());
         if (!existing.contains(key) || keys.contains(key))
             continue;
-        log(LogLevel::Debug,
-            QStringLiteral("Deleting unused element ")
-                + record.value(ElementParam::NAME_COLUMNBOUND).toString() + QLatin1Char(' ')
-                + record.value(tableKey).toString());
         removed.insert(key);
         unused.append(element);
     }
     const QPointer<Profile> guarded(profile);
     for (const QPointer<CVideoOverlayElement> &element : unused) {
-        if (element && m_manager)
-            m_manager->deleteElementFromModel(element);
+        if (!element || !m_manager)
+            continue;
+        const ElementParam record = element->getParamObject();
+        log(LogLevel::Debug,
+            QStringLiteral("Deleting unused element ")
+                + record.value(ElementParam::NAME_COLUMNBOUND).toString() + QLatin1Char(' ')
+                + record.value(tableKey).toString());
+        m_manager->deleteElementFromModel(element);
     }
     if (guarded)
         eraseRecords(guarded->elements(), removed);
