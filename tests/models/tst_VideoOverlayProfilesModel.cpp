@@ -860,6 +860,23 @@ private Q_SLOTS:
             QCOMPARE(complaint, error(QStringLiteral("Profile changeset doesn't have id key")));
     }
 
+    void savedFavouritesAreNoChange()
+    {
+        writeNamed(QStringLiteral("a"), "<FREETEXT><VISIBLE>true</VISIBLE></FREETEXT>");
+        Overlay overlay;
+        QVERIFY(overlay.model.setCurrentProfileByIndex(0));
+        overlay.manager.getFavoritesModel()->append(QStringLiteral("favourite"));
+
+        overlay.model.saveCurrentProfile();
+
+        QVERIFY(!overlay.model.isCurrentProfileChanged());
+        Profile again;
+        QVERIFY(again.load(pathOf(QStringLiteral("a.xml"))));
+        QCOMPARE(again.elements().first().value(QStringLiteral("favorites")).toStringList(),
+                 QStringList(QStringLiteral("favourite")));
+        takeLog();
+    }
+
     void isCurrentProfileChangedWithoutOne()
     {
         Overlay overlay;
