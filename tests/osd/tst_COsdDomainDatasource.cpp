@@ -460,6 +460,28 @@ private Q_SLOTS:
         QCOMPARE(takeLog().size(), 1); // the one about the value
     }
 
+    void noValueIsNoItem()
+    {
+        m_templates.load({{insTable,
+                           QStringLiteral("INS_Shape"),
+                           QString(),
+                           Type::List,
+                           {CListItem(QString(), QStringLiteral("Unknown"))}}});
+        show(insTable, QStringLiteral("INS_Shape"));
+        const QVariant databaseNull(QVariant::String);
+        for (const QVariant &value : {QVariant(QStringLiteral("")), databaseNull}) {
+            m_records.inspection->values.insert(QStringLiteral("INS_Shape"), value);
+            m_datasource->calculateValue(m_records.inspection);
+            QCOMPARE(m_element->text(), QStringLiteral("Unknown"));
+            m_datasource->calculateValue({});
+        }
+
+        m_records.inspection->values.clear();
+        m_datasource->calculateValue(m_records.inspection);
+        QCOMPARE(m_element->text(), QString());
+        takeLog();
+    }
+
     void aListColumnWithoutList()
     {
         m_templates.load({{insTable, QStringLiteral("INS_Shape"), QString(), Type::List, {}}});
