@@ -276,6 +276,42 @@ private Q_SLOTS:
         takeLog();
     }
 
+    void theFreeTextIsAnnouncedWhenItIsComplete()
+    {
+        QString state;
+        QObject context;
+        connect(m_world->manager->getFavoritesModel(),
+                &Velmar::Shared::QmlStringListModel::stringListChanged, &context, [&] {
+                    const CVideoOverlayElement *const element = m_world->manager->getElement(0);
+                    state = QStringLiteral("%1 datasource, %2 free text")
+                                .arg(element && datasourceOf(element) ? 1 : 0)
+                                .arg(m_world->model().freeText() ? 1 : 0);
+                });
+        Profile profile;
+        profile.elements().append(recordOfType(int(Type::FreeText)));
+        profile.elements().last().insert(QStringLiteral("favorites"),
+                                         QStringList(QStringLiteral("one")));
+        m_world->load(profile);
+        QCOMPARE(state, QStringLiteral("1 datasource, 0 free text"));
+        takeLog();
+    }
+
+    void generalSettingsComeInTheirTurn()
+    {
+        ElementParam general = ElementParam::createGeneralSettingsDefault();
+        general.insert(QStringLiteral("kx70ii_col"), 12);
+        QList<ElementParam> records {recordOfType(0), general, recordOfType(0)};
+        QStringList applied;
+        QObject context;
+        connect(m_world->manager.get(), &CVideoOverlayManager::kx70iiChanged, &context, [&] {
+            applied.append(QStringLiteral("%1 after %2")
+                               .arg(m_world->manager->kx70iiCol())
+                               .arg(m_world->manager->elementsCount()));
+        });
+        m_world->builder->createElements(*m_world->manager, records);
+        QCOMPARE(applied, QStringList({QStringLiteral("0 after 0"), QStringLiteral("12 after 1")}));
+    }
+
     void theLastFreeTextCounts()
     {
         Profile profile;
@@ -490,6 +526,7 @@ private Q_SLOTS:
     {
         QSignalSpy loaded(m_world->builder, &COsdBuilder::profileLoaded);
         Profile profile;
+        profile.setPath(QStringLiteral("/profiles/Main.xml")); // not what people call it: its name
         m_world->load(profile);
         QCOMPARE(loaded.count(), 1);
         m_world->builder->load(&profile);

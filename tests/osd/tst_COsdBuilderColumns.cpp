@@ -58,7 +58,7 @@ private Q_SLOTS:
         };
         const char *const tables[]
             = {"SECTION", "NODE", "PROJECT", "SECINSP", "SECOBS", "JOB", "section", "OTHER", ""};
-        const char *const endings[] = {"", "x", "_REF", "_FK", "_REFx", "_ref"};
+        const char *const endings[] = {"", "x", "_REF", "_FK", "_REFx", "_ref", "_FKx", "_fk"};
         for (auto it = tablesOfPrefix.begin(); it != tablesOfPrefix.end(); ++it) {
             for (const char *table : tables) {
                 for (const char *ending : endings) {
