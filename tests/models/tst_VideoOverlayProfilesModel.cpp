@@ -794,6 +794,23 @@ private Q_SLOTS:
         QCOMPARE(profile.elements(), QList<ElementParam> {expected});
     }
 
+    void generalSettingsOfAHostAreSavedAsTheyAre()
+    {
+        CVideoOverlayCapabilities capabilities;
+        CVideoOverlayControl control;
+        CVideoOverlayManager manager(control, capabilities);
+        VideoOverlayProfilesModel model(manager);
+        ElementParam general = ElementParam::createGeneralSettingsDefault();
+        general.remove(QStringLiteral("id"));
+        manager.setGeneralSettings(general);
+        Profile profile;
+
+        model.applyChanges(&profile);
+
+        general.insert(QStringLiteral("globalTransparency"), 44);
+        QCOMPARE(profile.elements(), QList<ElementParam> {general});
+    }
+
     void aWatermarkAmongTheElementsIsNotSaved()
     {
         // It stays when profiles are switched, and would get into all of them.
