@@ -590,6 +590,10 @@ private Q_SLOTS:
         m_world->builder->loadInspectionTexts();
         m_world->builder->templateChanged();
         m_world->builder->hideInspTextsForSimpleProjectOrNoActiveProject();
+        QSet<QString> keys {QStringLiteral("SECTION.OBJ_Key.3")};
+        m_world->builder->overridingWithNewColumns(keys, {}, &profile);
+        m_world->builder->removeUnusedElements(&profile, {}, keys);
+        QCOMPARE(profile.elements().size(), 1);
         m_world->templates.load({{QStringLiteral("SECTION"), QStringLiteral("OBJ_Key"), {}}});
         AppStateControl::setActiveProject({});
         QCOMPARE(takeLog(), QStringList());

@@ -379,6 +379,51 @@ private Q_SLOTS:
                  2);
     }
 
+    void aFactoryThatThrowsAndTakesTheElementAlong()
+    {
+        CVideoOverlayManager &manager = *m_world->manager;
+        TestFactory throwing(
+            [&](CVideoOverlayElement *element, ElementParam &) -> COsdElementDatasource * {
+                manager.deleteElement(manager.rowIndexByID(element->id()));
+                throw std::runtime_error("no");
+            });
+        m_domainFactory.reset();
+        m_world->builder->registerFactory(&throwing);
+        Profile profile;
+        m_world->load(profile);
+        QSignalSpy removed(&manager, &CVideoOverlayManager::beforeRemoveElement);
+
+        m_world->templates.load({column("SECTION", "OBJ_Key")});
+
+        QCOMPARE(profile.elements().size(), 0);
+        QCOMPARE(manager.elementsCount(), 0);
+        QCOMPARE(removed.count(), 0); // nothing was left to remove
+        takeLog();
+    }
+
+    void aProfileThatDiesWhileTextsAreAdded()
+    {
+        auto profile = std::make_unique<Profile>();
+        profile->elements()
+            = {inspectionRecord(QStringLiteral("SECTION"), QStringLiteral("OBJ_Old"), 3)};
+        m_world->load(*profile);
+        m_domainFactory.reset();
+        TestFactory last([&profile](CVideoOverlayElement *element, ElementParam &record) {
+            auto *const datasource = new COsdElementDatasource(element, record);
+            profile.reset();
+            return datasource;
+        });
+        m_world->builder->registerFactory(&last);
+        takeLog();
+
+        m_world->templates.load({column("SECTION", "OBJ_Key")});
+
+        QVERIFY(!profile);
+        // One was added, and the old one stays: there is nothing to be in step with any more.
+        QCOMPARE(m_world->manager->elementsCount(), 2);
+        QCOMPARE(aboutTexts(takeLog()), QStringList(adding(QStringLiteral("SECTION.OBJ_Key.3"))));
+    }
+
     void addedTextsThatNobodyServes()
     {
         m_domainFactory.reset();

@@ -291,13 +291,14 @@ void COsdBuilder::loadInspectionTexts()
     if (!catalogTemplate || !m_manager)
         return;
     QSet<QString> keys = getAllOsdColumnsForTemplate(*catalogTemplate);
-    Profile *const profile = m_manager->currentProfile();
+    const QPointer<Profile> profile(m_manager->currentProfile());
     if (!profile)
         return;
     QHash<QString, const ElementParam *> existing;
     createLookupHashFromExistingColumns(profile, existing);
     overridingWithNewColumns(keys, existing, profile);
-    removeUnusedElements(profile, existing, keys);
+    if (profile) // a handler of what was added may have ended it
+        removeUnusedElements(profile, existing, keys);
 }
 
 void COsdBuilder::templateChanged()
