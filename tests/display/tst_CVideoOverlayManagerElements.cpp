@@ -695,6 +695,23 @@ private Q_SLOTS:
                  favorites);
         QVERIFY(manager.getPropertiesWithChanges().isEmpty());
     }
+
+    void resetChangesTakesTheFavorites()
+    {
+        CVideoOverlayManager &manager = m_overlay->manager;
+        CVideoOverlayText *text = manager.createText();
+        text->setType(CVideoOverlayElement::FreeText);
+        CVideoOverlayText *other = manager.createText();
+        QStringList favorites {QStringLiteral("one")};
+        manager.setFavorites(favorites, 3);
+
+        manager.resetChanges();
+
+        const QString key = QStringLiteral("favorites");
+        QCOMPARE(text->getParamObject().value(key).toStringList(), favorites);
+        QVERIFY(!other->getParamObject().contains(key));
+        QVERIFY(manager.getPropertiesWithChanges().isEmpty());
+    }
 };
 
 QTEST_MAIN(tst_CVideoOverlayManagerElements)

@@ -244,6 +244,12 @@ private Q_SLOTS:
         QVERIFY(!model.data(QModelIndex()).isValid());
         QVERIFY(!model.data(QModelIndex(), 256).isValid());
         QVERIFY(!model.index(3).isValid());
+        const QModelIndex last = model.index(2);
+        QVERIFY(overlay.model.remove(0)); // which leaves the last index behind
+        QVERIFY(!model.data(last).isValid());
+        QVERIFY(!model.data(last, 256).isValid());
+        takeLog();
+        takeQtWarnings();
 
         QHash<int, QByteArray> names = static_cast<const QAbstractItemModel &>(model).roleNames();
         QCOMPARE(names.take(256), QByteArray("index"));
@@ -480,8 +486,12 @@ private Q_SLOTS:
         Overlay overlay;
         QSignalSpy changed(&overlay.model, &VideoOverlayProfilesModel::currentProfileChanged);
 
+        takeLog();
         overlay.model.selectStartupProfile();
 
+        // Where nothing is stored, nothing is missing.
+        QCOMPARE(takeLog().filter(QStringLiteral("Reverting to default")).isEmpty(),
+                 !stored.endsWith(QLatin1String("gone.xml")));
         QVERIFY(overlay.model.currentProfileIndex() >= 0);
         QCOMPARE(QFileInfo(overlay.model.currentProfile()->path()).fileName(), selected);
         QCOMPARE(changed.count(), 1);
@@ -610,7 +620,11 @@ private Q_SLOTS:
             const FullDisk full;
             model.saveCurrentProfile(QStringLiteral("B"));
         }
-        QCOMPARE(takeLog().filter(QStringLiteral("1 ")),
+        const QStringList logged = takeLog();
+        QCOMPARE(logged.first(), // before anything is tried
+                 notice(readOnly ? QStringLiteral("Saving default profile with new name: B")
+                                 : QStringLiteral("Saving profile: a")));
+        QCOMPARE(logged.filter(QStringLiteral("1 ")),
                  QStringList {error(
                      QStringLiteral("Cannot open profile file for save:")
                      + pathOf(readOnly ? QStringLiteral("B.xml") : QStringLiteral("a.xml")))});
@@ -624,6 +638,22 @@ private Q_SLOTS:
         QCOMPARE(overlay.element(0)->row(), 1);
         QVERIFY(!model.isCurrentProfileChanged());
         takeLog();
+    }
+
+    void profilesAreLoggedByName()
+    {
+        // Not by what people call them: a profile that was saved has no name.
+        m_folders->writeProfile(QStringLiteral("a.xml"), "<PROFILE name=\"\"/>");
+        Overlay overlay;
+        QCOMPARE(overlay.model.index(0).data().toString(), QStringLiteral("a"));
+        takeLog();
+        QVERIFY(overlay.model.setCurrentProfileByIndex(0));
+        QCOMPARE(takeLog().first(), notice(QStringLiteral("Switch current profile to: ")));
+        overlay.model.saveCurrentProfile();
+        QCOMPARE(takeLog().first(), notice(QStringLiteral("Saving profile: ")));
+        overlay.model.revertCurrentProfile();
+        QCOMPARE(takeLog().first(),
+                 QStringLiteral("4 VideoOverlayLibrary: Reverting current profile: "));
     }
 
     void revertWithoutACurrentProfile()
@@ -648,12 +678,15 @@ private Q_SLOTS:
         QVERIFY(overlay.manager.deleteElement(1));
         takeLog();
         QSignalSpy changed(&model, &VideoOverlayProfilesModel::currentProfileChanged);
+        QStringList loggedBefore;
+        connect(&model, &VideoOverlayProfilesModel::currentProfileChanged, this,
+                [&] { loggedBefore = takeLog(); });
 
         model.revertCurrentProfile();
 
         QCOMPARE(changed.count(), 1);
         QCOMPARE(changed.first().first().value<Profile *>(), model.currentProfile());
-        QCOMPARE(takeLog().value(0),
+        QCOMPARE(loggedBefore.value(0),
                  QStringLiteral("4 VideoOverlayLibrary: Reverting current profile: a"));
         QCOMPARE(overlay.manager.elementsCount(), 2);
         QCOMPARE(overlay.element(0)->row(), 0);
@@ -705,6 +738,7 @@ private Q_SLOTS:
         QCOMPARE(after.size(), 4);
         QCOMPARE(bound(2), QStringLiteral("DATE"));
         QCOMPARE(after.at(2).value(QStringLiteral("id")).toInt(), overlay.element(2)->id());
+        QCOMPARE(after.at(3).value(QStringLiteral("id")).toInt(), 268435455); // kept meanwhile
 
         QCOMPARE(model.applyChanges(nullptr), nullptr);
         takeLog();
@@ -760,6 +794,90 @@ private Q_SLOTS:
         QCOMPARE(profile.elements(), QList<ElementParam> {expected});
     }
 
+    void generalSettingsOfAHostAreSavedAsTheyAre()
+    {
+        CVideoOverlayCapabilities capabilities;
+        CVideoOverlayControl control;
+        CVideoOverlayManager manager(control, capabilities);
+        VideoOverlayProfilesModel model(manager);
+        ElementParam general = ElementParam::createGeneralSettingsDefault();
+        general.remove(QStringLiteral("id"));
+        manager.setGeneralSettings(general);
+        Profile profile;
+
+        model.applyChanges(&profile);
+
+        general.insert(QStringLiteral("globalTransparency"), 44);
+        QCOMPARE(profile.elements(), QList<ElementParam> {general});
+    }
+
+    void aWatermarkAmongTheElementsIsNotSaved()
+    {
+        // It stays when profiles are switched, and would get into all of them.
+        writeNamed(QStringLiteral("a"), staticText("one"));
+        Overlay overlay;
+        auto &model = overlay.model;
+        QVERIFY(model.setCurrentProfileByIndex(0));
+        ElementParam record;
+        record.insert(QStringLiteral("type"), int(CVideoOverlayElement::Watermark));
+        new COsdStaticTextDatasource(overlay.manager.createText(), record);
+
+        model.applyChanges(model.currentProfile());
+
+        QCOMPARE(textsOf(*model.currentProfile()),
+                 (QStringList {QStringLiteral("0:one"), QStringLiteral("7:")}));
+        takeLog();
+    }
+
+    void aSavedRecordKnowsItsElement()
+    {
+        // Also that of an element which a host described without an id.
+        writeNamed(QStringLiteral("a"));
+        Overlay overlay;
+        auto &model = overlay.model;
+        QVERIFY(model.setCurrentProfileByIndex(0));
+        auto *element = overlay.manager.createText();
+        ElementParam record;
+        record.insert(QStringLiteral("type"), 0);
+        element->setParamObject(record);
+
+        model.applyChanges(model.currentProfile());
+
+        QCOMPARE(model.currentProfile()->elements().first().value(QStringLiteral("id")).toInt(),
+                 element->id());
+        takeLog();
+    }
+
+    void applyingNothingIsNoChange()
+    {
+        writeThree(); // without general settings, which are added
+        Overlay overlay;
+        auto &model = overlay.model;
+        QVERIFY(model.setCurrentProfileByIndex(0));
+        QCOMPARE(model.currentProfile()->elements().size(), 2);
+        model.applyChanges(model.currentProfile());
+        QCOMPARE(model.currentProfile()->elements().size(), 3);
+        QVERIFY(!model.isCurrentProfileChanged());
+        takeLog();
+    }
+
+    void generalSettingsStandInForNoElement()
+    {
+        CVideoOverlayCapabilities capabilities;
+        CVideoOverlayControl control;
+        CVideoOverlayManager manager(control, capabilities);
+        VideoOverlayProfilesModel model(manager);
+        manager.createText(); // by nobody's profile
+        Profile profile;
+        ElementParam general = ElementParam::createGeneralSettingsDefault();
+        general.remove(QStringLiteral("id"));
+        profile.elements().append(general);
+
+        model.applyChanges(&profile);
+
+        QCOMPARE(profile.elements().size(), 1);
+    }
+
     void aPathOfAPictureIsNotLost_data()
     {
         QTest::addColumn<QByteArray>("snip");
@@ -792,6 +910,20 @@ private Q_SLOTS:
         QCOMPARE(saved(), QStringLiteral("/pictures/b.png"));
         takeLog();
         takeQtWarnings();
+    }
+
+    void thePathThatTheProfileNamesIsKept()
+    {
+        writeNamed(QStringLiteral("a"), "<IMAGE><PATH>/pictures/a.png</PATH></IMAGE>");
+        Overlay overlay;
+        auto &model = overlay.model;
+        QVERIFY(model.setCurrentProfileByIndex(0));
+        const QString key = QStringLiteral("imagePath");
+        overlay.element(0)->getParamObjectRef().insert(key, QStringLiteral("/copies/a.png"));
+        model.applyChanges(model.currentProfile());
+        QCOMPARE(model.currentProfile()->elements().first().value(key).toString(),
+                 QStringLiteral("/pictures/a.png"));
+        takeLog();
     }
 
     void isCurrentProfileChanged_data()
@@ -863,12 +995,75 @@ private Q_SLOTS:
             QCOMPARE(complaint, error(QStringLiteral("Profile changeset doesn't have id key")));
     }
 
+    void savedFavouritesAreNoChange()
+    {
+        writeNamed(QStringLiteral("a"), "<FREETEXT><VISIBLE>true</VISIBLE></FREETEXT>");
+        Overlay overlay;
+        QVERIFY(overlay.model.setCurrentProfileByIndex(0));
+        overlay.manager.getFavoritesModel()->append(QStringLiteral("favourite"));
+
+        overlay.model.saveCurrentProfile();
+
+        QVERIFY(!overlay.model.isCurrentProfileChanged());
+        Profile again;
+        QVERIFY(again.load(pathOf(QStringLiteral("a.xml"))));
+        QCOMPARE(again.elements().first().value(QStringLiteral("favorites")).toStringList(),
+                 QStringList(QStringLiteral("favourite")));
+        takeLog();
+    }
+
     void isCurrentProfileChangedWithoutOne()
     {
         Overlay overlay;
         takeLog();
         QVERIFY(!overlay.model.isCurrentProfileChanged());
         QCOMPARE(takeLog(), QStringList {error(QStringLiteral("Current profile is null"))});
+    }
+
+    void elementsWithoutRecordCountAsTheyWereLoaded()
+    {
+        writeNamed(QStringLiteral("a"),
+                   "<SYSTEMTEXT><COL_Bound_Column>SPEED</COL_Bound_Column></SYSTEMTEXT>"
+                   "<SYSTEMTEXT><COL_Bound_Column>DATE</COL_Bound_Column></SYSTEMTEXT>");
+        Overlay overlay;
+        QVERIFY(overlay.model.setCurrentProfileByIndex(0));
+        QVERIFY(!overlay.model.isCurrentProfileChanged());
+        QVERIFY(overlay.manager.deleteElement(0));
+        QVERIFY(overlay.model.isCurrentProfileChanged());
+        takeLog();
+    }
+
+    void whatWasBuiltIsTheBaseline_data()
+    {
+        QTest::addColumn<bool>("atOnce");
+        QTest::newRow("at once, without a word") << true;
+        QTest::newRow("later, and announced") << false;
+    }
+
+    void whatWasBuiltIsTheBaseline()
+    {
+        // A system text that nobody serves is an element without a record.
+        QFETCH(bool, atOnce);
+        writeThree();
+        CVideoOverlayCapabilities capabilities;
+        CVideoOverlayControl control;
+        CVideoOverlayManager manager(control, capabilities);
+        VideoOverlayProfilesModel model(manager);
+        const auto build = [&manager] {
+            manager.createText();
+            manager.setGeneralSettings(ElementParam::createGeneralSettingsDefault());
+            manager.resetChanges();
+        };
+        if (atOnce)
+            connect(&model, &VideoOverlayProfilesModel::currentProfileChanged, &manager, build);
+        QVERIFY(model.setCurrentProfileByIndex(0));
+        if (!atOnce) {
+            build();
+            QVERIFY(model.isCurrentProfileChanged());
+            Q_EMIT model.profileLoaded();
+        }
+        QVERIFY(!model.isCurrentProfileChanged());
+        takeLog();
     }
 
     void elementsThatComeWithTheirRecordsAreNoEdit()
@@ -1039,6 +1234,25 @@ private Q_SLOTS:
         QCOMPARE(overlay.manager.elementsCount(), 0);
         QCOMPARE(ProfileFolders::read(COsdSettings::xmlSettingsPath()), settings);
         QCOMPARE(takeLog(), QStringList());
+    }
+
+    void removeTheOnlyProfileBesideAForeignOne()
+    {
+        writeNamed(QStringLiteral("a"));
+        Profile foreign;
+        Overlay overlay;
+        auto &model = overlay.model;
+        QVERIFY(model.setCurrentProfile(&foreign));
+        QCOMPARE(model.currentProfileIndex(), -1);
+        QSignalSpy changed(&model, &VideoOverlayProfilesModel::currentProfileChanged);
+
+        QVERIFY(model.remove(0));
+
+        QCOMPARE(changed.count(), 1);
+        QCOMPARE(changed.first().first().value<Profile *>(), nullptr);
+        takeLog();
+        QCOMPARE(model.currentProfile(), nullptr);
+        takeLog();
     }
 
     void removeNoRow()

@@ -276,6 +276,42 @@ private Q_SLOTS:
         takeLog();
     }
 
+    void theFreeTextIsAnnouncedWhenItIsComplete()
+    {
+        QString state;
+        QObject context;
+        connect(m_world->manager->getFavoritesModel(),
+                &Velmar::Shared::QmlStringListModel::stringListChanged, &context, [&] {
+                    const CVideoOverlayElement *const element = m_world->manager->getElement(0);
+                    state = QStringLiteral("%1 datasource, %2 free text")
+                                .arg(element && datasourceOf(element) ? 1 : 0)
+                                .arg(m_world->model().freeText() ? 1 : 0);
+                });
+        Profile profile;
+        profile.elements().append(recordOfType(int(Type::FreeText)));
+        profile.elements().last().insert(QStringLiteral("favorites"),
+                                         QStringList(QStringLiteral("one")));
+        m_world->load(profile);
+        QCOMPARE(state, QStringLiteral("1 datasource, 0 free text"));
+        takeLog();
+    }
+
+    void generalSettingsComeInTheirTurn()
+    {
+        ElementParam general = ElementParam::createGeneralSettingsDefault();
+        general.insert(QStringLiteral("kx70ii_col"), 12);
+        QList<ElementParam> records {recordOfType(0), general, recordOfType(0)};
+        QStringList applied;
+        QObject context;
+        connect(m_world->manager.get(), &CVideoOverlayManager::kx70iiChanged, &context, [&] {
+            applied.append(QStringLiteral("%1 after %2")
+                               .arg(m_world->manager->kx70iiCol())
+                               .arg(m_world->manager->elementsCount()));
+        });
+        m_world->builder->createElements(*m_world->manager, records);
+        QCOMPARE(applied, QStringList({QStringLiteral("0 after 0"), QStringLiteral("12 after 1")}));
+    }
+
     void theLastFreeTextCounts()
     {
         Profile profile;
@@ -339,12 +375,47 @@ private Q_SLOTS:
 
         QCOMPARE(m_world->manager->elementsCount(), 5);
         for (int i = 0; i < 4; ++i) {
-            QVERIFY(!datasourceOf(m_world->manager->getElement(i)));
-            QCOMPARE(m_world->manager->getElement(i)->type(), Type::Invalid); // as it was made
+            const CVideoOverlayElement *const element = m_world->manager->getElement(i);
+            QVERIFY(!datasourceOf(element));
+            QCOMPARE(element->type(), Type::Invalid); // as it was made
+            // The record knows it all the same.
+            QCOMPARE(profile.elements().at(i).value(QStringLiteral("id")).toInt(), element->id());
         }
         const QStringList log = takeLog();
         for (const char *type : {"1", "2", "3", "6"})
             QCOMPARE(log.count(::noDatasource(QString::fromLatin1(type))), 1);
+    }
+
+    void whatNobodyServesStandsInForItself()
+    {
+        Profile profile;
+        for (const char *name : {"SPEED", "DATE", "TIME"}) {
+            profile.elements().append(recordOfType(int(Type::SystemText)));
+            profile.elements().last().insert(ElementParam::NAME_COLUMNBOUND,
+                                             QString::fromLatin1(name));
+        }
+        m_world->load(profile);
+        // Removed before anything was saved: no other may lose its record for that.
+        QVERIFY(m_world->manager->deleteElement(1));
+
+        m_world->profiles->applyChanges(&profile);
+
+        QStringList columns;
+        for (const ElementParam &record : profile.elements())
+            columns.append(record.value(ElementParam::NAME_COLUMNBOUND).toString());
+        QCOMPARE(columns,
+                 QStringList({QStringLiteral("SPEED"), QStringLiteral("TIME"), QString()}));
+        takeLog();
+    }
+
+    void constructDatasourceAloneLeavesTheRecord()
+    {
+        CVideoOverlayText element;
+        ElementParam record = recordOfType(3);
+        const ElementParam before = record;
+        QVERIFY(!m_world->builder->constructDatasource(&element, record));
+        QCOMPARE(record, before);
+        takeLog();
     }
 
     void aDestroyedFactoryIsNotAsked()
@@ -455,6 +526,7 @@ private Q_SLOTS:
     {
         QSignalSpy loaded(m_world->builder, &COsdBuilder::profileLoaded);
         Profile profile;
+        profile.setPath(QStringLiteral("/profiles/Main.xml")); // not what people call it: its name
         m_world->load(profile);
         QCOMPARE(loaded.count(), 1);
         m_world->builder->load(&profile);
@@ -518,6 +590,10 @@ private Q_SLOTS:
         m_world->builder->loadInspectionTexts();
         m_world->builder->templateChanged();
         m_world->builder->hideInspTextsForSimpleProjectOrNoActiveProject();
+        QSet<QString> keys {QStringLiteral("SECTION.OBJ_Key.3")};
+        m_world->builder->overridingWithNewColumns(keys, {}, &profile);
+        m_world->builder->removeUnusedElements(&profile, {}, keys);
+        QCOMPARE(profile.elements().size(), 1);
         m_world->templates.load({{QStringLiteral("SECTION"), QStringLiteral("OBJ_Key"), {}}});
         AppStateControl::setActiveProject({});
         QCOMPARE(takeLog(), QStringList());
@@ -540,6 +616,8 @@ private Q_SLOTS:
         QCOMPARE(m_world->manager->elementsCount(), 2);
         QVERIFY(!datasourceOf(m_world->manager->getElement(0)));
         QVERIFY(datasourceOf(m_world->manager->getElement(1)));
+        QCOMPARE(profile.elements().first().value(QStringLiteral("id")).toInt(),
+                 m_world->manager->getElement(0)->id());
         QVERIFY(takeLog().contains(QStringLiteral("1 ") + category
                                    + QStringLiteral("OSD builder: a factory failed for '1'")));
     }

@@ -58,20 +58,21 @@ private Q_SLOTS:
         };
         const char *const tables[]
             = {"SECTION", "NODE", "PROJECT", "SECINSP", "SECOBS", "JOB", "section", "OTHER", ""};
-        const char *const endings[] = {"", "x", "_REF", "_FK", "_REFx", "_ref"};
+        const char *const endings[] = {"", "x", "_REF", "_FK", "_REFx", "_ref", "_FKx", "_fk"};
         for (auto it = tablesOfPrefix.begin(); it != tablesOfPrefix.end(); ++it) {
             for (const char *table : tables) {
                 for (const char *ending : endings) {
                     const QString tableName = QString::fromLatin1(table);
                     const QString name = it.key() + QString::fromLatin1(ending);
                     const bool reference = !qstrcmp(ending, "_REF") || !qstrcmp(ending, "_FK");
-                    const bool offered = it.value().contains(tableName) && !reference;
+                    const bool belongs = it.value().contains(tableName);
+                    const bool offered = belongs && !reference;
                     QTest::newRow(qPrintable(tableName + QLatin1Char(' ') + name))
                         << tableName << name
                         << (!offered                                   ? QString()
                                 : tableName == QLatin1String("SECOBS") ? QStringLiteral("3")
                                                                        : QStringLiteral("36"))
-                        << (!reference && !offered);
+                        << !belongs; // a reference, too
                 }
             }
         }

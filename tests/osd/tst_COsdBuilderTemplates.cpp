@@ -1,12 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/platform/AppStateControl.h"
 #include "tests/osd/BuilderWorld.h"
+#include "tests/support/LiveOverlay.h"
 #include "tests/support/LoggedTest.h"
 #include "videooverlay/captions/TemplateCaptionResolver.h"
 #include "videooverlay/osd/COsdBuilder.h"
 #include "videooverlay/osd/COsdDomainDatasource.h"
 #include "videooverlay/osd/COsdDomainDatasourceFactory.h"
 
+#include <QRegularExpression>
 #include <QSignalSpy>
 #include <QTest>
 
@@ -55,8 +57,7 @@ ColumnSpec column(const char *table, const char *name)
 /// What the builder itself logged about the texts that it keeps in step.
 QStringList aboutTexts(const QStringList &log)
 {
-    return log.filter(QStringLiteral("insp. text"))
-        + log.filter(QStringLiteral("Deleting unused element"));
+    return log.filter(QRegularExpression(QStringLiteral("insp\\. text|Deleting unused element")));
 }
 
 } // namespace
@@ -76,16 +77,21 @@ private Q_SLOTS:
                               inspectionRecord(QStringLiteral("SECTION"), QStringLiteral("A"), 6),
                               recordOfType(7),
                               recordOfType(1),
-                              recordOfType(3)};
+                              recordOfType(3),
+                              inspectionRecord(QStringLiteral("NODE"), QStringLiteral("B"), 3),
+                              inspectionRecord(QStringLiteral("NODE"), QStringLiteral("B"), 3),
+                              recordOfType(QStringLiteral("InspStaticText"))};
         profile.elements()[2].insert(QStringLiteral("type"), QStringLiteral("6"));
         QHash<QString, const ElementParam *> existing;
 
         m_world->builder->createLookupHashFromExistingColumns(&profile, existing);
 
-        QCOMPARE(existing.size(), 3);
+        QCOMPARE(existing.size(), 5);
         QCOMPARE(existing.value(QStringLiteral("SECTION.A.3")), &profile.elements()[1]);
         QCOMPARE(existing.value(QStringLiteral("SECTION.A.6")), &profile.elements()[2]);
         QCOMPARE(existing.value(QStringLiteral("..3")), &profile.elements()[5]);
+        QCOMPARE(existing.value(QStringLiteral("NODE.B.3")), &profile.elements()[7]); // the last
+        QCOMPARE(existing.value(QStringLiteral("..6")), &profile.elements()[8]);      // by its name
     }
 
     void missingColumnsAreAdded()
@@ -134,6 +140,25 @@ private Q_SLOTS:
         QCOMPARE(m_world->manager->elementsCount(), 4);
         QCOMPARE(aboutTexts(takeLog()), QStringList());
         QCOMPARE(reset.count(), 2);
+    }
+
+    void eachIsNamedBeforeItIsAdded()
+    {
+        m_domainFactory.reset();
+        QStringList said;
+        TestFactory making([&](CVideoOverlayElement *element, ElementParam &record) {
+            said += aboutTexts(takeLog());
+            said.append(record.value(QStringLiteral("type")).toString());
+            return new COsdElementDatasource(element, record);
+        });
+        m_world->builder->registerFactory(&making);
+        Profile profile;
+        m_world->load(profile);
+        m_world->templates.load({column("SECTION", "OBJ_Key")});
+        QCOMPARE(said,
+                 QStringList({adding(QStringLiteral("SECTION.OBJ_Key.3")), QStringLiteral("3"),
+                              adding(QStringLiteral("SECTION.OBJ_Key.6")), QStringLiteral("6")}));
+        takeLog();
     }
 
     void loadAddsToo()
@@ -203,6 +228,38 @@ private Q_SLOTS:
             ids.insert(record.value(QStringLiteral("id")).toInt());
         for (const CVideoOverlayElement *element : m_world->manager->getElementList())
             QVERIFY(ids.contains(element->id()));
+    }
+
+    void eachIsNamedWhenItGoes()
+    {
+        Profile profile;
+        for (const char *name : {"OBJ_A", "OBJ_B", "OBJ_C"})
+            profile.elements().append(
+                inspectionRecord(QStringLiteral("SECTION"), QString::fromLatin1(name), 3));
+        m_world->load(profile);
+        CVideoOverlayManager &manager = *m_world->manager;
+        const int first = manager.getElement(0)->id();
+        takeLog();
+        QStringList going;
+        QObject context;
+        connect(&manager, &CVideoOverlayManager::beforeRemoveElement, &context,
+                [&](CVideoOverlayElement *element) {
+                    going.append(QString::number(element->id() - first));
+                    going += aboutTexts(takeLog());
+                    if (element->id() == first + 1) // takes the last one along
+                        manager.deleteElement(1);
+                });
+
+        m_world->templates.load({});
+
+        QCOMPARE(going,
+                 QStringList({QStringLiteral("0"),
+                              trace(QStringLiteral("Deleting unused element OBJ_A SECTION")),
+                              QStringLiteral("1"),
+                              trace(QStringLiteral("Deleting unused element OBJ_B SECTION"))}));
+        QCOMPARE(manager.elementsCount(), 0);
+        QCOMPARE(profile.elements().size(), 0);
+        QCOMPARE(aboutTexts(takeLog()), QStringList());
     }
 
     void twoRecordsOfOneKey()
@@ -320,6 +377,117 @@ private Q_SLOTS:
         QCOMPARE(m_world->manager->elementsCount(), 3);
         QCOMPARE(takeLog().filter(QStringLiteral("OSD builder: a factory failed for '6'")).size(),
                  2);
+    }
+
+    void aFactoryThatThrowsAndTakesTheElementAlong()
+    {
+        CVideoOverlayManager &manager = *m_world->manager;
+        TestFactory throwing(
+            [&](CVideoOverlayElement *element, ElementParam &) -> COsdElementDatasource * {
+                manager.deleteElement(manager.rowIndexByID(element->id()));
+                throw std::runtime_error("no");
+            });
+        m_domainFactory.reset();
+        m_world->builder->registerFactory(&throwing);
+        Profile profile;
+        m_world->load(profile);
+        QSignalSpy removed(&manager, &CVideoOverlayManager::beforeRemoveElement);
+
+        m_world->templates.load({column("SECTION", "OBJ_Key")});
+
+        QCOMPARE(profile.elements().size(), 0);
+        QCOMPARE(manager.elementsCount(), 0);
+        QCOMPARE(removed.count(), 0); // nothing was left to remove
+        takeLog();
+    }
+
+    void aProfileThatDiesWhileTextsAreAdded()
+    {
+        auto profile = std::make_unique<Profile>();
+        profile->elements()
+            = {inspectionRecord(QStringLiteral("SECTION"), QStringLiteral("OBJ_Old"), 3)};
+        m_world->load(*profile);
+        m_domainFactory.reset();
+        TestFactory last([&profile](CVideoOverlayElement *element, ElementParam &record) {
+            auto *const datasource = new COsdElementDatasource(element, record);
+            profile.reset();
+            return datasource;
+        });
+        m_world->builder->registerFactory(&last);
+        takeLog();
+
+        m_world->templates.load({column("SECTION", "OBJ_Key")});
+
+        QVERIFY(!profile);
+        // One was added, and the old one stays: there is nothing to be in step with any more.
+        QCOMPARE(m_world->manager->elementsCount(), 2);
+        QCOMPARE(aboutTexts(takeLog()), QStringList(adding(QStringLiteral("SECTION.OBJ_Key.3"))));
+    }
+
+    void addedTextsThatNobodyServes()
+    {
+        m_domainFactory.reset();
+        Profile profile;
+        m_world->load(profile);
+        m_world->templates.load({column("SECTION", "OBJ_Key")});
+        QCOMPARE(inspectionKeys(profile).size(), 2);
+        for (int i : {0, 1}) {
+            const CVideoOverlayElement *const element = m_world->manager->getElement(1 - i);
+            QVERIFY(!datasourceOf(element));
+            QCOMPARE(profile.elements().at(i).value(QStringLiteral("id")).toInt(), element->id());
+        }
+        QCOMPARE(takeLog().filter(QStringLiteral("cannot find datasource")).size(), 2);
+    }
+
+    void addedTextsAreHiddenAtOnce()
+    {
+        // No project is open: what the operator enables in a template's text stays hidden.
+        const auto isHidden = [this](int row) {
+            CVideoOverlayElement *const element = m_world->manager->getElement(row);
+            element->setEnabled(true);
+            return element->type() == CVideoOverlayElement::InspStaticText && !element->visible();
+        };
+        Profile profile;
+        m_world->load(profile);
+        int hiddenAtReset = 0;
+        connect(&m_world->model(), &QAbstractItemModel::modelReset, m_world->manager.get(),
+                [&] { hiddenAtReset = isHidden(1) ? 1 : 0; });
+        m_world->templates.load({column("SECTION", "OBJ_Key")});
+        QCOMPARE(hiddenAtReset, 1);
+
+        Profile other;
+        hiddenAtReset = 0;
+        m_world->load(other);
+        QCOMPARE(hiddenAtReset, 1);
+        takeLog();
+    }
+
+    void textsAreInStepWhenTheTemplateIsReady()
+    {
+        Profile profile;
+        m_world->load(profile);
+        int elements = -1;
+        QObject context;
+        connect(COsdDomainDatasource::captionResolver.data(),
+                &TemplateCaptionResolver::templateReady, &context,
+                [&] { elements = m_world->manager->elementsCount(); });
+        QSignalSpy aboutToBeReset(&m_world->model(), &QAbstractItemModel::modelAboutToBeReset);
+        m_world->templates.load({column("SECTION", "OBJ_Key")});
+        QCOMPARE(elements, 2);
+        QCOMPARE(aboutToBeReset.count(), 1);
+        takeLog();
+    }
+
+    void addedTextsAreNotRegistered()
+    {
+        Velmar::Test::RecordingAccessor accessor;
+        m_world->manager->registerElementAccessor(&accessor);
+        Profile profile;
+        m_world->load(profile);
+        m_world->templates.load({column("SECTION", "OBJ_Key")});
+        QCOMPARE(accessor.calls, QStringList());
+        m_world->manager->registerElementAccessor(nullptr);
+        takeLog();
     }
 
     void hide_data()

@@ -61,7 +61,10 @@ struct Records
     {
         project->values.insert(QStringLiteral("PRJ_Name"), QStringLiteral("Elm Road"));
         section->values.insert(QStringLiteral("OBJ_Key"), QStringLiteral("S-17"));
+        project->values.insert(QStringLiteral("PRJ_Client"), QStringLiteral("Ash"));
         section->values.insert(QStringLiteral("XYZ_Key"), QStringLiteral("odd"));
+        section->values.insert(QStringLiteral("JOBX_Key"), QStringLiteral("no job"));
+        section->values.insert(QString(), QStringLiteral("nameless"));
         job->values.insert(QStringLiteral("JOB_Number"), QStringLiteral("J-4"));
         job->values.insert(QStringLiteral("JOB_Site_FK.JOB_City"), QStringLiteral("dotted"));
         inspection->references.insert(QStringLiteral("INS_Job_FK"), job);
@@ -191,7 +194,9 @@ private Q_SLOTS:
         same("SECINSP", "INS_Inspector", "Ada");
         same("SECINSP", "V_INS_Customer", "City");
         same("SECTION", "OBJ_Key", "S-17");
+        same("PROJECT", "PRJ_Client", "Ash");
         same("SECTION", "XYZ_Key", "odd");
+        same("SECTION", "JOBX_Key", "no job");
         row("SECOBS", "OBS_OpCode", none, QStringLiteral("BAB"));
     }
 
@@ -260,6 +265,32 @@ private Q_SLOTS:
         QCOMPARE(m_element->text(), QStringLiteral("<not source>"));
         QCOMPARE(takeLog().first(),
                  warning(QStringLiteral("Domain object not found for ") + column));
+    }
+
+    void theNameAfterTheLastDotCounts()
+    {
+        show(insTable, QStringLiteral("OBJ_Self_FK."));
+        m_records.section->references.insert(QStringLiteral("OBJ_Self_FK"), m_records.section);
+        m_datasource->calculateValue(m_records.inspection);
+        QCOMPARE(m_element->text(), QStringLiteral("nameless"));
+        takeLog();
+    }
+
+    void aPathMayEndInAList()
+    {
+        const QString column = QStringLiteral("OBJ_Node_FK.OBJ_Shape");
+        const auto node = QSharedPointer<TestRecord>::create(Kind::Node);
+        node->values.insert(QStringLiteral("OBJ_Shape"), QStringLiteral("A"));
+        m_records.section->references.insert(QStringLiteral("OBJ_Node_FK"), node);
+        m_templates.load({{QStringLiteral("NODE"),
+                           column,
+                           QString(),
+                           Type::List,
+                           {CListItem(QStringLiteral("A"), QStringLiteral("Circular"))}}});
+        show(QStringLiteral("NODE"), column);
+        m_datasource->calculateValue(m_records.inspection);
+        QCOMPARE(m_element->text(), QStringLiteral("Circular"));
+        takeLog();
     }
 
     void aMissingLevelIsReported_data()
@@ -369,6 +400,8 @@ private Q_SLOTS:
         row("date of a skipped hour", Type::Date, "2024-03-31T02:30:00", "31.03.2024");
         row("no date", Type::Date, "5 March", "5 March",
             error(QStringLiteral("Wrong QDate conversion from 5 March")));
+        row("a date with more behind it", Type::Date, "2024-03-05, noon", "2024-03-05, noon",
+            error(QStringLiteral("Wrong QDate conversion from 2024-03-05, noon")));
         row("no such day", Type::Date, "2024-02-30", "2024-02-30",
             error(QStringLiteral("Wrong QDate conversion from 2024-02-30")));
         row("a time is no date", Type::Date, "12:34:56", "12:34:56",
@@ -460,6 +493,28 @@ private Q_SLOTS:
         QCOMPARE(takeLog().size(), 1); // the one about the value
     }
 
+    void noValueIsNoItem()
+    {
+        m_templates.load({{insTable,
+                           QStringLiteral("INS_Shape"),
+                           QString(),
+                           Type::List,
+                           {CListItem(QString(), QStringLiteral("Unknown"))}}});
+        show(insTable, QStringLiteral("INS_Shape"));
+        const QVariant databaseNull(QVariant::String);
+        for (const QVariant &value : {QVariant(QStringLiteral("")), databaseNull}) {
+            m_records.inspection->values.insert(QStringLiteral("INS_Shape"), value);
+            m_datasource->calculateValue(m_records.inspection);
+            QCOMPARE(m_element->text(), QStringLiteral("Unknown"));
+            m_datasource->calculateValue({});
+        }
+
+        m_records.inspection->values.clear();
+        m_datasource->calculateValue(m_records.inspection);
+        QCOMPARE(m_element->text(), QString());
+        takeLog();
+    }
+
     void aListColumnWithoutList()
     {
         m_templates.load({{insTable, QStringLiteral("INS_Shape"), QString(), Type::List, {}}});
@@ -485,6 +540,11 @@ private Q_SLOTS:
         QCOMPARE(m_datasource->fetchColumnDatasource(*catalog, QStringLiteral("A")),
                  QStringLiteral("Circular"));
         QCOMPARE(takeLog(), QStringList());
+        // Items alone do not make a list.
+        show(insTable, QStringLiteral("INS_Choice"));
+        QCOMPARE(m_datasource->fetchColumnDatasource(*catalog, QStringLiteral("A")), QString());
+        QCOMPARE(m_datasource->getListDetailsCaption(*catalog, QStringLiteral("A")),
+                 QStringLiteral("Circular"));
 
         show(insTable, QStringLiteral("INS_Text"));
         takeLog();
@@ -570,6 +630,12 @@ private Q_SLOTS:
         QTest::newRow("another column")
             << QStringLiteral("OBS_OpCode") << QVariant(QStringLiteral("left side"))
             << QStringLiteral("BAB");
+        QTest::newRow("at the end of a path")
+            << QStringLiteral("OBS_Self_FK.OBS_Observation")
+            << QVariant(QStringLiteral("left side")) << QStringLiteral("Crack / left side");
+        QTest::newRow("on the way only")
+            << QStringLiteral("OBS_Observation.OBS_OpCode") << QVariant(QStringLiteral("left side"))
+            << QStringLiteral("BAB");
     }
 
     void memo()
@@ -578,12 +644,24 @@ private Q_SLOTS:
         QFETCH(QVariant, memo);
         QFETCH(QString, shown);
         m_records.observation->values.insert(QStringLiteral("OBS_Memo"), memo);
+        for (const char *key : {"OBS_Self_FK", "OBS_Observation"})
+            m_records.observation->references.insert(QString::fromLatin1(key),
+                                                     m_records.observation);
         m_templates.load({textColumn(obsTable, column)});
         show(obsTable, column);
 
         m_datasource->calculateValue(m_records.observation);
 
         QCOMPARE(m_element->text(), shown);
+    }
+
+    void noObservationNoMemo()
+    {
+        m_records.inspection->values.insert(QStringLiteral("OBS_Memo"), QStringLiteral("stray"));
+        show(obsTable, QStringLiteral("OBS_Observation"));
+        m_datasource->calculateValue(m_records.inspection);
+        QCOMPARE(m_element->text(), QStringLiteral("<not source>"));
+        takeLog();
     }
 
     void aMemoFollowsTheCaptionOfAListItem()
@@ -648,7 +726,12 @@ private:
                             CListItem(QStringLiteral("D"), QStringLiteral("One")),
                             CListItem(QStringLiteral("D"), QStringLiteral("Two")),
                             CListItem(QStringLiteral("E"), QString())}},
-                          {insTable, QStringLiteral("INS_Text"), QString(), Type::Text, {}}});
+                          {insTable, QStringLiteral("INS_Text"), QString(), Type::Text, {}},
+                          {insTable,
+                           QStringLiteral("INS_Choice"),
+                           QString(),
+                           Type::Text,
+                           {CListItem(QStringLiteral("A"), QStringLiteral("Circular"))}}});
     }
 
     /// A new element bound to this column, without a visible caption.

@@ -77,6 +77,19 @@ private Q_SLOTS:
         QVERIFY(!m_element->visible());
     }
 
+    void aTimeoutRunsFromTheStart()
+    {
+        // The timeout alone would hide the text until something shows it.
+        m_element = std::make_unique<CVideoOverlayText>();
+        ElementParam param = record(QStringLiteral("PRJ_Name"));
+        param.insert(QStringLiteral("timeout"), 60);
+        new COsdDomainStaticTextDatasource(m_element.get(), param);
+        QVERIFY(m_element->visible());
+        QCOMPARE(takeLog(),
+                 QStringList(QStringLiteral("4 VideoOverlayLibrary: ID -1 timeout scheduled to 60 "
+                                            "seconds ")));
+    }
+
     void withoutProjectTheCaptionStands()
     {
         show(QStringLiteral("PRJ_Name"));

@@ -23,6 +23,8 @@ namespace {
 
 constexpr int GeneralSettingsId = 0x0FFFFFFF;
 
+const QString favoritesKey = QStringLiteral("favorites");
+
 /// One counter for the whole library, so that ids are unique across managers and never come again.
 int lastElementId = 0;
 
@@ -666,7 +668,7 @@ QList<ElementParam> CVideoOverlayManager::getAllPropertiesWithChanges()
     for (CVideoOverlayElement *element : qAsConst(m_elements)) {
         ElementParam param = element->getAllProperties();
         if (element->type() == CVideoOverlayElement::FreeText)
-            param.insert(QStringLiteral("favorites"), m_favoritesModel->stringList());
+            param.insert(favoritesKey, m_favoritesModel->stringList());
         all.append(param);
     }
     all.append(generalSettingsGetAllProperties());
@@ -679,15 +681,9 @@ QList<ElementParam> CVideoOverlayManager::getPropertiesWithChanges()
     QList<ElementParam> all;
     for (CVideoOverlayElement *element : qAsConst(m_elements)) {
         ElementParam changed = element->getChangedProperties();
-        if (element->type() == CVideoOverlayElement::FreeText) {
-            const QString key = QStringLiteral("favorites");
-            const QStringList favorites = m_favoritesModel->stringList();
-            if (element->getAllProperties().value(key).toStringList() != favorites) {
-                changed.insert(key, favorites);
-                // Once reported, the favourites count as saved.
-                element->storeParam(key, favorites);
-            }
-        }
+        // Once reported, the favourites count as saved.
+        if (storeFavorites(*element))
+            changed.insert(favoritesKey, m_favoritesModel->stringList());
         if (!changed.isEmpty())
             all.append(changed);
     }
@@ -718,9 +714,21 @@ ElementParam CVideoOverlayManager::generalSettingsGetChanges()
 void CVideoOverlayManager::resetChanges()
 {
     QMutexLocker lock(&m_mutex);
-    for (CVideoOverlayElement *element : qAsConst(m_elements))
+    for (CVideoOverlayElement *element : qAsConst(m_elements)) {
         element->applyChangesToOrigParams();
+        storeFavorites(*element);
+    }
     m_generalSettings = generalSettingsGetAllProperties();
+}
+
+bool CVideoOverlayManager::storeFavorites(CVideoOverlayElement &element)
+{
+    const QStringList favorites = m_favoritesModel->stringList();
+    if (element.type() != CVideoOverlayElement::FreeText
+        || element.getAllProperties().value(favoritesKey).toStringList() == favorites)
+        return false;
+    element.storeParam(favoritesKey, favorites);
+    return true;
 }
 
 } // namespace Velmar::VideoOverlay

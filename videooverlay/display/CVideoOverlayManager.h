@@ -163,6 +163,8 @@ private:
     void onElementChanged(CVideoOverlayElement *element);
     template <typename Value> void setKx70(Value &stored, const Value &value);
     ElementParam generalSettingsGetChanges();
+    /// Takes the favourites into the record of a free text; false when there is nothing to take.
+    bool storeFavorites(CVideoOverlayElement &element);
 
     CVideoOverlayControl &m_control;
     CVideoOverlayImage *m_watermark = nullptr; ///< owned; not among the elements

@@ -16,6 +16,7 @@
 #include "videooverlay/osd/COsdValueDatasource.h"
 #include "videooverlay/profiles/COsdSettings.h"
 
+#include <QScopeGuard>
 #include <QStringList>
 
 #include <algorithm>
@@ -55,13 +56,17 @@ const OfferedColumn offeredColumns[] = {
     {QLatin1String("V_INS_TimeOfEnd"), QLatin1String("SECINSP")},
 };
 
-/// False for columns that nobody means to show, which includes every reference.
+/// False for columns that nobody means to show.
 bool isDisplayName(const QString &column)
 {
-    return !column.endsWith(QLatin1String("_REF")) && !column.endsWith(QLatin1String("_FK"))
-        && std::any_of(
-            std::begin(offeredColumns), std::end(offeredColumns),
-            [&column](const OfferedColumn &offered) { return column.startsWith(offered.prefix); });
+    return std::any_of(
+        std::begin(offeredColumns), std::end(offeredColumns),
+        [&column](const OfferedColumn &offered) { return column.startsWith(offered.prefix); });
+}
+
+bool isReference(const QString &column)
+{
+    return column.endsWith(QLatin1String("_REF")) || column.endsWith(QLatin1String("_FK"));
 }
 
 bool isOfferedUnder(const QString &table, const QString &column)
@@ -206,14 +211,14 @@ void COsdBuilder::createElement(CVideoOverlayManager &manager, ElementParam &rec
 {
     switch (typeOf(record)) {
     case Type::FreePicture:
-        constructDatasource(manager.createImage(), record);
+        serve(*manager.createImage(), record);
         return;
     case Type::InspText:
     case Type::InspStaticText:
-        constructDatasource(manager.createText(), record);
+        serve(*manager.createText(), record);
         return;
     case Type::SystemText:
-        constructDatasource(manager.createText(record), record);
+        serve(*manager.createText(record), record);
         return;
     case Type::FreeText:
         createFreeText(manager, record);
@@ -228,6 +233,19 @@ void COsdBuilder::createElement(CVideoOverlayManager &manager, ElementParam &rec
         break;
     }
     createStaticText(manager, record);
+}
+
+void COsdBuilder::serve(CVideoOverlayElement &element, ElementParam &record)
+{
+    const int id = element.id();
+    COsdElementDatasource *datasource = nullptr;
+    // A datasource has written the id. Without one the record must be found again, too: it stands
+    // in for the element when the profile is saved.
+    const auto nameElement = qScopeGuard([&] {
+        if (!datasource)
+            record.insert(QStringLiteral("id"), id);
+    });
+    datasource = constructDatasource(&element, record);
 }
 
 void COsdBuilder::createFreeText(CVideoOverlayManager &manager, ElementParam &record)
@@ -273,13 +291,14 @@ void COsdBuilder::loadInspectionTexts()
     if (!catalogTemplate || !m_manager)
         return;
     QSet<QString> keys = getAllOsdColumnsForTemplate(*catalogTemplate);
-    Profile *const profile = m_manager->currentProfile();
+    const QPointer<Profile> profile(m_manager->currentProfile());
     if (!profile)
         return;
     QHash<QString, const ElementParam *> existing;
     createLookupHashFromExistingColumns(profile, existing);
     overridingWithNewColumns(keys, existing, profile);
-    removeUnusedElements(profile, existing, keys);
+    if (profile) // a handler of what was added may have ended it
+        removeUnusedElements(profile, existing, keys);
 }
 
 void COsdBuilder::templateChanged()
@@ -313,6 +332,8 @@ COsdBuilder::getAllOsdColumnsForTemplate(const Templates::CCatalogTemplate &cata
                     + QStringLiteral("> column's prefix!"));
             return;
         }
+        if (isReference(name))
+            return; // where it belongs, but nothing to read
         keys.insert(generateOsdColumnsKey(table, name, Type::InspText));
         // What belongs to an observation appears and expires; it never stands still.
         if (table != observationTable)
@@ -377,7 +398,7 @@ void COsdBuilder::addInspectionText(const QString &key, Profile &profile)
     QPointer<CVideoOverlayText> element;
     try {
         element = m_manager->createText();
-        constructDatasource(element, profile.elements().first());
+        serve(*element, profile.elements().first());
     } catch (...) {
         log(LogLevel::Error,
             QStringLiteral("OSD builder: a factory failed for '") + type + QLatin1Char('\''));
@@ -399,21 +420,22 @@ void COsdBuilder::removeUnusedElements(Profile *profile,
     // Collected first: an element takes its record along when it is deleted.
     const QList<CVideoOverlayElement *> elements = m_manager->getElementList();
     for (CVideoOverlayElement *element : elements) {
-        const ElementParam record = element->getParamObject();
-        const QString key = inspectionKeyOf(record);
+        const QString key = inspectionKeyOf(element->getParamObject());
         if (!existing.contains(key) || keys.contains(key))
             continue;
-        log(LogLevel::Debug,
-            QStringLiteral("Deleting unused element ")
-                + record.value(ElementParam::NAME_COLUMNBOUND).toString() + QLatin1Char(' ')
-                + record.value(tableKey).toString());
         removed.insert(key);
         unused.append(element);
     }
     const QPointer<Profile> guarded(profile);
     for (const QPointer<CVideoOverlayElement> &element : unused) {
-        if (element && m_manager)
-            m_manager->deleteElementFromModel(element);
+        if (!element || !m_manager)
+            continue;
+        const ElementParam record = element->getParamObject();
+        log(LogLevel::Debug,
+            QStringLiteral("Deleting unused element ")
+                + record.value(ElementParam::NAME_COLUMNBOUND).toString() + QLatin1Char(' ')
+                + record.value(tableKey).toString());
+        m_manager->deleteElementFromModel(element);
     }
     if (guarded)
         eraseRecords(guarded->elements(), removed);

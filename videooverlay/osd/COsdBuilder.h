@@ -103,6 +103,8 @@ private:
 
     void forgetFactory(CAbstractOsdDatasourceFactory *factory);
     void createElement(CVideoOverlayManager &manager, ElementParam &record);
+    /// Asks the factories. The record gets the id of @p element, whether one serves it or not.
+    void serve(CVideoOverlayElement &element, ElementParam &record);
     void createFreeText(CVideoOverlayManager &manager, ElementParam &record);
     void createStaticText(CVideoOverlayManager &manager, ElementParam &record);
     void addInspectionText(const QString &key, Profile &profile);

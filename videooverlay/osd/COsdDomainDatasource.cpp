@@ -212,6 +212,8 @@ COsdDomainDatasource::getListDetailsCaption(const Templates::CCatalogTemplate &c
             QStringLiteral("No details list found for column ") + getColumnName());
         return QString();
     }
+    if (!value.isValid())
+        return QString(); // no value is no item, not even the one of the empty text
     // As text: the database may hold a number where the catalog has digits, and "03" is not 3.
     const QString internalValue = value.toString();
     const auto item = std::find_if(items->cbegin(), items->cend(),
