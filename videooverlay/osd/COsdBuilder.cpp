@@ -56,17 +56,13 @@ const OfferedColumn offeredColumns[] = {
     {QLatin1String("V_INS_TimeOfEnd"), QLatin1String("SECINSP")},
 };
 
-/// False for columns that nobody means to show.
+/// False for columns that nobody means to show, which includes every reference.
 bool isDisplayName(const QString &column)
 {
-    return std::any_of(
-        std::begin(offeredColumns), std::end(offeredColumns),
-        [&column](const OfferedColumn &offered) { return column.startsWith(offered.prefix); });
-}
-
-bool isReference(const QString &column)
-{
-    return column.endsWith(QLatin1String("_REF")) || column.endsWith(QLatin1String("_FK"));
+    return !column.endsWith(QLatin1String("_REF")) && !column.endsWith(QLatin1String("_FK"))
+        && std::any_of(
+            std::begin(offeredColumns), std::end(offeredColumns),
+            [&column](const OfferedColumn &offered) { return column.startsWith(offered.prefix); });
 }
 
 bool isOfferedUnder(const QString &table, const QString &column)
@@ -332,8 +328,6 @@ COsdBuilder::getAllOsdColumnsForTemplate(const Templates::CCatalogTemplate &cata
                     + QStringLiteral("> column's prefix!"));
             return;
         }
-        if (isReference(name))
-            return; // where it belongs, but nothing to read
         keys.insert(generateOsdColumnsKey(table, name, Type::InspText));
         // What belongs to an observation appears and expires; it never stands still.
         if (table != observationTable)
