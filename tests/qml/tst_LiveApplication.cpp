@@ -144,6 +144,7 @@ private Q_SLOTS:
     void liveInput();
     void closesWhenTheRecordingIsComplete();
     void editorShowsWhatIsRecorded();
+    void chosenStaysChosen();
 
 private:
     using Change = std::function<void(LiveApplication::Setup &)>;
@@ -1182,6 +1183,22 @@ void tst_LiveApplication::editorShowsWhatIsRecorded()
     QVERIFY(different <= pixels / 1000);
     QVERIFY(covered > pixels / 200); // there is an overlay
     editor.revert();
+}
+
+void tst_LiveApplication::chosenStaysChosen()
+{
+    const QStringList path {QStringLiteral("navProfiles"), QStringLiteral("profile1"),
+                            QStringLiteral("navEditor"),   QStringLiteral("panel2"),
+                            QStringLiteral("navProject"),  QStringLiteral("units0")};
+    for (const QString &name : path) {
+        for (int times = 1; times <= 3; ++times) {
+            QVERIFY(m_robot.click(name));
+            QVERIFY2(m_robot.find(name)->property("checked").toBool(), qPrintable(name));
+        }
+    }
+    QVERIFY(m_robot.click(QStringLiteral("units1")));
+    QVERIFY(!m_robot.find(QStringLiteral("units0"))->property("checked").toBool());
+    m_live->project().setImperial(false);
 }
 
 QTEST_MAIN(tst_LiveApplication)

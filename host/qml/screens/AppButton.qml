@@ -21,6 +21,8 @@ Button {
     activeFocusOnTab: true
     Keys.onReturnPressed: clicked()
     Keys.onEnterPressed: clicked()
+    // Being checked makes a button checkable; touched again, it would look as if it were not chosen.
+    onCheckableChanged: checkable = false
 
     contentItem: Text {
         text: control.symbol === "" ? control.text
