@@ -145,6 +145,7 @@ private Q_SLOTS:
     void closesWhenTheRecordingIsComplete();
     void editorShowsWhatIsRecorded();
     void chosenStaysChosen();
+    void heldReturnIsOnePress();
 
 private:
     using Change = std::function<void(LiveApplication::Setup &)>;
@@ -1199,6 +1200,23 @@ void tst_LiveApplication::chosenStaysChosen()
     QVERIFY(m_robot.click(QStringLiteral("units1")));
     QVERIFY(!m_robot.find(QStringLiteral("units0"))->property("checked").toBool());
     m_live->project().setImperial(false);
+}
+
+void tst_LiveApplication::heldReturnIsOnePress()
+{
+    const auto pressReturn = [this](bool isRepeated) {
+        QKeyEvent event(QEvent::KeyPress, Qt::Key_Return, Qt::NoModifier, QString(), isRepeated);
+        QCoreApplication::sendEvent(m_live->window(), &event);
+    };
+    m_robot.await(QStringLiteral("osdSwitch"))->forceActiveFocus();
+    pressReturn(false);
+    pressReturn(true);
+    QVERIFY(!m_live->video().overlayEnabled());
+    m_robot.find(QStringLiteral("navEditor"))->forceActiveFocus();
+    pressReturn(true); // held since it was elsewhere
+    QVERIFY(m_robot.find(QStringLiteral("liveScreen")));
+    pressReturn(false);
+    QVERIFY(m_robot.await(QStringLiteral("editorScreen")));
 }
 
 QTEST_MAIN(tst_LiveApplication)
