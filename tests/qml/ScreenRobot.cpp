@@ -93,6 +93,19 @@ bool ScreenRobot::click(const QString &name) const
     return rests;
 }
 
+bool ScreenRobot::tap(const QString &name, int times) const
+{
+    const QQuickItem *item = await(name);
+    if (!item)
+        return false;
+    const QPoint centre = centreOf(*item);
+    for (int i = 0; i < times; ++i) {
+        QTest::touchEvent(m_window, touchScreen()).press(0, centre, m_window);
+        QTest::touchEvent(m_window, touchScreen()).release(0, centre, m_window);
+    }
+    return true;
+}
+
 bool ScreenRobot::type(const QString &name, const QString &text) const
 {
     if (!click(name))

@@ -146,6 +146,7 @@ private Q_SLOTS:
     void editorShowsWhatIsRecorded();
     void chosenStaysChosen();
     void heldReturnIsOnePress();
+    void trembling();
 
 private:
     using Change = std::function<void(LiveApplication::Setup &)>;
@@ -1217,6 +1218,19 @@ void tst_LiveApplication::heldReturnIsOnePress()
     QVERIFY(m_robot.find(QStringLiteral("liveScreen")));
     pressReturn(false);
     QVERIFY(m_robot.await(QStringLiteral("editorScreen")));
+}
+
+void tst_LiveApplication::trembling()
+{
+    // Two quick touches begin one recording, and two end it.
+    QVERIFY(m_robot.tap(QStringLiteral("recordButton"), 2));
+    QCOMPARE(m_live->video().recordState(), VideoController::Recording);
+    QTRY_VERIFY_WITH_TIMEOUT(m_live->video().recordedTime() == QLatin1String("00:02"), 20000);
+    QSignalSpy finished(&m_live->video(), &VideoController::recordingFinished);
+    QVERIFY(m_robot.tap(QStringLiteral("recordButton")));
+    QVERIFY(finished.count() > 0 || finished.wait(20000));
+    QVERIFY(m_robot.tap(QStringLiteral("recordButton")));
+    QCOMPARE(m_live->video().recordState(), VideoController::Idle);
 }
 
 QTEST_MAIN(tst_LiveApplication)

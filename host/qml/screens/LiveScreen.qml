@@ -107,7 +107,16 @@ ColumnLayout {
             fill: Theme.danger
             ink: Theme.dangerInk
             enabled: video.recordState !== VideoController.Finishing && (screen.recording || video.running)
-            onClicked: screen.recording ? video.stopRecording() : video.startRecording()
+            onClicked: {
+                if (settling.running)   // the second touch of a trembling finger
+                    return
+                settling.restart()
+                screen.recording ? video.stopRecording() : video.startRecording()
+            }
+            Timer {
+                id: settling
+                interval: 1000
+            }
         }
     }
     ObservationCard {
