@@ -147,6 +147,7 @@ private Q_SLOTS:
     void chosenStaysChosen();
     void heldReturnIsOnePress();
     void trembling();
+    void noInspectionIsTold();
 
 private:
     using Change = std::function<void(LiveApplication::Setup &)>;
@@ -1231,6 +1232,17 @@ void tst_LiveApplication::trembling()
     QVERIFY(finished.count() > 0 || finished.wait(20000));
     QVERIFY(m_robot.tap(QStringLiteral("recordButton")));
     QCOMPARE(m_live->video().recordState(), VideoController::Idle);
+}
+
+void tst_LiveApplication::noInspectionIsTold()
+{
+    const QStringList languages {QStringLiteral("en"), QStringLiteral("de")};
+    for (const QString &language : languages) {
+        m_live->project().setLanguage(language);
+        const QQuickItem *name = m_robot.await(QStringLiteral("inspectionName"));
+        QVERIFY(name);
+        QTRY_VERIFY2(!name->property("truncated").toBool(), qPrintable(language));
+    }
 }
 
 QTEST_MAIN(tst_LiveApplication)

@@ -77,9 +77,11 @@ ColumnLayout {
             }
             AppText {
                 Layout.fillWidth: true
+                objectName: "inspectionName"
                 text: project.inspectionName === "" ? texts.noInspection : project.inspectionName
+                font.pixelSize: project.inspectionName === "" ? Theme.smallFont : Theme.font
                 elide: Text.ElideRight
-                maximumLineCount: 1
+                maximumLineCount: 3
             }
         }
         SwitchRow {
