@@ -147,6 +147,7 @@ private Q_SLOTS:
     void chosenStaysChosen();
     void heldReturnIsOnePress();
     void trembling();
+    void observationOfWhatIsSeen();
     void noInspectionIsTold();
 
 private:
@@ -1232,6 +1233,19 @@ void tst_LiveApplication::trembling()
     QVERIFY(finished.count() > 0 || finished.wait(20000));
     QVERIFY(m_robot.tap(QStringLiteral("recordButton")));
     QCOMPARE(m_live->video().recordState(), VideoController::Idle);
+}
+
+void tst_LiveApplication::observationOfWhatIsSeen()
+{
+    QVERIFY(m_live->project().create(QStringLiteral("Town"), QStringLiteral("1-2"),
+                                     QStringLiteral("EN13508-2-ENG-GB")));
+    QVERIFY(m_robot.click(QStringLiteral("observationButton")));
+    QVERIFY(m_robot.click(QStringLiteral("codeBAB")));
+    QVERIFY(m_robot.find(QStringLiteral("observationSave"))->isEnabled());
+    QVERIFY(m_robot.type(QStringLiteral("observationSearch"), QStringLiteral("BAB")));
+    QVERIFY(m_robot.find(QStringLiteral("observationSave"))->isEnabled()); // still there
+    QVERIFY(m_robot.type(QStringLiteral("observationSearch"), QStringLiteral("BAA")));
+    QVERIFY(!m_robot.find(QStringLiteral("observationSave"))->isEnabled());
 }
 
 void tst_LiveApplication::noInspectionIsTold()
