@@ -148,6 +148,7 @@ private Q_SLOTS:
     void heldReturnIsOnePress();
     void trembling();
     void observationOfWhatIsSeen();
+    void observationStoredAtLast();
     void noInspectionIsTold();
 
 private:
@@ -1246,6 +1247,16 @@ void tst_LiveApplication::observationOfWhatIsSeen()
     QVERIFY(m_robot.find(QStringLiteral("observationSave"))->isEnabled()); // still there
     QVERIFY(m_robot.type(QStringLiteral("observationSearch"), QStringLiteral("BAA")));
     QVERIFY(!m_robot.find(QStringLiteral("observationSave"))->isEnabled());
+}
+
+void tst_LiveApplication::observationStoredAtLast()
+{
+    ProjectController &project = m_live->project();
+    QVERIFY(project.create(QStringLiteral("Town"), QStringLiteral("1-2"),
+                           QStringLiteral("EN13508-2-ENG-GB")));
+    m_live->messages().error(QStringLiteral("That was not stored"));
+    QVERIFY(project.addObservation(QStringLiteral("BAB"), 1.0, QString()));
+    QCOMPARE(m_live->messages().text(), QString());
 }
 
 void tst_LiveApplication::noInspectionIsTold()
