@@ -148,6 +148,7 @@ private Q_SLOTS:
     void heldReturnIsOnePress();
     void trembling();
     void observationOfWhatIsSeen();
+    void messageBesideADialog();
     void observationStoredAtLast();
     void noInspectionIsTold();
 
@@ -1247,6 +1248,27 @@ void tst_LiveApplication::observationOfWhatIsSeen()
     QVERIFY(m_robot.find(QStringLiteral("observationSave"))->isEnabled()); // still there
     QVERIFY(m_robot.type(QStringLiteral("observationSearch"), QStringLiteral("BAA")));
     QVERIFY(!m_robot.find(QStringLiteral("observationSave"))->isEnabled());
+}
+
+void tst_LiveApplication::messageBesideADialog()
+{
+    QVERIFY(m_robot.click(QStringLiteral("navProject")));
+    QVERIFY(m_robot.click(QStringLiteral("projectNew")));
+    QVERIFY(m_robot.type(QStringLiteral("projectName"), QStringLiteral("a/b")));
+    QVERIFY(m_robot.type(QStringLiteral("sectionName"), QStringLiteral("1-2")));
+    QVERIFY(m_robot.click(QStringLiteral("projectCreate")));
+    const QQuickItem *bar = m_robot.await(QStringLiteral("messageBar"));
+    QVERIFY(bar);
+    const QColor ground = bar->property("color").value<QColor>();
+    const auto shown = [&] { return grabbed(*bar, QRectF(1, 1, 1, 1)).pixelColor(0, 0); };
+    QTRY_COMPARE(shown().name(), ground.name()); // not in the dialog's shadow
+    const QQuickItem *create = m_robot.find(QStringLiteral("projectCreate"));
+    QVERIFY(create->mapToScene(QPointF(0, create->height())).y() < bar->mapToScene(QPointF()).y());
+    QVERIFY(m_robot.click(QStringLiteral("messageClose")));
+    QVERIFY(m_robot.awaitGone(QStringLiteral("messageText")));
+    QVERIFY(m_robot.find(QStringLiteral("projectCreate"))); // it is still open, and still modal
+    QVERIFY(m_robot.click(QStringLiteral("navLive")));
+    QVERIFY(!m_robot.find(QStringLiteral("liveScreen")));
 }
 
 void tst_LiveApplication::observationStoredAtLast()
