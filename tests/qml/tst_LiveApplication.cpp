@@ -150,6 +150,7 @@ private Q_SLOTS:
     void observationOfWhatIsSeen();
     void messageBesideADialog();
     void observationStoredAtLast();
+    void projectTouchedAgain();
     void noInspectionIsTold();
 
 private:
@@ -1279,6 +1280,15 @@ void tst_LiveApplication::observationStoredAtLast()
     m_live->messages().error(QStringLiteral("That was not stored"));
     QVERIFY(project.addObservation(QStringLiteral("BAB"), 1.0, QString()));
     QCOMPARE(m_live->messages().text(), QString());
+}
+
+void tst_LiveApplication::projectTouchedAgain()
+{
+    QVERIFY(m_live->project().create(QStringLiteral("Town"), QStringLiteral("1-2"),
+                                     QStringLiteral("EN13508-2-ENG-GB")));
+    QVERIFY(m_robot.click(QStringLiteral("navProject")));
+    QVERIFY(m_robot.click(QStringLiteral("projectFile0")));
+    QCOMPARE(m_live->project().inspectionName(), QStringLiteral("1-2")); // goes on
 }
 
 void tst_LiveApplication::noInspectionIsTold()

@@ -38,7 +38,10 @@ RowLayout {
                 text: modelData.name
                 checked: project.path === modelData.path
                 symbol: checked ? "\u2713" : ""
-                onClicked: project.open(modelData.path)
+                onClicked: {
+                    if (!checked)   // opening it anew would end its inspection
+                        project.open(modelData.path)
+                }
             }
             AppText {
                 anchors.centerIn: parent
