@@ -151,6 +151,7 @@ private Q_SLOTS:
     void messageBesideADialog();
     void observationStoredAtLast();
     void projectTouchedAgain();
+    void neverHides();
     void noInspectionIsTold();
 
 private:
@@ -1289,6 +1290,20 @@ void tst_LiveApplication::projectTouchedAgain()
     QVERIFY(m_robot.click(QStringLiteral("navProject")));
     QVERIFY(m_robot.click(QStringLiteral("projectFile0")));
     QCOMPARE(m_live->project().inspectionName(), QStringLiteral("1-2")); // goes on
+}
+
+void tst_LiveApplication::neverHides()
+{
+    QVERIFY(select(QStringLiteral("Bench")));
+    QVERIFY(m_robot.click(QStringLiteral("navEditor")));
+    m_live->editor().select(manager().rowIndexByID(elementOf(ElementParam::NAME_SPEED)->id()));
+    QVERIFY(m_robot.click(QStringLiteral("panel1")));
+    const QQuickItem *row = m_robot.find(QStringLiteral("propertyTimeout"));
+    QVERIFY(row);
+    QCOMPARE(row->property("label").toString(), QStringLiteral("Never hide"));
+    QVERIFY(m_robot.click(QStringLiteral("propertyTimeoutMore")));
+    QTRY_COMPARE(row->property("label").toString(), QStringLiteral("Hide after"));
+    m_live->editor().revert();
 }
 
 void tst_LiveApplication::noInspectionIsTold()

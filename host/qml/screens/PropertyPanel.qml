@@ -119,7 +119,7 @@ Flickable {
         NumberRow {
             objectName: "propertyTimeout"
             Layout.fillWidth: true
-            label: texts.timeout
+            label: value > 0 ? texts.timeout : texts.timeoutOff
             suffix: " s"
             to: 600
             value: panel.element ? panel.element.timeout : 0
