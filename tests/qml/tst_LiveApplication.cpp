@@ -152,6 +152,7 @@ private Q_SLOTS:
     void observationStoredAtLast();
     void projectTouchedAgain();
     void neverHides();
+    void unreadableProfile();
     void noInspectionIsTold();
 
 private:
@@ -1304,6 +1305,23 @@ void tst_LiveApplication::neverHides()
     QVERIFY(m_robot.click(QStringLiteral("propertyTimeoutMore")));
     QTRY_COMPARE(row->property("label").toString(), QStringLiteral("Hide after"));
     m_live->editor().revert();
+}
+
+void tst_LiveApplication::unreadableProfile()
+{
+    Test::ProfileFolders::write(profilePath(QStringLiteral("Torn")), profileOfTest().left(900));
+    restart();
+    QVERIFY(select(QStringLiteral("Torn")));
+    QTRY_COMPARE(manager().currentProfile()->caption(), QStringLiteral("Torn"));
+    QVERIFY(m_live->messages().isError());
+    const QString told
+        = QStringLiteral("The profile “Torn” cannot be read to its end: unexpected end of file");
+    QCOMPARE(m_live->messages().text(), told);
+    restart(); // with that profile
+    QVERIFY(m_live->messages().isError());
+    QCOMPARE(m_live->messages().text(), told);
+    QVERIFY(select(QStringLiteral("Bench")));
+    QTRY_COMPARE(m_live->messages().text(), QString());
 }
 
 void tst_LiveApplication::noInspectionIsTold()
