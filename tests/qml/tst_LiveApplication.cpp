@@ -153,6 +153,7 @@ private Q_SLOTS:
     void projectTouchedAgain();
     void neverHides();
     void unreadableProfile();
+    void failureIsToldOnce();
     void noInspectionIsTold();
 
 private:
@@ -1322,6 +1323,27 @@ void tst_LiveApplication::unreadableProfile()
     QCOMPARE(m_live->messages().text(), told);
     QVERIFY(select(QStringLiteral("Bench")));
     QTRY_COMPARE(m_live->messages().text(), QString());
+}
+
+void tst_LiveApplication::failureIsToldOnce()
+{
+    m_live.reset();
+    LiveApplication::Setup setup;
+    setup.source = SourceSpec::fromText(m_root->filePath(QStringLiteral("missing.mkv")));
+    setup.projectDirectory = setup.recordingDirectory = m_root->path();
+    m_live = std::make_unique<LiveApplication>();
+    QString error;
+    QVERIFY(m_live->start(setup, &error));
+    m_robot = ScreenRobot(m_live->window());
+    QTRY_VERIFY(m_live->messages().isError());
+    // What is asked of the operator can be read over whatever the overlay shows.
+    const QQuickItem *ground = m_robot.await(QStringLiteral("noPicture"));
+    QVERIFY(ground);
+    QVERIFY(ground->property("color").value<QColor>().alpha() == 255);
+    QVERIFY(m_robot.click(QStringLiteral("messageClose")));
+    QSignalSpy again(&m_live->messages(), &Messages::changed);
+    QVERIFY2(!again.wait(4000), "the same failure is told again"); // it is tried every three
+    QVERIFY(!m_live->video().isRunning());
 }
 
 void tst_LiveApplication::noInspectionIsTold()
