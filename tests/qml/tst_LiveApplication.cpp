@@ -154,6 +154,8 @@ private Q_SLOTS:
     void neverHides();
     void unreadableProfile();
     void failureIsToldOnce();
+    void smallestWindow_data();
+    void smallestWindow();
     void noInspectionIsTold();
 
 private:
@@ -1344,6 +1346,48 @@ void tst_LiveApplication::failureIsToldOnce()
     QSignalSpy again(&m_live->messages(), &Messages::changed);
     QVERIFY2(!again.wait(4000), "the same failure is told again"); // it is tried every three
     QVERIFY(!m_live->video().isRunning());
+}
+
+void tst_LiveApplication::smallestWindow_data()
+{
+    QTest::addColumn<QString>("language");
+    QTest::newRow("English") << QStringLiteral("en");
+    QTest::newRow("German") << QStringLiteral("de");
+}
+
+void tst_LiveApplication::smallestWindow()
+{
+    QFETCH(QString, language);
+    m_live->project().setLanguage(language);
+    QVERIFY(select(QStringLiteral("Bench")));
+    elementOf(ElementParam::NAME_SPEED)->setRow(5); // German says more of what is modified
+    m_live->editor().select(0);
+    m_live->editor().nudge(1, 0);
+    m_live->messages().error(QStringLiteral("Something has failed"));
+    QQuickWindow *window = m_live->window();
+    window->resize(window->minimumSize());
+    QVERIFY(window->minimumWidth() <= 1280 && window->minimumHeight() <= 800);
+    const QStringList wanted {QStringLiteral("recordButton"),  QStringLiteral("save"),
+                              QStringLiteral("deleteElement"), QStringLiteral("panel2"),
+                              QStringLiteral("profileRemove"), QStringLiteral("units1")};
+    const QStringList screens {QStringLiteral("navLive"),     QStringLiteral("navEditor"),
+                               QStringLiteral("navEditor"),   QStringLiteral("navEditor"),
+                               QStringLiteral("navProfiles"), QStringLiteral("navProject")};
+    for (int i = 0; i < wanted.size(); ++i) {
+        QVERIFY(m_robot.click(screens.at(i)));
+        const QQuickItem *item = m_robot.await(wanted.at(i));
+        QVERIFY(item);
+        const QQuickItem *bar = m_robot.find(QStringLiteral("messageBar"));
+        const auto corner
+            = [&] { return item->mapToScene(QPointF(item->width(), item->height())); };
+        QTRY_VERIFY2(corner().x() <= window->width()
+                         && corner().y() <= bar->mapToScene(QPointF()).y(),
+                     qPrintable(QStringLiteral("%1: %2, %3")
+                                    .arg(wanted.at(i))
+                                    .arg(corner().x())
+                                    .arg(corner().y())));
+    }
+    m_live->editor().revert();
 }
 
 void tst_LiveApplication::noInspectionIsTold()
