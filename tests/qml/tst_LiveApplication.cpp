@@ -157,6 +157,7 @@ private Q_SLOTS:
     void smallestWindow_data();
     void smallestWindow();
     void noInspectionIsTold();
+    void undoByKeys();
 
 private:
     using Change = std::function<void(LiveApplication::Setup &)>;
@@ -1399,6 +1400,44 @@ void tst_LiveApplication::noInspectionIsTold()
         QVERIFY(name);
         QTRY_VERIFY2(!name->property("truncated").toBool(), qPrintable(language));
     }
+}
+
+void tst_LiveApplication::undoByKeys()
+{
+    QVERIFY(select(QStringLiteral("Bench")));
+    QVERIFY(m_robot.click(QStringLiteral("navEditor")));
+    EditorController &editor = m_live->editor();
+    editor.addText(QStringLiteral("one"));
+    auto *text = qobject_cast<VideoOverlay::CVideoOverlayText *>(editor.selected());
+    QVERIFY(text);
+    QVERIFY(m_robot.click(QStringLiteral("panel1")));
+    QVERIFY(m_robot.type(QStringLiteral("propertyText"), QStringLiteral("two")));
+    const auto press = [this](QKeySequence::StandardKey key) {
+        QTest::keySequence(m_live->window(), QKeySequence(key));
+    };
+    press(QKeySequence::Undo); // in the field: what the button does, not one more change
+    QCOMPARE(text->text(), QStringLiteral("one"));
+    QVERIFY(editor.history()->canRedo());
+    press(QKeySequence::Redo);
+    QCOMPARE(text->text(), QStringLiteral("two"));
+    QVERIFY(!editor.history()->canRedo());
+
+    const int row = text->row();
+    QVERIFY(m_robot.click(QStringLiteral("arrowDown")));
+    QCOMPARE(text->row(), row + 1);
+    press(QKeySequence::Undo); // wherever the focus is
+    QCOMPARE(text->row(), row);
+    press(QKeySequence::Redo);
+    QCOMPARE(text->row(), row + 1);
+    m_robot.find(QStringLiteral("stageScope"))->forceActiveFocus();
+    press(QKeySequence::Undo);
+    QCOMPARE(text->row(), row);
+    QCOMPARE(text->text(), QStringLiteral("two")); // one step for one press
+    QVERIFY(m_robot.click(QStringLiteral("addText")));
+    QVERIFY(m_robot.await(QStringLiteral("newTextField")));
+    press(QKeySequence::Undo); // not below a dialog
+    QCOMPARE(text->text(), QStringLiteral("two"));
+    editor.revert();
 }
 
 QTEST_MAIN(tst_LiveApplication)

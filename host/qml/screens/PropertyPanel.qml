@@ -83,6 +83,16 @@ Flickable {
                     goesOn = isTyped
                 }
                 onActiveFocusChanged: goesOn = false
+                // Its own undoing would be one more change.
+                Keys.onPressed: {
+                    if (event.matches(StandardKey.Undo)) {
+                        editor.history.undo()
+                        event.accepted = true
+                    } else if (event.matches(StandardKey.Redo)) {
+                        editor.history.redo()
+                        event.accepted = true
+                    }
+                }
             }
         }
         ColumnLayout {
