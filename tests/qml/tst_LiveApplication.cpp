@@ -158,6 +158,7 @@ private Q_SLOTS:
     void smallestWindow();
     void noInspectionIsTold();
     void undoByKeys();
+    void picturesOfAFolderThatIsNotThere();
 
 private:
     using Change = std::function<void(LiveApplication::Setup &)>;
@@ -1438,6 +1439,17 @@ void tst_LiveApplication::undoByKeys()
     press(QKeySequence::Undo); // not below a dialog
     QCOMPARE(text->text(), QStringLiteral("two"));
     editor.revert();
+}
+
+void tst_LiveApplication::picturesOfAFolderThatIsNotThere()
+{
+    restart([this](LiveApplication::Setup &setup) {
+        setup.pictureDirectory = m_root->filePath(QStringLiteral("no/such"));
+    });
+    QVERIFY(m_robot.click(QStringLiteral("navEditor")));
+    QVERIFY(m_robot.click(QStringLiteral("addPicture")));
+    QVERIFY(m_robot.await(QStringLiteral("picturesettings"))); // a folder beside
+    QCOMPARE(m_robot.text(QStringLiteral("pictureFolder")), m_root->path());
 }
 
 QTEST_MAIN(tst_LiveApplication)

@@ -26,6 +26,7 @@ Card {
                 font.bold: true
             }
             AppText {
+                objectName: "pictureFolder"
                 Layout.fillWidth: true
                 text: decodeURIComponent(files.folder.toString().replace("file://", ""))
                 color: Theme.muted
