@@ -159,6 +159,7 @@ private Q_SLOTS:
     void noInspectionIsTold();
     void undoByKeys();
     void picturesOfAFolderThatIsNotThere();
+    void longNamesDiffer();
 
 private:
     using Change = std::function<void(LiveApplication::Setup &)>;
@@ -1450,6 +1451,29 @@ void tst_LiveApplication::picturesOfAFolderThatIsNotThere()
     QVERIFY(m_robot.click(QStringLiteral("addPicture")));
     QVERIFY(m_robot.await(QStringLiteral("picturesettings"))); // a folder beside
     QCOMPARE(m_robot.text(QStringLiteral("pictureFolder")), m_root->path());
+}
+
+void tst_LiveApplication::longNamesDiffer()
+{
+    const QString stem(76, QLatin1Char('W'));
+    const QByteArray nameless = Test::ProfileFolders::profileXml("readonly=\"false\" name=\"\"");
+    for (const char last : {'1', '2'})
+        Test::ProfileFolders::write(profilePath(stem + QLatin1Char(last)), nameless);
+    restart();
+    QVERIFY(m_robot.click(QStringLiteral("navProfiles")));
+    QVector<QImage> rows;
+    for (const char last : {'1', '2'}) {
+        const QString name = stem + QLatin1Char(last);
+        for (int row = 0; row < 4; ++row) {
+            const QQuickItem *item = m_robot.await(QStringLiteral("profile%1").arg(row));
+            QVERIFY(item);
+            if (item->property("text") == name)
+                rows.append(grabbed(*item, QRectF(8, 8, item->width() - 16, item->height() - 16)));
+        }
+    }
+    QCOMPARE(rows.size(), 2);
+    QVERIFY(!rows.first().isNull());
+    QVERIFY(rows.first() != rows.last());
 }
 
 QTEST_MAIN(tst_LiveApplication)

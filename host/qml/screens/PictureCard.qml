@@ -31,6 +31,7 @@ Card {
                 text: decodeURIComponent(files.folder.toString().replace("file://", ""))
                 color: Theme.muted
                 elide: Text.ElideLeft
+                wrapMode: Text.NoWrap   // elides at the end only, if at all, otherwise
                 maximumLineCount: 1
                 horizontalAlignment: Text.AlignRight
             }
