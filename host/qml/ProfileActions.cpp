@@ -8,6 +8,7 @@
 #include <videooverlay/models/VideoOverlayProfilesModel.h>
 
 #include <QFile>
+#include <QFileInfo>
 
 namespace Velmar::Host {
 
@@ -90,6 +91,9 @@ bool ProfileActions::clone(int row, const QString &name)
 bool ProfileActions::rename(int row, const QString &name)
 {
     Profile *profile = profileAt(row);
+    if (profile && profile->caption() == name.trimmed()
+        && QFileInfo(profile->path()).completeBaseName() == name.trimmed())
+        return report(true, {}); // left as it is
     bool done = false;
     const QStringList complaints = Messages::complaintsOf(
         [&] { done = profile && !profile->readOnly() && profile->rename(name.trimmed()); });

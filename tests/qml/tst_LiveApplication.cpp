@@ -160,6 +160,7 @@ private Q_SLOTS:
     void undoByKeys();
     void picturesOfAFolderThatIsNotThere();
     void longNamesDiffer();
+    void renamedToItself();
 
 private:
     using Change = std::function<void(LiveApplication::Setup &)>;
@@ -1474,6 +1475,18 @@ void tst_LiveApplication::longNamesDiffer()
     QCOMPARE(rows.size(), 2);
     QVERIFY(!rows.first().isNull());
     QVERIFY(rows.first() != rows.last());
+}
+
+void tst_LiveApplication::renamedToItself()
+{
+    QVERIFY(m_robot.click(QStringLiteral("navProfiles")));
+    const int row = 1 - m_live->overlay().profiles().currentProfileIndex();
+    QVERIFY(m_robot.click(QStringLiteral("profile%1").arg(row)));
+    QVERIFY(m_robot.click(QStringLiteral("profileRename")));
+    QVERIFY(m_robot.click(QStringLiteral("newNameOk"))); // as it was offered
+    QVERIFY(m_robot.awaitGone(QStringLiteral("newNameOk")));
+    QCOMPARE(m_live->messages().text(), QString());
+    QVERIFY(QFile::exists(profilePath(QStringLiteral("Bench"))));
 }
 
 QTEST_MAIN(tst_LiveApplication)
