@@ -80,6 +80,9 @@ bool ScreenRobot::click(const QString &name) const
         qInfo("%s: %s", qPrintable(name), item ? "is disabled" : "is not there");
         return false;
     }
+    // A question is not answered in its first moment.
+    if (name != QLatin1String("settling") && !awaitGone(QStringLiteral("settling")))
+        return false;
     // A dialog that is just opening or a list that is just laid out still moves.
     QPoint last(-1, -1);
     int sameFor = 0;

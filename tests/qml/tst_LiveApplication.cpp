@@ -161,6 +161,7 @@ private Q_SLOTS:
     void picturesOfAFolderThatIsNotThere();
     void longNamesDiffer();
     void renamedToItself();
+    void questionAfterQuestion();
 
 private:
     using Change = std::function<void(LiveApplication::Setup &)>;
@@ -1487,6 +1488,23 @@ void tst_LiveApplication::renamedToItself()
     QVERIFY(m_robot.awaitGone(QStringLiteral("newNameOk")));
     QCOMPARE(m_live->messages().text(), QString());
     QVERIFY(QFile::exists(profilePath(QStringLiteral("Bench"))));
+}
+
+void tst_LiveApplication::questionAfterQuestion()
+{
+    QVERIFY(select(QStringLiteral("Bench")));
+    m_live->editor().select(manager().rowIndexByID(elementOf(ElementParam::NAME_SPEED)->id()));
+    m_live->editor().nudge(5, 0);
+    QVERIFY(m_robot.click(QStringLiteral("profileRemove")));
+    QVERIFY(m_robot.await(QStringLiteral("removalAnswer0")));
+    QVERIFY(m_robot.awaitGone(QStringLiteral("settling")));
+    QVERIFY(m_robot.tap(QStringLiteral("removalAnswer0")));
+    QVERIFY(m_robot.tap(QStringLiteral("unsavedAnswer1"))); // where the first answer was
+    QVERIFY(m_robot.find(QStringLiteral("unsavedAnswer1")));
+    QVERIFY(m_live->editor().hasUnsavedChanges());
+    QVERIFY(m_robot.awaitGone(QStringLiteral("settling")));
+    QVERIFY(m_robot.tap(QStringLiteral("unsavedAnswer1")));
+    QTRY_VERIFY(!QFile::exists(profilePath(QStringLiteral("Bench"))));
 }
 
 QTEST_MAIN(tst_LiveApplication)
