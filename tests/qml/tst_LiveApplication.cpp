@@ -162,6 +162,7 @@ private Q_SLOTS:
     void longNamesDiffer();
     void renamedToItself();
     void questionAfterQuestion();
+    void secondFinger();
 
 private:
     using Change = std::function<void(LiveApplication::Setup &)>;
@@ -1505,6 +1506,25 @@ void tst_LiveApplication::questionAfterQuestion()
     QVERIFY(m_robot.awaitGone(QStringLiteral("settling")));
     QVERIFY(m_robot.tap(QStringLiteral("unsavedAnswer1")));
     QTRY_VERIFY(!QFile::exists(profilePath(QStringLiteral("Bench"))));
+}
+
+void tst_LiveApplication::secondFinger()
+{
+    QVERIFY(select(QStringLiteral("Bench")));
+    QVERIFY(m_robot.click(QStringLiteral("navEditor")));
+    CVideoOverlayElement *speed = elementOf(ElementParam::NAME_SPEED);
+    CVideoOverlayElement *distance = elementOf(ElementParam::NAME_SECTION_DISTANCE_COUNTER);
+    EditorController &editor = m_live->editor();
+    editor.select(manager().rowIndexByID(speed->id()));
+    editor.beginDrag();
+    editor.dragTo(2, 0);
+    QCOMPARE(speed->column(), 12);
+    const QPoint before(distance->column(), distance->row());
+    editor.select(manager().rowIndexByID(distance->id())); // by another finger, in the list
+    editor.dragTo(3, 1);
+    QCOMPARE(QPoint(distance->column(), distance->row()), before);
+    editor.endDrag();
+    editor.revert();
 }
 
 QTEST_MAIN(tst_LiveApplication)
