@@ -49,6 +49,7 @@ private Q_SLOTS:
 
     void typesIntoADialog();
     void leavesTheFieldInSight();
+    void isAboveTheScreens();
 
 private:
     const QQuickItem *keyFor(QChar letter) const;
@@ -172,6 +173,28 @@ void tst_OnScreenKeyboard::leavesTheFieldInSight()
     QVERIFY(m_robot.awaitGone(QStringLiteral("keyboard")));
     QTRY_COMPARE(onScreen(*field).bottom(), before);
     editor.revert();
+}
+
+void tst_OnScreenKeyboard::isAboveTheScreens()
+{
+    QVERIFY(m_robot.click(QStringLiteral("navEditor")));
+    QVERIFY(m_robot.click(QStringLiteral("elementSearch")));
+    const QQuickItem *keyboard = m_robot.await(QStringLiteral("keyboard"));
+    QVERIFY(keyboard);
+    const QQuickItem *covered = m_robot.find(QStringLiteral("addText"));
+    QVERIFY(covered);
+    const QRectF button = onScreen(*covered);
+    QVERIFY(onScreen(*keyboard).contains(button));
+    // One of these keys is where the button is, which must not take the touch.
+    const QString letters = QStringLiteral("ouik");
+    bool isOverTheButton = false;
+    for (const QChar letter : letters) {
+        QVERIFY(press(letter));
+        isOverTheButton = isOverTheButton || button.contains(onScreen(*keyFor(letter)).center());
+    }
+    QVERIFY(isOverTheButton);
+    QTRY_COMPARE(m_robot.text(QStringLiteral("elementSearch")).toLower(), letters);
+    QVERIFY(!m_robot.find(QStringLiteral("newTextField")));
 }
 
 QTEST_MAIN(tst_OnScreenKeyboard)

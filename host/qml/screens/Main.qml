@@ -69,6 +69,7 @@ ApplicationWindow {
     Loader {
         id: keyboard
 
+        z: 1        // over the screens, which come after it
         active: useKeyboard
         source: active ? "OnScreenKeyboard.qml" : ""
         onStatusChanged: {
