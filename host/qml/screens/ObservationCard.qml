@@ -88,6 +88,7 @@ Card {
             Layout.alignment: Qt.AlignRight
             spacing: Theme.gap
             AppButton {
+                objectName: "observationCancel"
                 text: texts.cancel
                 onClicked: card.close()
             }
