@@ -163,6 +163,7 @@ private Q_SLOTS:
     void renamedToItself();
     void questionAfterQuestion();
     void secondFinger();
+    void catalogOfTheLanguage();
 
 private:
     using Change = std::function<void(LiveApplication::Setup &)>;
@@ -1525,6 +1526,35 @@ void tst_LiveApplication::secondFinger()
     QCOMPARE(QPoint(distance->column(), distance->row()), before);
     editor.endDrag();
     editor.revert();
+}
+
+void tst_LiveApplication::catalogOfTheLanguage()
+{
+    const auto create = [this](const QString &name) {
+        return m_robot.click(QStringLiteral("projectNew"))
+            && m_robot.type(QStringLiteral("projectName"), name)
+            && m_robot.type(QStringLiteral("sectionName"), QStringLiteral("1-2"))
+            && m_robot.click(QStringLiteral("projectCreate"))
+            && m_robot.awaitGone(QStringLiteral("projectCreate"));
+    };
+    const auto isEnglish = [this] {
+        const QVariantList codes = m_live->project().observationCodes();
+        return codes.contains(QVariantMap {{QStringLiteral("code"), QStringLiteral("BAB")},
+                                           {QStringLiteral("caption"), QStringLiteral("Crack")}});
+    };
+    QVERIFY(m_robot.click(QStringLiteral("navProject")));
+    QVERIFY(create(QStringLiteral("One")));
+    QVERIFY(isEnglish());
+    m_live->project().setLanguage(QStringLiteral("de"));
+    QVERIFY(create(QStringLiteral("Two")));
+    QVERIFY(!isEnglish());
+
+    QVERIFY(m_robot.click(QStringLiteral("projectNew")));
+    QVERIFY(m_robot.click(QStringLiteral("catalog1")));
+    m_robot.key(Qt::Key_Escape);
+    QVERIFY(m_robot.awaitGone(QStringLiteral("projectCreate")));
+    QVERIFY(create(QStringLiteral("Three")));
+    QVERIFY(isEnglish());
 }
 
 QTEST_MAIN(tst_LiveApplication)

@@ -111,7 +111,10 @@ RowLayout {
     Card {
         id: newProject
 
-        property int catalog: 0
+        // In the language of the screens, until the operator has chosen another.
+        property int catalog: Math.max(0, project.catalogs.findIndex(function(item) {
+            return item.id.indexOf(project.language === "de" ? "-DEU" : "-ENG") >= 0
+        }))
 
         width: 760
         onOpened: {
