@@ -328,6 +328,7 @@ void EditorController::beginDrag()
 {
     if (!m_selected)
         return;
+    m_dragged = m_selected;
     m_dragStart = {m_selected->column(), m_selected->row()};
     // A text near the edge breaks its lines as it moves: the size that it had counts.
     m_dragCells = cellsOf(*m_selected);
@@ -336,7 +337,7 @@ void EditorController::beginDrag()
 
 void EditorController::dragTo(int columns, int rows)
 {
-    if (m_selected)
+    if (m_selected && m_selected == m_dragged) // another finger may have chosen another
         moveTo(*m_selected, clamped(m_dragStart + QPoint(columns, rows), m_dragCells));
 }
 

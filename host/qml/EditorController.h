@@ -175,6 +175,7 @@ private:
     EditHistory m_history;
     QHash<Element *, HandlePointer> m_handles;
     QPointer<Element> m_selected;
+    QPointer<Element> m_dragged;
     QPoint m_dragStart;
     QSize m_dragCells;
     QVariantList m_warnings;

@@ -20,6 +20,7 @@
 #include <videooverlay/models/VideoOverlayElementListModel.h>
 #include <videooverlay/models/VideoOverlayProfilesModel.h>
 
+#include <QFileInfo>
 #include <QQmlApplicationEngine>
 #include <QQmlContext>
 #include <QQuickWindow>
@@ -133,8 +134,11 @@ void LiveApplication::expose(const Setup &setup)
     context->setContextProperty(QStringLiteral("useKeyboard"),
                                 qEnvironmentVariable("QT_IM_MODULE")
                                     == QLatin1String("qtvirtualkeyboard"));
-    context->setContextProperty(QStringLiteral("pictureFolder"),
-                                QUrl::fromLocalFile(setup.pictureDirectory));
+    // The list would show the working directory in place of one that is not there.
+    QString pictures = setup.pictureDirectory;
+    while (!QFileInfo(pictures).isDir() && pictures != QFileInfo(pictures).path())
+        pictures = QFileInfo(pictures).path();
+    context->setContextProperty(QStringLiteral("pictureFolder"), QUrl::fromLocalFile(pictures));
 }
 
 QQuickWindow *LiveApplication::window() const

@@ -8,6 +8,7 @@
 #include <videooverlay/models/VideoOverlayProfilesModel.h>
 
 #include <QFile>
+#include <QFileInfo>
 
 namespace Velmar::Host {
 
@@ -25,6 +26,7 @@ ProfileActions::ProfileActions(LiveOverlay &overlay, Messages &messages, const U
             &ProfileActions::currentChanged);
     connect(&m_overlay.profiles(), &VideoOverlayProfilesModel::dataChanged, this,
             &ProfileActions::currentChanged); // renamed
+    tellIfUnreadable(currentIndex());
 }
 
 Profile *ProfileActions::profileAt(int row) const
@@ -54,12 +56,26 @@ bool ProfileActions::report(bool done, const QStringList &complaints)
     return done;
 }
 
+bool ProfileActions::tellIfUnreadable(int row)
+{
+    const Profile *profile = profileAt(row);
+    bool isReadable = true;
+    QStringList reasons
+        = Messages::complaintsOf([&] { isReadable = !profile || Profile().load(profile->path()); });
+    if (isReadable)
+        return false;
+    reasons.removeDuplicates(); // the parser says the same twice
+    m_messages.error(m_texts.text(QStringLiteral("errorProfileUnreadable"))
+                         .arg(profile->caption(), reasons.join(QLatin1Char('\n'))));
+    return true;
+}
+
 bool ProfileActions::select(int row)
 {
     bool done = false;
     const QStringList complaints = Messages::complaintsOf(
         [&] { done = m_overlay.profiles().setCurrentProfileByIndex(row); });
-    return report(done, complaints);
+    return report(done, complaints) && !tellIfUnreadable(row);
 }
 
 bool ProfileActions::clone(int row, const QString &name)
@@ -75,6 +91,9 @@ bool ProfileActions::clone(int row, const QString &name)
 bool ProfileActions::rename(int row, const QString &name)
 {
     Profile *profile = profileAt(row);
+    if (profile && profile->caption() == name.trimmed()
+        && QFileInfo(profile->path()).completeBaseName() == name.trimmed())
+        return report(true, {}); // left as it is
     bool done = false;
     const QStringList complaints = Messages::complaintsOf(
         [&] { done = profile && !profile->readOnly() && profile->rename(name.trimmed()); });

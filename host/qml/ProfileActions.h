@@ -42,6 +42,8 @@ Q_SIGNALS:
     void currentChanged();
 
 private:
+    /// The library shows what it could read of a file, and goes on without a word.
+    bool tellIfUnreadable(int row);
     bool report(bool done, const QStringList &complaints);
 
     LiveOverlay &m_overlay;

@@ -256,6 +256,7 @@ bool ProjectController::addObservation(const QString &code, double distanceM, co
     observation.remark = remark.trimmed();
     if (!m_session.createObservation(observation))
         return fail(m_session.errorText());
+    m_messages.dismiss();
     return true;
 }
 

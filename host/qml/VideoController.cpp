@@ -110,7 +110,10 @@ void VideoController::onFailed(const QString &reason)
 {
     stopRecording();
     setRunning(false);
-    m_messages.error(m_texts.text(QStringLiteral("errorVideo")).arg(reason));
+    if (reason != m_failure) { // told once, however often it is tried again
+        m_failure = reason;
+        m_messages.error(m_texts.text(QStringLiteral("errorVideo")).arg(reason));
+    }
     QTimer::singleShot(RetryMs, this, &VideoController::start); // a camera may come back
 }
 
@@ -119,6 +122,8 @@ void VideoController::setRunning(bool running)
     if (m_running == running)
         return;
     m_running = running;
+    if (running)
+        m_failure.clear();
     Q_EMIT runningChanged();
 }
 

@@ -88,6 +88,7 @@ private:
     std::unique_ptr<LiveVideo> m_video;
     std::unique_ptr<RecordPipeline> m_recording;
     QString m_path;
+    QString m_failure; ///< of the source, since there was a picture
     State m_state = Idle;
     bool m_running = false;
     int m_shownSeconds = 0;

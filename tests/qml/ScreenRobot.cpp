@@ -80,6 +80,9 @@ bool ScreenRobot::click(const QString &name) const
         qInfo("%s: %s", qPrintable(name), item ? "is disabled" : "is not there");
         return false;
     }
+    // A question is not answered in its first moment.
+    if (name != QLatin1String("settling") && !awaitGone(QStringLiteral("settling")))
+        return false;
     // A dialog that is just opening or a list that is just laid out still moves.
     QPoint last(-1, -1);
     int sameFor = 0;
@@ -91,6 +94,19 @@ bool ScreenRobot::click(const QString &name) const
     });
     QTest::mouseClick(m_window, Qt::LeftButton, Qt::NoModifier, centreOf(*item));
     return rests;
+}
+
+bool ScreenRobot::tap(const QString &name, int times) const
+{
+    const QQuickItem *item = await(name);
+    if (!item)
+        return false;
+    const QPoint centre = centreOf(*item);
+    for (int i = 0; i < times; ++i) {
+        QTest::touchEvent(m_window, touchScreen()).press(0, centre, m_window);
+        QTest::touchEvent(m_window, touchScreen()).release(0, centre, m_window);
+    }
+    return true;
 }
 
 bool ScreenRobot::type(const QString &name, const QString &text) const

@@ -33,6 +33,7 @@ public:
 
     /// These return false when there is no such item.
     bool click(const QString &name) const;
+    bool tap(const QString &name, int times = 1) const;        ///< by a finger, as fast as it can
     bool type(const QString &name, const QString &text) const; ///< instead of what was there
     QString text(const QString &name) const;
     void key(int key) const;

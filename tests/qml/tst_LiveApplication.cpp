@@ -144,6 +144,26 @@ private Q_SLOTS:
     void liveInput();
     void closesWhenTheRecordingIsComplete();
     void editorShowsWhatIsRecorded();
+    void chosenStaysChosen();
+    void heldReturnIsOnePress();
+    void trembling();
+    void observationOfWhatIsSeen();
+    void messageBesideADialog();
+    void observationStoredAtLast();
+    void projectTouchedAgain();
+    void neverHides();
+    void unreadableProfile();
+    void failureIsToldOnce();
+    void smallestWindow_data();
+    void smallestWindow();
+    void noInspectionIsTold();
+    void undoByKeys();
+    void picturesOfAFolderThatIsNotThere();
+    void longNamesDiffer();
+    void renamedToItself();
+    void questionAfterQuestion();
+    void secondFinger();
+    void catalogOfTheLanguage();
 
 private:
     using Change = std::function<void(LiveApplication::Setup &)>;
@@ -1185,6 +1205,359 @@ void tst_LiveApplication::editorShowsWhatIsRecorded()
     QVERIFY(different <= pixels / 1000);
     QVERIFY(covered > pixels / 200); // there is an overlay
     editor.revert();
+}
+
+void tst_LiveApplication::chosenStaysChosen()
+{
+    const QStringList path {QStringLiteral("navProfiles"), QStringLiteral("profile1"),
+                            QStringLiteral("navEditor"),   QStringLiteral("panel2"),
+                            QStringLiteral("navProject"),  QStringLiteral("units0")};
+    for (const QString &name : path) {
+        for (int times = 1; times <= 3; ++times) {
+            QVERIFY(m_robot.click(name));
+            QVERIFY2(m_robot.find(name)->property("checked").toBool(), qPrintable(name));
+        }
+    }
+    QVERIFY(m_robot.click(QStringLiteral("units1")));
+    QVERIFY(!m_robot.find(QStringLiteral("units0"))->property("checked").toBool());
+    m_live->project().setImperial(false);
+}
+
+void tst_LiveApplication::heldReturnIsOnePress()
+{
+    const auto pressReturn = [this](bool isRepeated) {
+        QKeyEvent event(QEvent::KeyPress, Qt::Key_Return, Qt::NoModifier, QString(), isRepeated);
+        QCoreApplication::sendEvent(m_live->window(), &event);
+    };
+    m_robot.await(QStringLiteral("osdSwitch"))->forceActiveFocus();
+    pressReturn(false);
+    pressReturn(true);
+    QVERIFY(!m_live->video().overlayEnabled());
+    m_robot.find(QStringLiteral("navEditor"))->forceActiveFocus();
+    pressReturn(true); // held since it was elsewhere
+    QVERIFY(m_robot.find(QStringLiteral("liveScreen")));
+    pressReturn(false);
+    QVERIFY(m_robot.await(QStringLiteral("editorScreen")));
+}
+
+void tst_LiveApplication::trembling()
+{
+    // Two quick touches begin one recording, and two end it.
+    QVERIFY(m_robot.tap(QStringLiteral("recordButton"), 2));
+    QCOMPARE(m_live->video().recordState(), VideoController::Recording);
+    QTRY_VERIFY_WITH_TIMEOUT(m_live->video().recordedTime() == QLatin1String("00:02"), 20000);
+    QSignalSpy finished(&m_live->video(), &VideoController::recordingFinished);
+    QVERIFY(m_robot.tap(QStringLiteral("recordButton")));
+    QVERIFY(finished.count() > 0 || finished.wait(20000));
+    QVERIFY(m_robot.tap(QStringLiteral("recordButton")));
+    QCOMPARE(m_live->video().recordState(), VideoController::Idle);
+}
+
+void tst_LiveApplication::observationOfWhatIsSeen()
+{
+    QVERIFY(m_live->project().create(QStringLiteral("Town"), QStringLiteral("1-2"),
+                                     QStringLiteral("EN13508-2-ENG-GB")));
+    QVERIFY(m_robot.click(QStringLiteral("observationButton")));
+    QVERIFY(m_robot.click(QStringLiteral("codeBAB")));
+    QVERIFY(m_robot.find(QStringLiteral("observationSave"))->isEnabled());
+    QVERIFY(m_robot.type(QStringLiteral("observationSearch"), QStringLiteral("BAB")));
+    QVERIFY(m_robot.find(QStringLiteral("observationSave"))->isEnabled()); // still there
+    QVERIFY(m_robot.type(QStringLiteral("observationSearch"), QStringLiteral("BAA")));
+    QVERIFY(!m_robot.find(QStringLiteral("observationSave"))->isEnabled());
+}
+
+void tst_LiveApplication::messageBesideADialog()
+{
+    QVERIFY(m_robot.click(QStringLiteral("navProject")));
+    QVERIFY(m_robot.click(QStringLiteral("projectNew")));
+    QVERIFY(m_robot.type(QStringLiteral("projectName"), QStringLiteral("a/b")));
+    QVERIFY(m_robot.type(QStringLiteral("sectionName"), QStringLiteral("1-2")));
+    QVERIFY(m_robot.click(QStringLiteral("projectCreate")));
+    const QQuickItem *bar = m_robot.await(QStringLiteral("messageBar"));
+    QVERIFY(bar);
+    const QColor ground = bar->property("color").value<QColor>();
+    const auto shown = [&] { return grabbed(*bar, QRectF(1, 1, 1, 1)).pixelColor(0, 0); };
+    QTRY_COMPARE(shown().name(), ground.name()); // not in the dialog's shadow
+    const QQuickItem *create = m_robot.find(QStringLiteral("projectCreate"));
+    QVERIFY(create->mapToScene(QPointF(0, create->height())).y() < bar->mapToScene(QPointF()).y());
+    QVERIFY(m_robot.click(QStringLiteral("messageClose")));
+    QVERIFY(m_robot.awaitGone(QStringLiteral("messageText")));
+    QVERIFY(m_robot.find(QStringLiteral("projectCreate"))); // it is still open, and still modal
+    QVERIFY(m_robot.click(QStringLiteral("navLive")));
+    QVERIFY(!m_robot.find(QStringLiteral("liveScreen")));
+}
+
+void tst_LiveApplication::observationStoredAtLast()
+{
+    ProjectController &project = m_live->project();
+    QVERIFY(project.create(QStringLiteral("Town"), QStringLiteral("1-2"),
+                           QStringLiteral("EN13508-2-ENG-GB")));
+    m_live->messages().error(QStringLiteral("That was not stored"));
+    QVERIFY(project.addObservation(QStringLiteral("BAB"), 1.0, QString()));
+    QCOMPARE(m_live->messages().text(), QString());
+}
+
+void tst_LiveApplication::projectTouchedAgain()
+{
+    QVERIFY(m_live->project().create(QStringLiteral("Town"), QStringLiteral("1-2"),
+                                     QStringLiteral("EN13508-2-ENG-GB")));
+    QVERIFY(m_robot.click(QStringLiteral("navProject")));
+    QVERIFY(m_robot.click(QStringLiteral("projectFile0")));
+    QCOMPARE(m_live->project().inspectionName(), QStringLiteral("1-2")); // goes on
+}
+
+void tst_LiveApplication::neverHides()
+{
+    QVERIFY(select(QStringLiteral("Bench")));
+    QVERIFY(m_robot.click(QStringLiteral("navEditor")));
+    m_live->editor().select(manager().rowIndexByID(elementOf(ElementParam::NAME_SPEED)->id()));
+    QVERIFY(m_robot.click(QStringLiteral("panel1")));
+    const QQuickItem *row = m_robot.find(QStringLiteral("propertyTimeout"));
+    QVERIFY(row);
+    QCOMPARE(row->property("label").toString(), QStringLiteral("Never hide"));
+    QVERIFY(m_robot.click(QStringLiteral("propertyTimeoutMore")));
+    QTRY_COMPARE(row->property("label").toString(), QStringLiteral("Hide after"));
+    m_live->editor().revert();
+}
+
+void tst_LiveApplication::unreadableProfile()
+{
+    Test::ProfileFolders::write(profilePath(QStringLiteral("Torn")), profileOfTest().left(900));
+    restart();
+    QVERIFY(select(QStringLiteral("Torn")));
+    QTRY_COMPARE(manager().currentProfile()->caption(), QStringLiteral("Torn"));
+    QVERIFY(m_live->messages().isError());
+    const QString told
+        = QStringLiteral("The profile “Torn” cannot be read to its end: unexpected end of file");
+    QCOMPARE(m_live->messages().text(), told);
+    restart(); // with that profile
+    QVERIFY(m_live->messages().isError());
+    QCOMPARE(m_live->messages().text(), told);
+    QVERIFY(select(QStringLiteral("Bench")));
+    QTRY_COMPARE(m_live->messages().text(), QString());
+}
+
+void tst_LiveApplication::failureIsToldOnce()
+{
+    m_live.reset();
+    LiveApplication::Setup setup;
+    setup.source = SourceSpec::fromText(m_root->filePath(QStringLiteral("missing.mkv")));
+    setup.projectDirectory = setup.recordingDirectory = m_root->path();
+    m_live = std::make_unique<LiveApplication>();
+    QString error;
+    QVERIFY(m_live->start(setup, &error));
+    m_robot = ScreenRobot(m_live->window());
+    QTRY_VERIFY(m_live->messages().isError());
+    // What is asked of the operator can be read over whatever the overlay shows.
+    const QQuickItem *ground = m_robot.await(QStringLiteral("noPicture"));
+    QVERIFY(ground);
+    QVERIFY(ground->property("color").value<QColor>().alpha() == 255);
+    QVERIFY(m_robot.click(QStringLiteral("messageClose")));
+    QSignalSpy again(&m_live->messages(), &Messages::changed);
+    QVERIFY2(!again.wait(4000), "the same failure is told again"); // it is tried every three
+    QVERIFY(!m_live->video().isRunning());
+}
+
+void tst_LiveApplication::smallestWindow_data()
+{
+    QTest::addColumn<QString>("language");
+    QTest::newRow("English") << QStringLiteral("en");
+    QTest::newRow("German") << QStringLiteral("de");
+}
+
+void tst_LiveApplication::smallestWindow()
+{
+    QFETCH(QString, language);
+    m_live->project().setLanguage(language);
+    QVERIFY(select(QStringLiteral("Bench")));
+    elementOf(ElementParam::NAME_SPEED)->setRow(5); // German says more of what is modified
+    m_live->editor().select(0);
+    m_live->editor().nudge(1, 0);
+    m_live->messages().error(QStringLiteral("Something has failed"));
+    QQuickWindow *window = m_live->window();
+    window->resize(window->minimumSize());
+    QVERIFY(window->minimumWidth() <= 1280 && window->minimumHeight() <= 800);
+    const QStringList wanted {QStringLiteral("recordButton"),  QStringLiteral("save"),
+                              QStringLiteral("deleteElement"), QStringLiteral("panel2"),
+                              QStringLiteral("profileRemove"), QStringLiteral("units1")};
+    const QStringList screens {QStringLiteral("navLive"),     QStringLiteral("navEditor"),
+                               QStringLiteral("navEditor"),   QStringLiteral("navEditor"),
+                               QStringLiteral("navProfiles"), QStringLiteral("navProject")};
+    for (int i = 0; i < wanted.size(); ++i) {
+        QVERIFY(m_robot.click(screens.at(i)));
+        const QQuickItem *item = m_robot.await(wanted.at(i));
+        QVERIFY(item);
+        const QQuickItem *bar = m_robot.find(QStringLiteral("messageBar"));
+        const auto corner
+            = [&] { return item->mapToScene(QPointF(item->width(), item->height())); };
+        QTRY_VERIFY2(corner().x() <= window->width()
+                         && corner().y() <= bar->mapToScene(QPointF()).y(),
+                     qPrintable(QStringLiteral("%1: %2, %3")
+                                    .arg(wanted.at(i))
+                                    .arg(corner().x())
+                                    .arg(corner().y())));
+    }
+    m_live->editor().revert();
+}
+
+void tst_LiveApplication::noInspectionIsTold()
+{
+    const QStringList languages {QStringLiteral("en"), QStringLiteral("de")};
+    for (const QString &language : languages) {
+        m_live->project().setLanguage(language);
+        const QQuickItem *name = m_robot.await(QStringLiteral("inspectionName"));
+        QVERIFY(name);
+        QTRY_VERIFY2(!name->property("truncated").toBool(), qPrintable(language));
+    }
+}
+
+void tst_LiveApplication::undoByKeys()
+{
+    QVERIFY(select(QStringLiteral("Bench")));
+    QVERIFY(m_robot.click(QStringLiteral("navEditor")));
+    EditorController &editor = m_live->editor();
+    editor.addText(QStringLiteral("one"));
+    auto *text = qobject_cast<VideoOverlay::CVideoOverlayText *>(editor.selected());
+    QVERIFY(text);
+    QVERIFY(m_robot.click(QStringLiteral("panel1")));
+    QVERIFY(m_robot.type(QStringLiteral("propertyText"), QStringLiteral("two")));
+    const auto press = [this](QKeySequence::StandardKey key) {
+        QTest::keySequence(m_live->window(), QKeySequence(key));
+    };
+    press(QKeySequence::Undo); // in the field: what the button does, not one more change
+    QCOMPARE(text->text(), QStringLiteral("one"));
+    QVERIFY(editor.history()->canRedo());
+    press(QKeySequence::Redo);
+    QCOMPARE(text->text(), QStringLiteral("two"));
+    QVERIFY(!editor.history()->canRedo());
+
+    const int row = text->row();
+    QVERIFY(m_robot.click(QStringLiteral("arrowDown")));
+    QCOMPARE(text->row(), row + 1);
+    press(QKeySequence::Undo); // wherever the focus is
+    QCOMPARE(text->row(), row);
+    press(QKeySequence::Redo);
+    QCOMPARE(text->row(), row + 1);
+    m_robot.find(QStringLiteral("stageScope"))->forceActiveFocus();
+    press(QKeySequence::Undo);
+    QCOMPARE(text->row(), row);
+    QCOMPARE(text->text(), QStringLiteral("two")); // one step for one press
+    QVERIFY(m_robot.click(QStringLiteral("addText")));
+    QVERIFY(m_robot.await(QStringLiteral("newTextField")));
+    press(QKeySequence::Undo); // not below a dialog
+    QCOMPARE(text->text(), QStringLiteral("two"));
+    editor.revert();
+}
+
+void tst_LiveApplication::picturesOfAFolderThatIsNotThere()
+{
+    restart([this](LiveApplication::Setup &setup) {
+        setup.pictureDirectory = m_root->filePath(QStringLiteral("no/such"));
+    });
+    QVERIFY(m_robot.click(QStringLiteral("navEditor")));
+    QVERIFY(m_robot.click(QStringLiteral("addPicture")));
+    QVERIFY(m_robot.await(QStringLiteral("picturesettings"))); // a folder beside
+    QCOMPARE(m_robot.text(QStringLiteral("pictureFolder")), m_root->path());
+}
+
+void tst_LiveApplication::longNamesDiffer()
+{
+    const QString stem(76, QLatin1Char('W'));
+    const QByteArray nameless = Test::ProfileFolders::profileXml("readonly=\"false\" name=\"\"");
+    for (const char last : {'1', '2'})
+        Test::ProfileFolders::write(profilePath(stem + QLatin1Char(last)), nameless);
+    restart();
+    QVERIFY(m_robot.click(QStringLiteral("navProfiles")));
+    QVector<QImage> rows;
+    for (const char last : {'1', '2'}) {
+        const QString name = stem + QLatin1Char(last);
+        for (int row = 0; row < 4; ++row) {
+            const QQuickItem *item = m_robot.await(QStringLiteral("profile%1").arg(row));
+            QVERIFY(item);
+            if (item->property("text") == name)
+                rows.append(grabbed(*item, QRectF(8, 8, item->width() - 16, item->height() - 16)));
+        }
+    }
+    QCOMPARE(rows.size(), 2);
+    QVERIFY(!rows.first().isNull());
+    QVERIFY(rows.first() != rows.last());
+}
+
+void tst_LiveApplication::renamedToItself()
+{
+    QVERIFY(m_robot.click(QStringLiteral("navProfiles")));
+    const int row = 1 - m_live->overlay().profiles().currentProfileIndex();
+    QVERIFY(m_robot.click(QStringLiteral("profile%1").arg(row)));
+    QVERIFY(m_robot.click(QStringLiteral("profileRename")));
+    QVERIFY(m_robot.click(QStringLiteral("newNameOk"))); // as it was offered
+    QVERIFY(m_robot.awaitGone(QStringLiteral("newNameOk")));
+    QCOMPARE(m_live->messages().text(), QString());
+    QVERIFY(QFile::exists(profilePath(QStringLiteral("Bench"))));
+}
+
+void tst_LiveApplication::questionAfterQuestion()
+{
+    QVERIFY(select(QStringLiteral("Bench")));
+    m_live->editor().select(manager().rowIndexByID(elementOf(ElementParam::NAME_SPEED)->id()));
+    m_live->editor().nudge(5, 0);
+    QVERIFY(m_robot.click(QStringLiteral("profileRemove")));
+    QVERIFY(m_robot.await(QStringLiteral("removalAnswer0")));
+    QVERIFY(m_robot.awaitGone(QStringLiteral("settling")));
+    QVERIFY(m_robot.tap(QStringLiteral("removalAnswer0")));
+    QVERIFY(m_robot.tap(QStringLiteral("unsavedAnswer1"))); // where the first answer was
+    QVERIFY(m_robot.find(QStringLiteral("unsavedAnswer1")));
+    QVERIFY(m_live->editor().hasUnsavedChanges());
+    QVERIFY(m_robot.awaitGone(QStringLiteral("settling")));
+    QVERIFY(m_robot.tap(QStringLiteral("unsavedAnswer1")));
+    QTRY_VERIFY(!QFile::exists(profilePath(QStringLiteral("Bench"))));
+}
+
+void tst_LiveApplication::secondFinger()
+{
+    QVERIFY(select(QStringLiteral("Bench")));
+    QVERIFY(m_robot.click(QStringLiteral("navEditor")));
+    CVideoOverlayElement *speed = elementOf(ElementParam::NAME_SPEED);
+    CVideoOverlayElement *distance = elementOf(ElementParam::NAME_SECTION_DISTANCE_COUNTER);
+    EditorController &editor = m_live->editor();
+    editor.select(manager().rowIndexByID(speed->id()));
+    editor.beginDrag();
+    editor.dragTo(2, 0);
+    QCOMPARE(speed->column(), 12);
+    const QPoint before(distance->column(), distance->row());
+    editor.select(manager().rowIndexByID(distance->id())); // by another finger, in the list
+    editor.dragTo(3, 1);
+    QCOMPARE(QPoint(distance->column(), distance->row()), before);
+    editor.endDrag();
+    editor.revert();
+}
+
+void tst_LiveApplication::catalogOfTheLanguage()
+{
+    const auto create = [this](const QString &name) {
+        return m_robot.click(QStringLiteral("projectNew"))
+            && m_robot.type(QStringLiteral("projectName"), name)
+            && m_robot.type(QStringLiteral("sectionName"), QStringLiteral("1-2"))
+            && m_robot.click(QStringLiteral("projectCreate"))
+            && m_robot.awaitGone(QStringLiteral("projectCreate"));
+    };
+    const auto isEnglish = [this] {
+        const QVariantList codes = m_live->project().observationCodes();
+        return codes.contains(QVariantMap {{QStringLiteral("code"), QStringLiteral("BAB")},
+                                           {QStringLiteral("caption"), QStringLiteral("Crack")}});
+    };
+    QVERIFY(m_robot.click(QStringLiteral("navProject")));
+    QVERIFY(create(QStringLiteral("One")));
+    QVERIFY(isEnglish());
+    m_live->project().setLanguage(QStringLiteral("de"));
+    QVERIFY(create(QStringLiteral("Two")));
+    QVERIFY(!isEnglish());
+
+    QVERIFY(m_robot.click(QStringLiteral("projectNew")));
+    QVERIFY(m_robot.click(QStringLiteral("catalog1")));
+    m_robot.key(Qt::Key_Escape);
+    QVERIFY(m_robot.awaitGone(QStringLiteral("projectCreate")));
+    QVERIFY(create(QStringLiteral("Three")));
+    QVERIFY(isEnglish());
 }
 
 QTEST_MAIN(tst_LiveApplication)

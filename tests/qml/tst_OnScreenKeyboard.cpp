@@ -5,6 +5,7 @@
 #include "host/qml/EditorController.h"
 #include "host/qml/LiveApplication.h"
 #include "host/qml/Messages.h"
+#include "host/qml/ProjectController.h"
 #include "tests/qml/ScreenRobot.h"
 
 #include <QQuickItem>
@@ -49,6 +50,8 @@ private Q_SLOTS:
 
     void typesIntoADialog();
     void leavesTheFieldInSight();
+    void isAboveTheScreens();
+    void goesWithItsDialog();
 
 private:
     const QQuickItem *keyFor(QChar letter) const;
@@ -172,6 +175,69 @@ void tst_OnScreenKeyboard::leavesTheFieldInSight()
     QVERIFY(m_robot.awaitGone(QStringLiteral("keyboard")));
     QTRY_COMPARE(onScreen(*field).bottom(), before);
     editor.revert();
+}
+
+void tst_OnScreenKeyboard::isAboveTheScreens()
+{
+    QVERIFY(m_robot.click(QStringLiteral("navEditor")));
+    QVERIFY(m_robot.click(QStringLiteral("elementSearch")));
+    const QQuickItem *keyboard = m_robot.await(QStringLiteral("keyboard"));
+    QVERIFY(keyboard);
+    const QQuickItem *covered = m_robot.find(QStringLiteral("addText"));
+    QVERIFY(covered);
+    const QRectF button = onScreen(*covered);
+    QVERIFY(onScreen(*keyboard).contains(button));
+    // One of these keys is where the button is, which must not take the touch.
+    const QString letters = QStringLiteral("ouik");
+    bool isOverTheButton = false;
+    for (const QChar letter : letters) {
+        QVERIFY(press(letter));
+        isOverTheButton = isOverTheButton || button.contains(onScreen(*keyFor(letter)).center());
+    }
+    QVERIFY(isOverTheButton);
+    QTRY_COMPARE(m_robot.text(QStringLiteral("elementSearch")).toLower(), letters);
+    QVERIFY(!m_robot.find(QStringLiteral("newTextField")));
+}
+
+void tst_OnScreenKeyboard::goesWithItsDialog()
+{
+    QVERIFY(m_live->project().create(QStringLiteral("Town"), QStringLiteral("1-2"),
+                                     QStringLiteral("EN13508-2-ENG-GB")));
+    QVERIFY(m_robot.click(QStringLiteral("navLive"))); // once everything rests
+    const QQuickItem *button = m_robot.await(QStringLiteral("observationButton"));
+    QVERIFY(button);
+    const QRectF place = onScreen(*button);
+    const QPoint onButton = place.center().toPoint();
+    QTest::mousePress(m_live->window(), Qt::LeftButton, Qt::NoModifier, onButton);
+    QTest::qWait(100); // for nothing that could be awaited
+    QCOMPARE(onScreen(*button), place);
+    QTest::mouseRelease(m_live->window(), Qt::LeftButton, Qt::NoModifier, onButton);
+    QVERIFY(m_robot.await(QStringLiteral("observationCancel")));
+    m_robot.key(Qt::Key_Escape);
+    QVERIFY(m_robot.awaitGone(QStringLiteral("observationCancel")));
+    QVERIFY(m_robot.click(QStringLiteral("observationButton")));
+    QVERIFY(m_robot.click(QStringLiteral("observationRemark")));
+    QVERIFY(m_robot.await(QStringLiteral("keyboard")));
+    const QQuickItem *cancel = m_robot.find(QStringLiteral("observationCancel"));
+    QVERIFY(cancel);
+    // As long as a finger is on a button, that stays where it is.
+    const QPoint finger = onScreen(*cancel).center().toPoint();
+    QTest::mousePress(m_live->window(), Qt::LeftButton, Qt::NoModifier, finger);
+    QVERIFY(QTest::qWaitFor([cancel] { return cancel->property("pressed").toBool(); }));
+    QTest::qWait(200); // for nothing that could be awaited
+    QVERIFY(onScreen(*cancel).contains(finger));
+    QTest::mouseRelease(m_live->window(), Qt::LeftButton, Qt::NoModifier, finger);
+    QVERIFY(m_robot.awaitGone(QStringLiteral("observationRemark")));
+    QVERIFY(m_robot.awaitGone(QStringLiteral("keyboard")));
+    QTRY_COMPARE(onScreen(*button), place);
+
+    QVERIFY(m_robot.click(QStringLiteral("observationButton")));
+    QVERIFY(m_robot.click(QStringLiteral("observationRemark")));
+    QVERIFY(m_robot.await(QStringLiteral("keyboard")));
+    m_robot.key(Qt::Key_Escape);
+    QVERIFY(m_robot.awaitGone(QStringLiteral("observationRemark")));
+    QVERIFY(m_robot.awaitGone(QStringLiteral("keyboard")));
+    QTRY_COMPARE(onScreen(*button), place);
 }
 
 QTEST_MAIN(tst_OnScreenKeyboard)

@@ -19,8 +19,11 @@ Button {
     font.bold: checked          // what is chosen is not told by its colour alone
     opacity: enabled ? 1 : 0.4
     activeFocusOnTab: true
-    Keys.onReturnPressed: clicked()
-    Keys.onEnterPressed: clicked()
+    // A held key is one press, unless a held finger is more than one, too.
+    Keys.onReturnPressed: { if (!event.isAutoRepeat || autoRepeat) clicked() }
+    Keys.onEnterPressed: { if (!event.isAutoRepeat || autoRepeat) clicked() }
+    // Being checked makes a button checkable; touched again, it would look as if it were not chosen.
+    onCheckableChanged: checkable = false
 
     contentItem: Text {
         text: control.symbol === "" ? control.text

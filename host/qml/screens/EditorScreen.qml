@@ -18,6 +18,16 @@ Item {
         enabled: screen.visible && editor.history.modified
         onActivated: screen.saveWanted()
     }
+    Shortcut {
+        sequences: [StandardKey.Undo]
+        enabled: screen.visible
+        onActivated: editor.history.undo()
+    }
+    Shortcut {
+        sequences: [StandardKey.Redo]
+        enabled: screen.visible
+        onActivated: editor.history.redo()
+    }
     ColumnLayout {
         anchors { fill: parent; margins: Theme.gap }
         spacing: Theme.gap
@@ -103,13 +113,7 @@ Item {
                     Keys.onDownPressed: editor.nudge(0, 1, event.isAutoRepeat)
                     Keys.onDeletePressed: editor.deleteSelected()
                     Keys.onPressed: {
-                        if (event.matches(StandardKey.Undo)) {
-                            editor.history.undo()
-                            event.accepted = true
-                        } else if (event.matches(StandardKey.Redo)) {
-                            editor.history.redo()
-                            event.accepted = true
-                        } else if (event.key === Qt.Key_PageDown || event.key === Qt.Key_PageUp) {
+                        if (event.key === Qt.Key_PageDown || event.key === Qt.Key_PageUp) {
                             editor.selectNext(event.key === Qt.Key_PageDown ? 1 : -1)
                             event.accepted = true
                         } else if (event.key === Qt.Key_Plus || event.key === Qt.Key_Minus) {

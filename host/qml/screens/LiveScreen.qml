@@ -77,9 +77,11 @@ ColumnLayout {
             }
             AppText {
                 Layout.fillWidth: true
+                objectName: "inspectionName"
                 text: project.inspectionName === "" ? texts.noInspection : project.inspectionName
+                font.pixelSize: project.inspectionName === "" ? Theme.smallFont : Theme.font
                 elide: Text.ElideRight
-                maximumLineCount: 1
+                maximumLineCount: 3
             }
         }
         SwitchRow {
@@ -107,7 +109,16 @@ ColumnLayout {
             fill: Theme.danger
             ink: Theme.dangerInk
             enabled: video.recordState !== VideoController.Finishing && (screen.recording || video.running)
-            onClicked: screen.recording ? video.stopRecording() : video.startRecording()
+            onClicked: {
+                if (settling.running)   // the second touch of a trembling finger
+                    return
+                settling.restart()
+                screen.recording ? video.stopRecording() : video.startRecording()
+            }
+            Timer {
+                id: settling
+                interval: 1000
+            }
         }
     }
     ObservationCard {

@@ -35,6 +35,8 @@ ApplicationWindow {
     objectName: "window"
     width: 1280
     height: 800
+    minimumWidth: 1200      // below, buttons would leave the window
+    minimumHeight: 740
     visible: true
     title: "xqosd"
     color: Theme.ground
@@ -67,6 +69,7 @@ ApplicationWindow {
     Loader {
         id: keyboard
 
+        z: 1        // over the screens, which come after it
         active: useKeyboard
         source: active ? "OnScreenKeyboard.qml" : ""
         onStatusChanged: {

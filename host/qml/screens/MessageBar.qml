@@ -9,6 +9,7 @@ Rectangle {
 
     visible: messages.text !== ""
     implicitHeight: visible ? Math.max(Theme.touch + Theme.gap, content.implicitHeight + Theme.gap) : 0
+    onImplicitHeightChanged: Room.messageHeight = implicitHeight
     color: messages.isError ? Theme.danger : Theme.good
 
     Timer {     // what was done needs no answer; what failed stays until it is read

@@ -17,6 +17,11 @@ Card {
         return item.code.toLowerCase().indexOf(wanted) >= 0
             || item.caption.toLowerCase().indexOf(wanted) >= 0
     })
+    // What cannot be seen is not stored.
+    onFoundChanged: {
+        if (!found.some(function(item) { return item.code === card.code }))
+            code = ""
+    }
 
     width: 900
     height: Math.min(700, room)
@@ -83,6 +88,7 @@ Card {
             Layout.alignment: Qt.AlignRight
             spacing: Theme.gap
             AppButton {
+                objectName: "observationCancel"
                 text: texts.cancel
                 onClicked: card.close()
             }

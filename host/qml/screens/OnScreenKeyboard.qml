@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 import QtQuick 2.15
+import QtQuick.Window 2.15
 import QtQuick.VirtualKeyboard 2.15
 import QtQuick.VirtualKeyboard.Settings 2.15
 import "."
@@ -11,6 +12,7 @@ InputPanel {
 
     property real windowWidth: 0
     property real windowHeight: 0
+    readonly property Item focusItem: Window.activeFocusItem
 
     objectName: "keyboard"
     x: (windowWidth - width) / 2
@@ -24,9 +26,13 @@ InputPanel {
         property: "locale"
         value: project.language === "de" ? "de_DE" : "en_GB"
     }
+    // What makes room for it moves when that changes. Not at once: it would change again what makes
+    // it change, and the keyboard stay. Nor under a finger, whose button would be gone.
     Binding {
         target: Room
         property: "keyboardHeight"
-        value: panel.active ? panel.height : 0
+        delayed: true
+        value: panel.focusItem && panel.focusItem.pressed === true ? Room.keyboardHeight
+             : panel.active ? panel.height : 0
     }
 }

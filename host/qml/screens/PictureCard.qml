@@ -26,10 +26,12 @@ Card {
                 font.bold: true
             }
             AppText {
+                objectName: "pictureFolder"
                 Layout.fillWidth: true
                 text: decodeURIComponent(files.folder.toString().replace("file://", ""))
                 color: Theme.muted
                 elide: Text.ElideLeft
+                wrapMode: Text.NoWrap   // elides at the end only, if at all, otherwise
                 maximumLineCount: 1
                 horizontalAlignment: Text.AlignRight
             }

@@ -56,6 +56,7 @@ ColumnLayout {
                     text: row.text
                     font.bold: row.checked
                     elide: Text.ElideMiddle
+                    wrapMode: Text.NoWrap   // elides at the end only, if at all, otherwise
                     maximumLineCount: 1
                     color: row.checked ? Theme.accentInk : Theme.text
                 }

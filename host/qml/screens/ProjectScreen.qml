@@ -38,7 +38,10 @@ RowLayout {
                 text: modelData.name
                 checked: project.path === modelData.path
                 symbol: checked ? "\u2713" : ""
-                onClicked: project.open(modelData.path)
+                onClicked: {
+                    if (!checked)   // opening it anew would end its inspection
+                        project.open(modelData.path)
+                }
             }
             AppText {
                 anchors.centerIn: parent
@@ -108,7 +111,10 @@ RowLayout {
     Card {
         id: newProject
 
-        property int catalog: 0
+        // In the language of the screens, until the operator has chosen another.
+        property int catalog: Math.max(0, project.catalogs.findIndex(function(item) {
+            return item.id.indexOf(project.language === "de" ? "-DEU" : "-ENG") >= 0
+        }))
 
         width: 760
         onOpened: {

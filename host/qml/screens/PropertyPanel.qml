@@ -83,6 +83,16 @@ Flickable {
                     goesOn = isTyped
                 }
                 onActiveFocusChanged: goesOn = false
+                // Its own undoing would be one more change.
+                Keys.onPressed: {
+                    if (event.matches(StandardKey.Undo)) {
+                        editor.history.undo()
+                        event.accepted = true
+                    } else if (event.matches(StandardKey.Redo)) {
+                        editor.history.redo()
+                        event.accepted = true
+                    }
+                }
             }
         }
         ColumnLayout {
@@ -119,7 +129,7 @@ Flickable {
         NumberRow {
             objectName: "propertyTimeout"
             Layout.fillWidth: true
-            label: texts.timeout
+            label: value > 0 ? texts.timeout : texts.timeoutOff
             suffix: " s"
             to: 600
             value: panel.element ? panel.element.timeout : 0

@@ -3,7 +3,8 @@ import QtQuick 2.15
 import QtQuick.Layouts 1.15
 import "."
 
-/// Asks before something is lost. The last answer is the one that changes nothing.
+/// Asks before something is lost. The last answer is the one that changes nothing. It may open where
+/// another one was answered: the second touch of a trembling finger is no answer to this one.
 Card {
     id: card
 
@@ -13,6 +14,7 @@ Card {
     signal answered(int index)
 
     width: 640
+    onAboutToShow: settling.restart()
     onOpened: buttons.itemAt(answers.length - 1).forceActiveFocus(Qt.TabFocusReason)
 
     contentItem: ColumnLayout {
@@ -26,6 +28,17 @@ Card {
         AppText {
             Layout.fillWidth: true
             text: card.text
+            Timer {
+                id: settling
+                interval: 400
+            }
+            MouseArea {
+                objectName: "settling"
+                parent: card.contentItem.parent
+                anchors.fill: parent
+                z: 1
+                visible: settling.running
+            }
         }
         RowLayout {
             Layout.alignment: Qt.AlignRight

@@ -12,7 +12,12 @@ Switch {
     font.pixelSize: Theme.font
     activeFocusOnTab: true
     opacity: enabled ? 1 : 0.4
-    Keys.onReturnPressed: { toggle(); toggled() }
+    Keys.onReturnPressed: {
+        if (!event.isAutoRepeat) {
+            toggle()
+            toggled()
+        }
+    }
 
     indicator: Rectangle {
         x: control.width - width

@@ -27,10 +27,19 @@ Item {
         enabled: stage.visible
         function onFrame(frame) { picture.showFrame(frame) }
     }
-    AppText {
+    Rectangle {     // so that it can be read over the overlay
+        objectName: "noPicture"
         anchors.centerIn: parent
         visible: !video.running
-        text: texts.noPicture
-        font.pixelSize: Theme.titleFont
+        width: noPicture.implicitWidth + 4 * Theme.gap
+        height: noPicture.implicitHeight + 2 * Theme.gap
+        radius: Theme.radius
+        color: Theme.panel
+        AppText {
+            id: noPicture
+            anchors.centerIn: parent
+            text: texts.noPicture
+            font.pixelSize: Theme.titleFont
+        }
     }
 }
