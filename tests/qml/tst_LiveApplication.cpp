@@ -1468,6 +1468,9 @@ void tst_LiveApplication::longNamesDiffer()
         Test::ProfileFolders::write(profilePath(stem + QLatin1Char(last)), nameless);
     restart();
     QVERIFY(m_robot.click(QStringLiteral("navProfiles")));
+    QVERIFY(m_robot.await(QStringLiteral("profile3")));
+    QSignalSpy swapped(m_live->window(), &QQuickWindow::frameSwapped);
+    QTRY_VERIFY(swapped.count() >= 3); // the rows are painted
     QVector<QImage> rows;
     for (const char last : {'1', '2'}) {
         const QString name = stem + QLatin1Char(last);
