@@ -164,6 +164,7 @@ private Q_SLOTS:
     void questionAfterQuestion();
     void secondFinger();
     void catalogOfTheLanguage();
+    void warningsAreWhole();
 
 private:
     using Change = std::function<void(LiveApplication::Setup &)>;
@@ -1555,6 +1556,30 @@ void tst_LiveApplication::catalogOfTheLanguage()
     QVERIFY(m_robot.awaitGone(QStringLiteral("projectCreate")));
     QVERIFY(create(QStringLiteral("Three")));
     QVERIFY(isEnglish());
+}
+
+void tst_LiveApplication::warningsAreWhole()
+{
+    QVERIFY(m_robot.click(QStringLiteral("navEditor")));
+    CVideoOverlayElement *distance = elementOf(ElementParam::NAME_SECTION_DISTANCE_COUNTER);
+    const CVideoOverlayElement *time = elementOf(ElementParam::NAME_VIDEO_TIME_COUNTER);
+    QVERIFY(distance && time);
+    QTRY_VERIFY(distance->visible() && time->visible());
+    distance->setColumn(time->column());
+    distance->setRow(time->row());
+    const QStringList languages {QStringLiteral("en"), QStringLiteral("de")};
+    for (const QString &language : languages) {
+        m_live->project().setLanguage(language);
+        QTRY_VERIFY(m_robot.text(QStringLiteral("warning0"))
+                        .contains(language == QLatin1String("de") ? QStringLiteral("überlappen")
+                                                                  : QStringLiteral("overlap")));
+        const auto *text = m_robot.find(QStringLiteral("warning0"))
+                               ->property("contentItem")
+                               .value<QQuickItem *>();
+        QTRY_VERIFY2(!text->property("truncated").toBool(), qPrintable(language));
+        QVERIFY(text->property("contentHeight").toDouble() <= text->height());
+    }
+    m_live->editor().revert();
 }
 
 QTEST_MAIN(tst_LiveApplication)
