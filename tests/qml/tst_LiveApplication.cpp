@@ -5,6 +5,7 @@
 #include "host/qml/EditHistory.h"
 #include "host/qml/EditorController.h"
 #include "host/qml/LiveApplication.h"
+#include "host/qml/LiveCommand.h"
 #include "host/qml/LiveOverlay.h"
 #include "host/qml/Messages.h"
 #include "host/qml/ProjectController.h"
@@ -30,6 +31,7 @@
 #include <QtTest>
 
 #include <cmath>
+#include <csignal>
 #include <functional>
 
 using namespace Velmar;
@@ -165,6 +167,7 @@ private Q_SLOTS:
     void secondFinger();
     void catalogOfTheLanguage();
     void warningsAreWhole();
+    void closingEndsTheProgram();
 
 private:
     using Change = std::function<void(LiveApplication::Setup &)>;
@@ -1580,6 +1583,27 @@ void tst_LiveApplication::warningsAreWhole()
         QVERIFY(text->property("contentHeight").toDouble() <= text->height());
     }
     m_live->editor().revert();
+}
+
+void tst_LiveApplication::closingEndsTheProgram()
+{
+    m_live.reset();
+    Options options;
+    options.command = Options::Command::Live;
+    options.source = SourceSpec::fromText(QStringLiteral("test"));
+    options.source.size = QSize(640, 360);
+    options.projectDirectory = m_root->filePath(QStringLiteral("projects"));
+    options.recordingDirectory = m_root->filePath(QStringLiteral("recordings"));
+    QTimer::singleShot(0, this, [] {
+        const QWindowList windows = QGuiApplication::topLevelWindows();
+        for (QWindow *window : windows)
+            window->close();
+    });
+    QTimer lastResort; // the test would never end otherwise
+    lastResort.setSingleShot(true);
+    connect(&lastResort, &QTimer::timeout, this, [] { std::raise(SIGINT); });
+    lastResort.start(10000);
+    QCOMPARE(runLive(options), 0);
 }
 
 QTEST_MAIN(tst_LiveApplication)
