@@ -10,7 +10,7 @@
 
 #include <QEventLoop>
 #include <QFileInfo>
-#include <QGuiApplication>
+#include <QQuickWindow>
 #include <QStandardPaths>
 
 namespace Velmar::Host {
@@ -64,7 +64,11 @@ int runLive(const Options &options)
         });
         video.stopRecording(); // so that the file is complete
     });
-    QObject::connect(qGuiApp, &QGuiApplication::lastWindowClosed, &loop, &QEventLoop::quit);
+    // The application tells of its last window only while its own loop runs, which this is not.
+    QObject::connect(application.window(), &QWindow::visibleChanged, &loop, [&](bool visible) {
+        if (!visible)
+            loop.quit();
+    });
     QString failure;
     Screenshots screenshots(application, options.screenshotDirectory);
     if (!options.screenshotDirectory.isEmpty()) {

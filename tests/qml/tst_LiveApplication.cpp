@@ -5,6 +5,7 @@
 #include "host/qml/EditHistory.h"
 #include "host/qml/EditorController.h"
 #include "host/qml/LiveApplication.h"
+#include "host/qml/LiveCommand.h"
 #include "host/qml/LiveOverlay.h"
 #include "host/qml/Messages.h"
 #include "host/qml/ProjectController.h"
@@ -30,6 +31,7 @@
 #include <QtTest>
 
 #include <cmath>
+#include <csignal>
 #include <functional>
 
 using namespace Velmar;
@@ -164,6 +166,8 @@ private Q_SLOTS:
     void questionAfterQuestion();
     void secondFinger();
     void catalogOfTheLanguage();
+    void warningsAreWhole();
+    void closingEndsTheProgram();
 
 private:
     using Change = std::function<void(LiveApplication::Setup &)>;
@@ -1561,6 +1565,51 @@ void tst_LiveApplication::catalogOfTheLanguage()
     QVERIFY(m_robot.awaitGone(QStringLiteral("projectCreate")));
     QVERIFY(create(QStringLiteral("Three")));
     QVERIFY(isEnglish());
+}
+
+void tst_LiveApplication::warningsAreWhole()
+{
+    QVERIFY(m_robot.click(QStringLiteral("navEditor")));
+    CVideoOverlayElement *distance = elementOf(ElementParam::NAME_SECTION_DISTANCE_COUNTER);
+    const CVideoOverlayElement *time = elementOf(ElementParam::NAME_VIDEO_TIME_COUNTER);
+    QVERIFY(distance && time);
+    QTRY_VERIFY(distance->visible() && time->visible());
+    distance->setColumn(time->column());
+    distance->setRow(time->row());
+    const QStringList languages {QStringLiteral("en"), QStringLiteral("de")};
+    for (const QString &language : languages) {
+        m_live->project().setLanguage(language);
+        QTRY_VERIFY(m_robot.text(QStringLiteral("warning0"))
+                        .contains(language == QLatin1String("de") ? QStringLiteral("überlappen")
+                                                                  : QStringLiteral("overlap")));
+        const auto *text = m_robot.find(QStringLiteral("warning0"))
+                               ->property("contentItem")
+                               .value<QQuickItem *>();
+        QTRY_VERIFY2(!text->property("truncated").toBool(), qPrintable(language));
+        QVERIFY(text->property("contentHeight").toDouble() <= text->height());
+    }
+    m_live->editor().revert();
+}
+
+void tst_LiveApplication::closingEndsTheProgram()
+{
+    m_live.reset();
+    Options options;
+    options.command = Options::Command::Live;
+    options.source = SourceSpec::fromText(QStringLiteral("test"));
+    options.source.size = QSize(640, 360);
+    options.projectDirectory = m_root->filePath(QStringLiteral("projects"));
+    options.recordingDirectory = m_root->filePath(QStringLiteral("recordings"));
+    QTimer::singleShot(0, this, [] {
+        const QWindowList windows = QGuiApplication::topLevelWindows();
+        for (QWindow *window : windows)
+            window->close();
+    });
+    QTimer lastResort; // the test would never end otherwise
+    lastResort.setSingleShot(true);
+    connect(&lastResort, &QTimer::timeout, this, [] { std::raise(SIGINT); });
+    lastResort.start(10000);
+    QCOMPARE(runLive(options), 0);
 }
 
 QTEST_MAIN(tst_LiveApplication)

@@ -175,12 +175,19 @@ Item {
                         boundsBehavior: Flickable.StopAtBounds
                         ScrollBar.vertical: ScrollBar { }
                         delegate: AppButton {
+                            objectName: "warning" + index
                             width: warnings.width - 16
-                            align: Text.AlignLeft
-                            symbol: "\u26A0"
                             text: modelData.text
-                            font.pixelSize: Theme.smallFont
                             onClicked: editor.select(modelData.index)
+                            contentItem: AppText {  // what is wrong comes after two names
+                                leftPadding: Theme.gap
+                                verticalAlignment: Text.AlignVCenter
+                                text: "\u26A0  " + modelData.text
+                                font.pixelSize: Theme.smallFont
+                                maximumLineCount: 2
+                                lineHeight: 0.9
+                                elide: Text.ElideRight
+                            }
                         }
                         AppText {
                             anchors.fill: parent
