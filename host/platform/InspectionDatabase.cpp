@@ -504,9 +504,15 @@ bool InspectionDatabase::contains(const CDomainObjectPointer &record) const
 const InspectionDatabase::Record *InspectionDatabase::own(const CDomainObjectPointer &record,
                                                           const QString &what)
 {
-    if (contains(record))
-        return static_cast<const Record *>(record.data());
-    fail(what, QStringLiteral("the record is not, or no longer, in this database"));
+    const auto *const known = dynamic_cast<const Record *>(record.data());
+    const bool isOurs = known && known->isOf(m_connection);
+    if (isOurs && known->isValid())
+        return known;
+    // A file that is locked cannot tell whether the record is there.
+    const QString error = isOurs ? m_connection->error() : QString();
+    fail(what,
+         error.isEmpty() ? QStringLiteral("the record is not, or no longer, in this database")
+                         : error);
     return nullptr;
 }
 

@@ -290,6 +290,10 @@ private Q_SLOTS:
                  qPrintable(db.errorText()));
         QVERIFY(!db.transaction([] { return true; }));
         QVERIFY(db.errorText().contains(QStringLiteral("database is locked")));
+        // Not that the record above were missing, which cannot be looked up.
+        QVERIFY(!db.add(Kind::Section, project));
+        QVERIFY2(db.errorText().contains(QStringLiteral("database is locked")),
+                 qPrintable(db.errorText()));
         QVERIFY(!project->readValue(QStringLiteral("PRJ_Name")).isValid());
         InspectionDatabase second;
         second.setBusyTimeoutMs(50);
