@@ -83,9 +83,10 @@ private:
         QImage grab()
         {
             scene->flush();
-            window.update();
+            // Counted, not waited for: another thread may have drawn before the waiting begins.
             QSignalSpy swapped(&window, &QQuickWindow::frameSwapped);
-            if (!swapped.wait())
+            window.update();
+            if (!QTest::qWaitFor([&swapped] { return swapped.count() > 0; }))
                 return QImage();
             return window.screen()
                 ->grabWindow(window.winId())

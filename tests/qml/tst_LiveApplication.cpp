@@ -1474,7 +1474,11 @@ void tst_LiveApplication::longNamesDiffer()
     QVERIFY(m_robot.click(QStringLiteral("navProfiles")));
     QVERIFY(m_robot.await(QStringLiteral("profile3")));
     QSignalSpy swapped(m_live->window(), &QQuickWindow::frameSwapped);
-    QTRY_VERIFY(swapped.count() >= 3); // the rows are painted
+    for (int i = 0; i < 2; ++i) { // without a picture nothing else asks for it
+        const int before = swapped.count();
+        m_live->window()->update();
+        QTRY_VERIFY(swapped.count() > before);
+    }
     QVector<QImage> rows;
     for (const char last : {'1', '2'}) {
         const QString name = stem + QLatin1Char(last);
