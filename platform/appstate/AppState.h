@@ -31,6 +31,7 @@ Q_SIGNALS:
     void activeProjectChanged(QSharedPointer<Velmar::Database::CDomainObject> project);
     /// Also emitted when an inspection ended; @p inspection is null then.
     void activeInspectionChanged(Velmar::Database::CDomainObjectPointer inspection);
+    /// An observation was stored; it is complete.
     void observationCreated(Velmar::Database::CDomainObjectPointer observation);
     /// The template manager's cache holds the template of this catalog now.
     void templateLoadCompleted(const QString &uniqueId);

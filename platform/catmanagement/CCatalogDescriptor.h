@@ -14,6 +14,7 @@ class VELMAR_PLATFORM_EXPORT CCatalogDescriptor
 public:
     virtual ~CCatalogDescriptor();
 
+    /// The catalog's identifier; never empty.
     virtual Base::GUID uniqueId() const = 0;
     virtual QString languageCode() const = 0; ///< ISO 639-2, upper case: "DEU"; French may be "FRE"
     virtual QString countryCode() const = 0;  ///< ISO 3166, upper case: "CH"

@@ -14,30 +14,35 @@ namespace Velmar::Shared {
 class VELMAR_PLATFORM_EXPORT CLocaleSupport
 {
 public:
-    /// Unit names as they stand in profiles and on the screen. Assumed: all different, not empty,
-    /// without "[", and equal to the vocabulary of the profile files.
-    static const QString speedUnits_m_per_min;
-    static const QString speedUnits_ft_per_min;
-    static const QString speedUnits_inch_per_min;
-    static const QString speedUnits_m_per_sec;
-    static const QString speedUnits_ft_per_sec;
-    static const QString speedUnits_inch_per_sec;
-    static const QString speedUnits_cm_per_sec;
-    static const QString angleUnits_hour;
-    static const QString angleUnits_degree;
-    static const QString angleUnits_percent;
-    static const QString tempUnits_C;
-    static const QString tempUnits_F;
-    static const QString pressureUnits_mbar;
-    static const QString pressureUnits_atm;
-    static const QString pressureUnits_pa;
+    /// @name Unit names as they stand in profiles and on the screen
+    /// Assumed: all different, not empty, without "[", and equal to the vocabulary of the profile
+    /// files.
+    /// @{
+    static const QString speedUnits_m_per_min;    ///< metres a minute
+    static const QString speedUnits_ft_per_min;   ///< feet a minute
+    static const QString speedUnits_inch_per_min; ///< inches a minute
+    static const QString speedUnits_m_per_sec;    ///< metres a second
+    static const QString speedUnits_ft_per_sec;   ///< feet a second
+    static const QString speedUnits_inch_per_sec; ///< inches a second
+    static const QString speedUnits_cm_per_sec;   ///< centimetres a second
+    static const QString angleUnits_hour;         ///< clock position, 30 degrees each
+    static const QString angleUnits_degree;       ///< degrees
+    static const QString angleUnits_percent;      ///< slope in percent
+    static const QString tempUnits_C;             ///< degrees Celsius
+    static const QString tempUnits_F;             ///< degrees Fahrenheit
+    static const QString pressureUnits_mbar;      ///< millibars
+    static const QString pressureUnits_atm;       ///< standard atmospheres
+    static const QString pressureUnits_pa;        ///< pascals
+    /// @}
 
-    /// The unit in which the user wants to see a quantity.
-    static QString getSpeedUnitString();
-    static QString getAngleUnitString();
-    static QString getTemperatureUnitString();
-    static QString getPressureUnitString();
-    static QString getDistanceUnitString();
+    /// @name The unit in which the user wants to see a quantity. Never empty.
+    /// @{
+    static QString getSpeedUnitString();       ///< of speeds
+    static QString getAngleUnitString();       ///< of angles
+    static QString getTemperatureUnitString(); ///< of temperatures
+    static QString getPressureUnitString();    ///< of pressures
+    static QString getDistanceUnitString();    ///< of distances
+    /// @}
 
     /// For numbers and dates; the language of the texts is Translation::CTranslator's.
     static QLocale getCurrentLocale();

@@ -20,6 +20,7 @@ class VELMAR_PLATFORM_EXPORT CCatalogTemplate
 public:
     virtual ~CCatalogTemplate();
 
+    /// How many program views there are.
     virtual int programViewCount() const = 0;
     /// Null for an index out of range; may be null within it.
     virtual const CProgramView *programView(int index) const = 0;

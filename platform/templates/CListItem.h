@@ -11,6 +11,7 @@ namespace Velmar::Templates {
 class VELMAR_PLATFORM_EXPORT CListItem
 {
 public:
+    /// What the database stores, and what people read in its place.
     CListItem(QString internalValue, QString caption);
 
     QString internalValue() const; ///< what the database holds; compared as text

@@ -17,6 +17,7 @@ public:
     virtual ~CProgramView();
 
     virtual QString key() const = 0; ///< such as "detail_s_inspection"
+    /// How many columns there are.
     virtual int columnCount() const = 0;
     /// Null for an index out of range.
     virtual const CTemplateColumn *column(int index) const = 0;

@@ -11,6 +11,7 @@ namespace Velmar::Templates {
 class VELMAR_PLATFORM_EXPORT CTemplateColumn
 {
 public:
+    /// What a column holds.
     enum class Type {
         Invalid, ///< the template does not say, or says something unknown
         Text,
@@ -25,6 +26,7 @@ public:
     virtual QString key() const = 0;      ///< name of the database column, such as "INS_Inspector"
     virtual QString tableKey() const = 0; ///< table that the column belongs to, such as "SECTION"
     virtual QString caption() const = 0;  ///< in the catalog's language
+    /// What the column holds.
     virtual Type type() const = 0;
     virtual bool isOsd() const = 0; ///< the column may be shown over the video
 

@@ -20,6 +20,7 @@ class VELMAR_PLATFORM_EXPORT CTranslator : public QObject
 {
     Q_OBJECT
 public:
+    /// What stands between context and key of a translation: ".Txt.".
     static constexpr QLatin1String TXT_PART {".Txt.", 5};
 
     /// Never null, and never destroyed while the library is in use.

@@ -20,6 +20,7 @@ class XQVIDEOOVERLAY_EXPORT CaptionResolver : public QObject
 {
     Q_OBJECT
 public:
+    /// For those who implement it.
     explicit CaptionResolver(QObject *parent = nullptr);
     ~CaptionResolver() override;
 

@@ -41,10 +41,12 @@ public:
 
 Q_SIGNALS:
     // Repeats the base's signal, which is emitted with it: connecting to either counts once.
+    /// Repeats the base's: captions may have changed.
     void resolverReady();
     void templateReady(); ///< a template was set; comes before resolverReady
 
 public Q_SLOTS:
+    /// Keeps both and emits templateReady, then resolverReady. Null takes the template away.
     void setTemplate(
         const Velmar::Base::GUID &uniqueId,
         const QSharedPointer<Velmar::Templates::CCatalogTemplate> &catalogTemplate) override;

@@ -16,6 +16,7 @@ class XQVIDEOOVERLAY_EXPORT CAbstractVideoOverlayCapabilitiesBackend : public QO
 {
     Q_OBJECT
 public:
+    /// For those who implement it.
     explicit CAbstractVideoOverlayCapabilitiesBackend(QObject *parent = nullptr);
     ~CAbstractVideoOverlayCapabilitiesBackend() override;
 
@@ -25,9 +26,13 @@ public:
     virtual int imageHeight() = 0;        ///< height of the video picture [px]; 0 while unknown
 
 Q_SIGNALS:
+    /// Another largest number of grid columns.
     void maximumColumnCountChanged();
+    /// Another largest number of grid rows.
     void maximumRowCountChanged();
+    /// Another width of the video picture.
     void imageWidthChanged();
+    /// Another height of the video picture.
     void imageHeightChanged();
 };
 

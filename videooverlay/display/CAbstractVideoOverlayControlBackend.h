@@ -16,6 +16,7 @@ class XQVIDEOOVERLAY_EXPORT CAbstractVideoOverlayControlBackend : public QObject
 {
     Q_OBJECT
 public:
+    /// For those who implement it.
     explicit CAbstractVideoOverlayControlBackend(QObject *parent = nullptr);
     ~CAbstractVideoOverlayControlBackend() override;
 
@@ -39,6 +40,7 @@ public:
 Q_SIGNALS:
     void initialized(); ///< isReady() is true from now on
     void finalized();   ///< the display is gone; isReady() or isActive() is false from now on
+    /// The overlay was switched on or off.
     void videoOverlayEnabledChanged();
 };
 

@@ -14,6 +14,7 @@ class XQVIDEOOVERLAY_EXPORT CVideoOverlayCapabilities : public QObject
 {
     Q_OBJECT
 public:
+    /// Without a backend: everything is 0.
     explicit CVideoOverlayCapabilities(QObject *parent = nullptr);
     ~CVideoOverlayCapabilities() override;
 

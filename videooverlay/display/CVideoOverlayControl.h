@@ -19,11 +19,14 @@ class XQVIDEOOVERLAY_EXPORT CVideoOverlayControl : public QObject
 {
     Q_OBJECT
     // clang-format off
+    /// Whether the overlay is switched on; writing does nothing while not active.
     Q_PROPERTY(bool videoOverlayEnabled READ videoOverlayEnabled WRITE setVideoOverlayEnabled NOTIFY videoOverlayEnabledChanged)
+    /// Whether a backend is set, ready and active.
     Q_PROPERTY(bool controlActive READ controlActive NOTIFY controlActiveChanged)
     // clang-format on
 
 public:
+    /// Without a backend: everything is refused. Reads NQ5_DISABLE_OSD_RENDER.
     explicit CVideoOverlayControl(QObject *parent = nullptr);
     ~CVideoOverlayControl() override;
 

@@ -20,6 +20,7 @@ public:
     /// The key under which the element with this record is registered. The host's choice; several
     /// elements may have the same.
     virtual QString makeKey(const ElementParam &param) = 0;
+    /// The element is new; its datasource does not exist yet. Several may have one key.
     virtual void registerElement(const QString &key, CVideoOverlayElement *element) = 0;
     /// Called before an element is destroyed, also for elements that were never registered.
     virtual void unregisterElement(CVideoOverlayElement *element) = 0;

@@ -27,6 +27,7 @@ public:
                                   QObject *parent = nullptr);
     ~VideoOverlaySettings() override;
 
+    /// The font of the grid; its advance is the width of a cell.
     QFont font() const;
     double
     leftMargin() const;       ///< left edge of the grid; negative when it is wider than the picture

@@ -33,28 +33,47 @@ class XQVIDEOOVERLAY_EXPORT CVideoOverlayElement : public QObject
     Q_OBJECT
     // clang-format off
     // identity and placement
+    /// The identity, unique among all elements of the process; -1 until it is given one.
     Q_PROPERTY(int id READ id WRITE setId NOTIFY idChanged)
+    /// Row of the top-left cell on the character grid, from 0.
     Q_PROPERTY(int row READ row WRITE setRow NOTIFY rowChanged)
+    /// Column of the top-left cell on the character grid, from 0.
     Q_PROPERTY(int column READ column WRITE setColumn NOTIFY columnChanged)
     // crossed on purpose: both change only when a new row or column re-places the element
+    /// Left edge on the picture [px], fraction cut off.
     Q_PROPERTY(int x READ x NOTIFY rowChanged)
+    /// Top edge on the picture [px], fraction cut off.
     Q_PROPERTY(int y READ y NOTIFY columnChanged)
+    /// Height on the picture [px]; follows from the contents.
     Q_PROPERTY(double height READ height NOTIFY heightChanged)
+    /// Width on the picture [px]; follows from the contents.
     Q_PROPERTY(double width READ width WRITE setWidth NOTIFY widthChanged)
 
     // visibility and caption
+    /// Reads the effective visibility, writes the element's own.
     Q_PROPERTY(bool visible READ visible WRITE setVisible NOTIFY visibleChanged)
+    /// The operator's switch.
     Q_PROPERTY(bool enabled READ enabled WRITE setEnabled NOTIFY enabledChanged)
+    /// Whether the caption stands before the value.
     Q_PROPERTY(bool captionVisible READ captionVisible WRITE setCaptionVisible NOTIFY captionVisibleChanged)
+    /// What stands before the value.
     Q_PROPERTY(QString caption READ caption WRITE setCaption NOTIFY captionChanged)
+    /// The kind; typeChanged is emitted for every write.
     Q_PROPERTY(Type type READ type WRITE setType NOTIFY typeChanged)
 
     // timeout and text
+    /// Seconds until the element hides itself; 0: never.
     Q_PROPERTY(int timeout READ timeout WRITE setTimeout NOTIFY timeoutChanged)
+    /// Largest number of text lines; enforced by whoever sets the text.
     Q_PROPERTY(int maxlinenumber READ getMaxLineNumber WRITE setMaxLineNumber NOTIFY maxlinenumberChanged)
+    /// Keeps the timeout from being started.
     Q_PROPERTY(bool timeoutDisabled READ timeoutDisabled WRITE setTimeoutDisabled NOTIFY timeoutDisabledChanged)
+    /// Unit in which a value is shown; empty where there is none.
     Q_PROPERTY(QString unit READ unit WRITE setUnit NOTIFY unitChanged)
+    /// From 0, opaque, to 100, invisible; applied by the display. Bindings are not notified, though
+    /// transparencyChanged is emitted.
     Q_PROPERTY(int transparency READ transparency WRITE setTransparency)
+    /// Whether the operator may delete the element.
     Q_PROPERTY(bool canDelete READ canDelete CONSTANT)
     // clang-format on
 
@@ -72,6 +91,7 @@ public:
     };
     Q_ENUM(Type)
 
+    /// An element that is not visible, of no kind, without id and place.
     explicit CVideoOverlayElement(QObject *parent = nullptr);
     ~CVideoOverlayElement() override;
 
@@ -95,10 +115,16 @@ public:
     virtual void applyChangesToOrigParams();
 
     int id() const; ///< -1 until it is given one
+    /// Emits idChanged when it differs. Ids are given by the manager; of two equal ones the first
+    /// is found.
     void setId(int id);
     int row() const; ///< grid row of the top-left cell
+    /// Emits rowChanged when it differs, upon which the manager places the element anew. Any row is
+    /// taken, also one off the grid.
     void setRow(int row);
     int column() const; ///< grid column of the top-left cell
+    /// Emits columnChanged when it differs, upon which the manager places the element anew. Any
+    /// column is taken, also one off the grid.
     void setColumn(int column);
     double x() const; ///< left edge [px]; 0 until placed
     double y() const; ///< top edge [px]; 0 until placed
@@ -115,10 +141,15 @@ public:
     bool enabled() const; ///< the operator's switch
     /// Also decides visibility anew; emits enabledChanged, then visibleChanged.
     void setEnabled(bool enabled);
+    /// Whether the caption stands before the value; true until it is changed.
     bool captionVisible() const;
+    /// Emits captionVisibleChanged when it differs, upon which datasources build the text anew.
     void setCaptionVisible(bool visible);
+    /// What stands before the value; empty at first.
     QString caption() const;
+    /// Emits captionChanged when it differs. Does not change a text; its datasource does.
     void setCaption(const QString &caption);
+    /// The kind; Invalid until it is given one.
     Type type() const;
     /// Always emits typeChanged, also for the current type.
     void setType(Type type);
@@ -127,10 +158,13 @@ public:
     /// Also decides visibility anew, so that an element with a timeout hides at once.
     void setTimeout(int timeoutSeconds);
     bool timeoutDisabled() const; ///< keeps the timer from being started
+    /// Emits timeoutDisabledChanged when it differs. A timer that runs goes on.
     void setTimeoutDisabled(bool disabled);
     int getMaxLineNumber() const; ///< largest number of lines, kept here for those who set the text
+    /// Emits maxlinenumberChanged when it differs.
     void setMaxLineNumber(int lines);
     int transparency() const; ///< 0 opaque .. 100 invisible; applied by the display
+    /// Emits transparencyChanged when it differs. The range is not checked.
     void setTransparency(int transparency);
     /// False only where the record says so; an element without that key may be deleted.
     bool canDelete() const;
@@ -144,6 +178,7 @@ public:
 
     /// The record that edits are compared with. Emits nothing and changes no property.
     void setParamObject(const ElementParam &param);
+    /// A copy of the stored record.
     ElementParam getParamObject() const;
     /// The stored record itself, for those who must write into it. Not locked.
     ElementParam &getParamObjectRef();
@@ -151,20 +186,34 @@ public:
     void storeParam(const QString &key, const QVariant &value);
 
 Q_SIGNALS:
+    /// Another row, and so another y; also the notification of x.
     void rowChanged();
+    /// Another column, and so another x; also the notification of y.
     void columnChanged();
     void visibleChanged(); ///< the effective visibility may have changed
+    /// Another id.
     void idChanged();
+    /// Another width [px].
     void widthChanged();
+    /// Another height [px].
     void heightChanged();
+    /// Another caption.
     void captionChanged();
+    /// Another timeout; the visibility has been decided anew.
     void timeoutChanged();
+    /// The operator's switch was turned; the visibility has been decided anew.
     void enabledChanged();
+    /// The caption was shown or hidden.
     void captionVisibleChanged();
+    /// Another unit.
     void unitChanged();
+    /// The kind was set, to another one or not.
     void typeChanged();
+    /// The timeout was disabled or allowed again.
     void timeoutDisabledChanged();
+    /// Another largest number of lines.
     void maxlinenumberChanged();
+    /// Another transparency.
     void transparencyChanged();
     void
     timerExpired(); ///< the timeout ran out and the element has hidden itself; without the lock
@@ -197,6 +246,7 @@ protected:
     class EditLock
     {
     public:
+        /// Waits for both locks; never null.
         explicit EditLock(CVideoOverlayElement *element);
         ~EditLock();
 

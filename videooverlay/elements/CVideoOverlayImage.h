@@ -14,12 +14,19 @@ namespace Velmar::VideoOverlay {
 class XQVIDEOOVERLAY_EXPORT CVideoOverlayImage : public CVideoOverlayElement
 {
     Q_OBJECT
+    // clang-format off
+    /// Path of the picture file.
     Q_PROPERTY(QString imageSrc READ imageSrc WRITE setImageSrc NOTIFY imageSrcChanged)
+    /// Width of the picture as loaded [px]; 0 without one.
     Q_PROPERTY(int imageSrcWidth READ imageSrcWidth NOTIFY imageSrcWidthChanged)
+    /// Height of the picture as loaded [px]; 0 without one.
     Q_PROPERTY(int imageSrcHeight READ imageSrcHeight NOTIFY imageSrcHeightChanged)
+    /// Scale of the picture; 1.0 is its own size.
     Q_PROPERTY(double scaleFactor READ scaleFactor WRITE setScaleFactor NOTIFY scaleFactorChanged)
+    // clang-format on
 
 public:
+    /// Without a picture, of size 0.
     explicit CVideoOverlayImage(QObject *parent = nullptr);
     ~CVideoOverlayImage() override;
 
@@ -50,9 +57,13 @@ public:
     QImage createScaledImage() const;
 
 Q_SIGNALS:
+    /// A picture was set or tried.
     void imageSrcChanged();
+    /// Comes with imageSrcChanged, also for the same width [px].
     void imageSrcWidthChanged(int width);
+    /// Comes with imageSrcChanged, also for the same height [px].
     void imageSrcHeightChanged(int height);
+    /// Another scale; width and height follow it already.
     void scaleFactorChanged();
 
 private:

@@ -17,13 +17,18 @@ class XQVIDEOOVERLAY_EXPORT CVideoOverlayText : public CVideoOverlayElement
 {
     Q_OBJECT
     // clang-format off
+    /// The whole text, paragraphs separated by line feeds.
     Q_PROPERTY(QString text READ text WRITE setText NOTIFY textChanged)
+    /// Colour of the letters, with its own alpha.
     Q_PROPERTY(QColor textColor READ textColor WRITE setTextColor NOTIFY textColorChanged)
+    /// Colour of the box behind each line, with its own alpha.
     Q_PROPERTY(QColor backgroundColor READ backgroundColor WRITE setBackgroundColor NOTIFY backgroundColorChanged)
+    /// The font, taken from the grid.
     Q_PROPERTY(QFont font READ font NOTIFY fontChanged)
     // clang-format on
 
 public:
+    /// An empty text in the default font, without colours.
     explicit CVideoOverlayText(QObject *parent = nullptr);
     ~CVideoOverlayText() override;
 
@@ -43,6 +48,7 @@ public:
     void setText(const QString &text);
     QColor textColor() const;       ///< invalid, painted as black, until set
     QColor backgroundColor() const; ///< invalid, painted as black, until set
+    /// The default font until onSettingsChanged() takes the grid's.
     QFont font() const;
     int alignment() const; ///< Qt::Alignment flags as a number; 1 (left) at first
 
@@ -64,20 +70,27 @@ public:
     void renderText(QImage &image) const;
 
 Q_SIGNALS:
-    // rowChanged, columnChanged, visibleChanged and idChanged repeat the base's, which the base's
-    // setters emit and this class passes on: connecting to either counts every change once.
+    /// Another text, typeset already.
     void textChanged();
+    /// Repeats the base's, as columnChanged, visibleChanged and idChanged do: the base's setters
+    /// emit theirs and this class passes them on. Connecting to either counts every change once.
     void rowChanged();
+    /// The grid's font was taken, another one or not.
     void fontChanged();
-    void columnChanged();
-    void visibleChanged();
+    void columnChanged();  ///< as rowChanged
+    void visibleChanged(); ///< as rowChanged
+    /// Another colour of the boxes.
     void backgroundColorChanged(QColor newColor);
+    /// Another colour of the letters.
     void textColorChanged(QColor newColor);
-    void idChanged();
+    void idChanged(); ///< as rowChanged
+    /// The alignment was set, to another one or not.
     void alignmentChanged();
 
 public Q_SLOTS:
+    /// Emits backgroundColorChanged when it differs.
     void setBackgroundColor(QColor newColor);
+    /// Emits textColorChanged when it differs.
     void setTextColor(QColor newColor);
     /// Breaks the text into lines and sets width and height from them. Without a grid the
     /// paragraphs stay whole and the height is 0.

@@ -20,35 +20,58 @@ class XQVIDEOOVERLAY_EXPORT ElementParam : public QHash<QString, QVariant>
 public:
     using QHash<QString, QVariant>::QHash;
 
-    // Keys of a record.
+    /// Key: the data column or system value that the element shows.
     static const QString NAME_COLUMNBOUND;
+    /// Key: the caption taken from that column or value.
     static const QString NAME_COLUMNCAPTION;
 
     // System values: what "columnBound" of a system text can name.
+    /// Distance since the counter was set.
     static const QString NAME_TOTAL_DISTANCE_COUNTER;
+    /// Distance within the section.
     static const QString NAME_SECTION_DISTANCE_COUNTER;
+    /// Distance of the satellite camera.
     static const QString NAME_SAT_DISTANCE_COUNTER;
+    /// Speed of the crawler.
     static const QString NAME_SPEED;
+    /// Date of the moment.
     static const QString NAME_DATE;
+    /// Time of day of the moment.
     static const QString NAME_TIME;
+    /// Time since the video began.
     static const QString NAME_VIDEO_TIME_COUNTER;
+    /// Angle of the camera, up and down.
     static const QString NAME_CAMERA_TILT;
+    /// Temperature in the camera.
     static const QString NAME_CAMERA_TEMPERATURE;
+    /// Angle of the camera, round about.
     static const QString NAME_CAMERA_PAN;
+    /// Pressure in the camera.
     static const QString NAME_CAMERA_PRESSURE;
+    /// Angle of the crawler along the pipe.
     static const QString NAME_CRAWLER_PITCH;
+    /// Angle of the crawler across the pipe.
     static const QString NAME_CRAWLER_ROLL;
+    /// Temperature in the crawler.
     static const QString NAME_CRAWLER_TEMPERATURE;
+    /// Pressure in the crawler.
     static const QString NAME_CRAWLER_PRESSURE;
+    /// Temperature of what is inspected.
     static const QString NAME_OBJECT_TEMPERATURE;
+    /// What the operator typed.
     static const QString NAME_OSD_FREE_TEXT_BOX;
     static const QString NAME_PAN_AND_TILT; ///< holds blanks, unlike its neighbours; kept so
 
     // Fixed identities.
+    /// First status text.
     static const QString NAME_STATUS_TEXT_1;
+    /// Second status text.
     static const QString NAME_STATUS_TEXT_2;
+    /// Third status text.
     static const QString NAME_STATUS_TEXT_3;
+    /// Fourth status text.
     static const QString NAME_STATUS_TEXT_4;
+    /// Key: identity of a predefined static text.
     static const QString NAME_STATIC_ID;
 
     /// The settings of the whole display before a profile sets them. Holds no

@@ -26,6 +26,7 @@ public:
     double y() const;     ///< top edge [px of the video picture]
     bool visible() const; ///< the element's effective visibility when it was rendered
     bool repaint() const; ///< the picture must be (re)drawn
+    /// Sets the mark.
     void repaint(bool repaint);
 
     /// Straight-alpha ARGB32 for a text; null where there is nothing to draw.

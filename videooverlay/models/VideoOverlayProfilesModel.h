@@ -23,11 +23,14 @@ class XQVIDEOOVERLAY_EXPORT VideoOverlayProfilesModel : public QAbstractListMode
 {
     Q_OBJECT
     // clang-format off
+    /// The selected profile; null when there is none.
     Q_PROPERTY(Velmar::VideoOverlay::Profile *currentProfile READ currentProfile WRITE setCurrentProfile NOTIFY currentProfileChanged)
+    /// Its row; -1 when there is none.
     Q_PROPERTY(int currentProfileIndex READ currentProfileIndex WRITE setCurrentProfileByIndex NOTIFY currentProfileChanged)
     // clang-format on
 
 public:
+    /// What data() gives besides the display role, which is the Profile itself.
     enum Role {
         IndexRole = Qt::UserRole, ///< "index": the row. The display role gives the profile
     };
@@ -38,8 +41,11 @@ public:
     explicit VideoOverlayProfilesModel(CVideoOverlayManager &manager);
     ~VideoOverlayProfilesModel() override;
 
+    /// How many profiles there are.
     int rowCount(const QModelIndex &parent = QModelIndex()) const override;
+    /// Invalid for a row that is not there and for any other role.
     QVariant data(const QModelIndex &index, int role = Qt::DisplayRole) const override;
+    /// The base's roles and "index".
     QHash<int, QByteArray> roleNames() const override;
 
     // The operations on a row stand before those on a profile: QML takes the last that fits.

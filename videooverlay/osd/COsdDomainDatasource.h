@@ -45,6 +45,7 @@ public:
 
     /// The shared record: an inspection or, after an observation, that observation. May be null.
     static Velmar::Database::CDomainObjectPointer currentInspection();
+    /// Remembers the record for all; null forgets it.
     static void rememberDomainObject(const Velmar::Database::CDomainObjectPointer &object);
 
     /// Null, and a line in the log, while none is loaded.
@@ -65,6 +66,8 @@ public:
     /// has such an item.
     QString fetchColumnDatasource(const Velmar::Templates::CCatalogTemplate &catalogTemplate,
                                   const QVariant &value) const;
+    /// The caption of the list item whose stored value this is; empty, with a line in the log, when
+    /// the column has no list.
     QString getListDetailsCaption(const Velmar::Templates::CCatalogTemplate &catalogTemplate,
                                   const QVariant &value) const;
     /// A date or time as the user writes it; what is neither, or cannot be read, as it is.

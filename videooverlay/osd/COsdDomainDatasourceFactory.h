@@ -11,6 +11,7 @@ namespace Velmar::VideoOverlay {
 class XQVIDEOOVERLAY_EXPORT COsdDomainDatasourceFactory : public CAbstractOsdDatasourceFactory
 {
 public:
+    /// @p resolver gives the captions; shared with the builder.
     explicit COsdDomainDatasourceFactory(QSharedPointer<TemplateCaptionResolver> resolver);
     ~COsdDomainDatasourceFactory() override;
 

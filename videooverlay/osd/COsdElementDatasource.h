@@ -26,8 +26,8 @@ public:
     void detach();
 
 protected:
-    ElementParam m_params; ///< as it was given, without the id
-    CVideoOverlayElement *m_element;
+    ElementParam m_params;           ///< as it was given, without the id
+    CVideoOverlayElement *m_element; ///< the parent; never null
 };
 
 } // namespace Velmar::VideoOverlay

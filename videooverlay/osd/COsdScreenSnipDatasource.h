@@ -15,6 +15,7 @@ class XQVIDEOOVERLAY_EXPORT COsdScreenSnipDatasource : public COsdElementDatasou
 {
     Q_OBJECT
 public:
+    /// Takes scale, visibility and caption from @p param; becomes a child of @p image.
     COsdScreenSnipDatasource(CVideoOverlayImage *image, ElementParam &param);
     ~COsdScreenSnipDatasource() override;
 

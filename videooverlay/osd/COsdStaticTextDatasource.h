@@ -14,9 +14,11 @@ class XQVIDEOOVERLAY_EXPORT COsdStaticTextDatasource : public COsdElementDatasou
 {
     Q_OBJECT
 public:
+    /// Takes text, colours and visibility from @p param; becomes a child of @p text.
     COsdStaticTextDatasource(CVideoOverlayText *text, ElementParam &param);
     ~COsdStaticTextDatasource() override;
 
+    /// The text as it is.
     QString buildText();
     void setValue(const QString &newText); ///< writes it into the element
 

@@ -13,6 +13,7 @@ class XQVIDEOOVERLAY_EXPORT COsdValueDatasource : public COsdTextDatasource
 {
     Q_OBJECT
 public:
+    /// Takes unit, visibility and alignment from @p param; becomes a child of @p text.
     COsdValueDatasource(QSharedPointer<TemplateCaptionResolver> resolver, CVideoOverlayText *text,
                         ElementParam &param);
     ~COsdValueDatasource() override;

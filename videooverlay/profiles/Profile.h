@@ -17,12 +17,16 @@ class XQVIDEOOVERLAY_EXPORT Profile : public QObject
 {
     Q_OBJECT
     // clang-format off
+    /// What people call the profile.
     Q_PROPERTY(QString caption READ caption NOTIFY captionChanged)
+    /// Absolute path of the file.
     Q_PROPERTY(QString path READ path NOTIFY captionChanged)
+    /// Whether the file may not be written.
     Q_PROPERTY(bool readOnly READ readOnly NOTIFY captionChanged)
     // clang-format on
 
 public:
+    /// Without records, name and path.
     explicit Profile(QObject *parent = nullptr);
     ~Profile() override;
 
@@ -32,6 +36,7 @@ public:
     void setName(const QString &name); ///< emits nothing
     QString path() const;              ///< absolute path of the file
     void setPath(const QString &path); ///< emits nothing and moves no file
+    /// Whether the file says that it may not be written.
     bool readOnly() const;
     void setReadOnly(bool readOnly); ///< emits nothing
     bool changed() const;            ///< always false: nothing in the library sets it
@@ -40,6 +45,7 @@ public:
     QString caption() const;
 
     QList<ElementParam> &elements(); ///< in file order; whoever builds or saves works in place
+    /// In file order.
     const QList<ElementParam> &elements() const;
 
     /// Reads the file at @p path. The records must be empty. False when it could not be read, which

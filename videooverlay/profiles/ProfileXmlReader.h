@@ -30,6 +30,7 @@ class XQVIDEOOVERLAY_EXPORT ProfileXmlReader : public QObject
     Q_OBJECT
 
 public:
+    /// Has no state; one may read many files.
     explicit ProfileXmlReader(QObject *parent = nullptr);
     ~ProfileXmlReader() override;
 

@@ -24,6 +24,7 @@ class XQVIDEOOVERLAY_EXPORT ProfileXmlWriter : public QObject
     Q_OBJECT
 
 public:
+    /// Has no state; one may write many files.
     explicit ProfileXmlWriter(QObject *parent = nullptr);
     ~ProfileXmlWriter() override;
 
@@ -32,18 +33,22 @@ public:
     /// the log, when the file could not be written; it is then as it was before.
     bool writeElements(const QString &path, const QList<ElementParam> &elements);
 
-    /// Each writes one child element.
+    /// @name Each writes one child element with this value as its text
+    /// @{
     static void createTextElement(QXmlStreamWriter &writer, const QString &tag,
-                                  const QString &value);
+                                  const QString &value); ///< as it is
+    /// In decimal digits.
     static void createTextElement(QXmlStreamWriter &writer, const QString &tag, int value);
+    /// As "true" or "false".
     static void createTextElement(QXmlStreamWriter &writer, const QString &tag, bool value);
     static void createTextElement(QXmlStreamWriter &writer, const QString &tag,
-                                  const QColor &value); ///< as #aarrggbb
+                                  const QColor &value); ///< as \#aarrggbb
     static void createTextElement(QXmlStreamWriter &writer, const QString &tag,
                                   double value); ///< with 6 significant digits
     /// A literal would be written as a truth value.
     static void createTextElement(QXmlStreamWriter &writer, const QString &tag, const char *value)
         = delete;
+    /// @}
 
 private:
     void prepareStaticText(QXmlStreamWriter &writer, const ElementParam &param) const;

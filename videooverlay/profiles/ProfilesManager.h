@@ -24,6 +24,7 @@ public:
     /// be listed there.
     static bool isProfileName(const QString &name);
 
+    /// Reads all profiles of the profile directory.
     explicit ProfilesManager(QObject *parent = nullptr);
     ~ProfilesManager() override;
 
@@ -50,6 +51,7 @@ public:
 
 Q_SIGNALS:
     void profileAboutToBeAdded(); ///< a clone is on disk and will be the last of the list
+    /// The last profile of the list is new.
     void profileAdded();
 
 private:

@@ -24,8 +24,11 @@ public:
     /// A value of an unknown unit comes back as it is.
     double convertToBase(double value, QString unit);
     // NOLINTBEGIN(bugprone-reserved-identifier): hosts call them by these names
+    /// Degrees to clock positions.
     double convertBaseTo__hour(double value);
+    /// The same degrees.
     double convertBaseTo__degrees(double value);
+    /// Degrees to a slope in percent, by the tangent.
     double convertBaseTo__percent(double value);
     // NOLINTEND(bugprone-reserved-identifier)
 

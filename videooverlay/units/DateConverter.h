@@ -11,6 +11,7 @@ class XQVIDEOOVERLAY_EXPORT DateConverter : public UnitsProvider
 {
 public:
     explicit DateConverter();
+    /// @p text is kept and not used.
     explicit DateConverter(const QString &text);
 
     /// @p from is ignored. @p format is a pattern, not a unit; an empty one stands for the short

@@ -20,8 +20,11 @@ public:
     /// A value of an unknown unit comes back as it is.
     double convertToBase(double value, QString unit);
     // NOLINTBEGIN(bugprone-reserved-identifier): hosts call them by these names
+    /// The same millibars.
     double convertBaseTo__mbar(double value);
+    /// Millibars to standard atmospheres.
     double convertBaseTo__atm(double value);
+    /// Millibars to pascals.
     double convertBaseTo__Pa(double value);
     // NOLINTEND(bugprone-reserved-identifier)
 

@@ -22,12 +22,19 @@ public:
     /// A value of an unknown unit comes back as it is, and is logged as an error.
     double convertToBase(double value, QString unit);
     // NOLINTBEGIN(bugprone-reserved-identifier): hosts call them by these names
+    /// The same metres a minute.
     double convertBaseTo__m_per_min(double value);
+    /// Metres a minute to feet a second.
     double convertBaseTo__ft_per_sec(double value);
+    /// Metres a minute to inches a second.
     double convertBaseTo__inch_per_sec(double value);
+    /// Metres a minute to feet a minute.
     double convertBaseTo__ft_per_min(double value);
+    /// Metres a minute to centimetres a second.
     double convertBaseTo__cm_per_sec(double value);
+    /// Metres a minute to inches a minute.
     double convertBaseTo__inch_per_min(double value);
+    /// Metres a minute to metres a second.
     double convertBaseTo__m_per_sec(double value);
     // NOLINTEND(bugprone-reserved-identifier)
 

@@ -19,6 +19,7 @@ public:
     /// An empty @p unit stands for the user's.
     QString getSuffix(QString unit) override;
 
+    /// Degrees Fahrenheit to degrees Celsius.
     double convert_F_to_C(double value);
     /// Rounds once, so that all processors show the same digits.
     double convert_C_to_F(double value);
