@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/video/OverlayPlanes.h"
 
-#include <libyuv/cpu_id.h>
+#include "host/video/ColorRows.h"
+
 #include <libyuv/planar_functions.h>
 #include <libyuv/scale_argb.h>
 
@@ -27,114 +28,6 @@ int aligned(int bytes)
 {
     return (bytes + alignment - 1) / alignment * alignment;
 }
-
-/// Weights of red, green and blue in 256ths, rounded so that gray stays exactly gray: the luma
-/// weights sum up to the range of the luma (220 of 256 limited, 256 full), the others to 0.
-struct Weights
-{
-    std::uint16_t yRed, yGreen, yBlue;
-    std::uint16_t yOffset; ///< black level and the half that rounds
-    std::int16_t uRed, uGreen, uBlue;
-    std::int16_t vRed, vGreen, vBlue;
-};
-
-constexpr std::uint16_t limitedOffset = 16 * 256 + 128;
-constexpr std::uint16_t fullOffset = 128;
-
-/// 128, with half a step less than would round exactly: so 255.5 does not wrap round to 0.
-constexpr std::uint16_t chromaOffset = 128 * 256 + 127;
-
-constexpr Weights bt601Limited {66, 129, 25, limitedOffset, -38, -74, 112, 112, -94, -18};
-constexpr Weights bt601Full {77, 150, 29, fullOffset, -43, -85, 128, 128, -107, -21};
-constexpr Weights bt709Limited {47, 157, 16, limitedOffset, -26, -86, 112, 112, -102, -10};
-constexpr Weights bt709Full {54, 183, 19, fullOffset, -29, -99, 128, 128, -116, -12};
-
-const Weights &weightsFor(PlanarFrame::Matrix matrix, PlanarFrame::Range range)
-{
-    const bool limited = range == PlanarFrame::Range::Limited;
-    if (matrix == PlanarFrame::Matrix::Bt601)
-        return limited ? bt601Limited : bt601Full;
-    return limited ? bt709Limited : bt709Full;
-}
-
-// The two row conversions below stand here because libyuv converts from RGB with the BT.601 matrix
-// only. All sums fit 16 bits without a sign (luma up to 256 * 255 + 128, chroma from 255 to 65535),
-// which lets compilers turn each loop into vector code that handles eight pixels at a time or more.
-// On x86 they are compiled twice, because the plain instruction set halves the width of a vector.
-
-#if defined(__GNUC__)
-#define XQ_INLINE inline __attribute__((always_inline))
-#else
-#define XQ_INLINE inline
-#endif
-
-/// Luma of @p count BGRA pixels.
-XQ_INLINE void lumaLoop(const std::uint8_t *__restrict bgra, std::uint8_t *__restrict luma,
-                        int count, const Weights &weights)
-{
-    const Weights w = weights;
-    for (int i = 0; i < count; ++i) {
-        const auto blue = std::uint16_t(bgra[4 * i] * w.yBlue);
-        const auto green = std::uint16_t(bgra[4 * i + 1] * w.yGreen);
-        const auto red = std::uint16_t(bgra[4 * i + 2] * w.yRed);
-        luma[i] = std::uint8_t(std::uint16_t(blue + green + red + w.yOffset) >> 8);
-    }
-}
-
-/// U and V of @p count BGRA pixels.
-XQ_INLINE void chromaLoop(const std::uint8_t *__restrict bgra, std::uint8_t *__restrict u,
-                          std::uint8_t *__restrict v, int count, const Weights &weights)
-{
-    const Weights w = weights;
-    for (int i = 0; i < count; ++i) {
-        const std::int16_t blue = bgra[4 * i];
-        const std::int16_t green = bgra[4 * i + 1];
-        const std::int16_t red = bgra[4 * i + 2];
-        const auto uSum
-            = std::uint16_t(blue * w.uBlue + green * w.uGreen + red * w.uRed + chromaOffset);
-        const auto vSum
-            = std::uint16_t(blue * w.vBlue + green * w.vGreen + red * w.vRed + chromaOffset);
-        u[i] = std::uint8_t(uSum >> 8);
-        v[i] = std::uint8_t(vSum >> 8);
-    }
-}
-
-using LumaRow = void (*)(const std::uint8_t *, std::uint8_t *, int, const Weights &);
-using ChromaRow
-    = void (*)(const std::uint8_t *, std::uint8_t *, std::uint8_t *, int, const Weights &);
-
-void lumaRow(const std::uint8_t *bgra, std::uint8_t *luma, int count, const Weights &weights)
-{
-    lumaLoop(bgra, luma, count, weights);
-}
-
-void chromaRow(const std::uint8_t *bgra, std::uint8_t *u, std::uint8_t *v, int count,
-               const Weights &weights)
-{
-    chromaLoop(bgra, u, v, count, weights);
-}
-
-#if defined(__x86_64__) && defined(__GNUC__)
-__attribute__((target("avx2"))) void lumaRowAvx2(const std::uint8_t *bgra, std::uint8_t *luma,
-                                                 int count, const Weights &weights)
-{
-    lumaLoop(bgra, luma, count, weights);
-}
-
-__attribute__((target("avx2"))) void chromaRowAvx2(const std::uint8_t *bgra, std::uint8_t *u,
-                                                   std::uint8_t *v, int count,
-                                                   const Weights &weights)
-{
-    chromaLoop(bgra, u, v, count, weights);
-}
-
-const bool hasAvx2 = libyuv::TestCpuFlag(libyuv::kCpuHasAVX2) != 0;
-const LumaRow convertLumaRow = hasAvx2 ? lumaRowAvx2 : lumaRow;
-const ChromaRow convertChromaRow = hasAvx2 ? chromaRowAvx2 : chromaRow;
-#else
-constexpr LumaRow convertLumaRow = lumaRow;
-constexpr ChromaRow convertChromaRow = chromaRow;
-#endif
 
 bool isOpaque(const QImage &image, const QRect &part)
 {
@@ -284,15 +177,15 @@ void OverlayPlanes::allocate()
 
 void OverlayPlanes::convertLuma(const QRect &area)
 {
-    const Weights &weights = weightsFor(m_form.matrix, m_form.range);
+    const ColorRows::Weights &weights = ColorRows::weightsFor(m_form.matrix, m_form.range);
     const QRect inside = area & partInPlanes();
     const QPoint from = inside.topLeft() - partInPlanes().topLeft() + m_form.part.topLeft();
     const std::uint8_t *pixels = m_image.constScanLine(from.y()) + from.x() * 4;
     const int stride = m_image.bytesPerLine();
     const int offset = inside.y() * m_stride + inside.x();
     for (int y = 0; y < inside.height(); ++y)
-        convertLumaRow(pixels + y * stride, m_luma + offset + y * m_stride, inside.width(),
-                       weights);
+        ColorRows::convertLuma(pixels + y * stride, m_luma + offset + y * m_stride, inside.width(),
+                               weights);
     libyuv::ARGBExtractAlpha(pixels, stride, m_alpha + offset, m_stride, inside.width(),
                              inside.height());
 }
@@ -322,34 +215,14 @@ void OverlayPlanes::padAlpha()
     }
 }
 
-/// Averages 2 x 2 pixels, each with the weight of its alpha: the colour of a transparent pixel (the
-/// ground of a text is green) must not tint its neighbours.
-void OverlayPlanes::convertChroma(const QRect &area, Scratch &scratch)
+/// Copies an area of the picture to @p padded and pads it up to the chroma grid.
+void OverlayPlanes::copyPadded(const QRect &area, std::uint8_t *padded, int stride) const
 {
     const int width = area.width();
     const int height = area.height();
-    const int columns = width / 2;
-    const int rows = height / 2;
-    // libyuv rounds another way in the columns that do not fill a vector, so there are none: the
-    // same picture gives the same planes, whatever was shown before.
-    const int halfWidth = (columns + samplesPerVector - 1) / samplesPerVector * samplesPerVector;
-    const int stride = halfWidth * 2 * 4;
-    const int halfStride = halfWidth * 4;
-    const int planeStride = aligned(columns);
-    const size_t full = size_t(stride) * size_t(height);
-    const size_t half = size_t(halfStride) * size_t(rows);
-    const size_t plane = size_t(planeStride) * size_t(rows);
-    if (scratch.size() < full + half + 3 * plane)
-        scratch.resize(full + half + 3 * plane);
-    std::uint8_t *const padded = scratch.data();
-    std::uint8_t *const averaged = padded + full;
-
     const QRect part = partInPlanes() & area;
     const QPoint from = part.topLeft() - partInPlanes().topLeft() + m_form.part.topLeft();
     const QRect inside = part.translated(-area.topLeft());
-    // Multiplied by alpha, averaged, divided again. Where everything is opaque the plain average is
-    // the same thing, as long as the padding has the colour of its neighbours. Everything: decided
-    // by the changed area alone, the rounding would depend on what was shown before.
     const bool opaque = m_opaque;
     libyuv::ARGBCopy(m_image.constScanLine(from.y()) + from.x() * 4, m_image.bytesPerLine(),
                      padded + inside.y() * stride + inside.x() * 4, stride, inside.width(),
@@ -376,7 +249,35 @@ void OverlayPlanes::convertChroma(const QRect &area, Scratch &scratch)
     if (inside.bottom() + 1 < height)
         pad(padded + (height - 1) * stride, padded + (height - 2) * stride, width,
             m_form.frameEndsY);
+}
 
+/// Averages 2 x 2 pixels, each with the weight of its alpha: the colour of a transparent pixel (the
+/// ground of a text is green) must not tint its neighbours.
+void OverlayPlanes::convertChroma(const QRect &area, Scratch &scratch)
+{
+    const int width = area.width();
+    const int height = area.height();
+    const int columns = width / 2;
+    const int rows = height / 2;
+    // libyuv rounds another way in the columns that do not fill a vector, so there are none: the
+    // same picture gives the same planes, whatever was shown before.
+    const int halfWidth = (columns + samplesPerVector - 1) / samplesPerVector * samplesPerVector;
+    const int stride = halfWidth * 2 * 4;
+    const int halfStride = halfWidth * 4;
+    const int planeStride = aligned(columns);
+    const size_t full = size_t(stride) * size_t(height);
+    const size_t half = size_t(halfStride) * size_t(rows);
+    const size_t plane = size_t(planeStride) * size_t(rows);
+    if (scratch.size() < full + half + 3 * plane)
+        scratch.resize(full + half + 3 * plane);
+    std::uint8_t *const padded = scratch.data();
+    std::uint8_t *const averaged = padded + full;
+
+    copyPadded(area, padded, stride);
+    // Multiplied by alpha, averaged, divided again. Where everything is opaque the plain average is
+    // the same thing, as long as the padding has the colour of its neighbours. Everything: decided
+    // by the changed area alone, the rounding would depend on what was shown before.
+    const bool opaque = m_opaque;
     if (!opaque)
         libyuv::ARGBAttenuate(padded, stride, padded, stride, halfWidth * 2, height);
     libyuv::ARGBScale(padded, stride, halfWidth * 2, height, averaged, halfStride, halfWidth, rows,
@@ -391,10 +292,10 @@ void OverlayPlanes::convertChroma(const QRect &area, Scratch &scratch)
     std::uint8_t *const v = interleaved ? u + plane : m_chroma[1] + offset;
     std::uint8_t *const alpha = interleaved ? v + plane : m_chromaAlpha + offset;
     const int uvStride = interleaved ? planeStride : m_chromaStride;
-    const Weights &weights = weightsFor(m_form.matrix, m_form.range);
+    const ColorRows::Weights &weights = ColorRows::weightsFor(m_form.matrix, m_form.range);
     for (int y = 0; y < rows; ++y)
-        convertChromaRow(averaged + y * halfStride, u + y * uvStride, v + y * uvStride, columns,
-                         weights);
+        ColorRows::convertChroma(averaged + y * halfStride, u + y * uvStride, v + y * uvStride,
+                                 columns, weights);
     libyuv::ARGBExtractAlpha(averaged, halfStride, alpha, uvStride, columns, rows);
     if (interleaved) {
         libyuv::MergeUVPlane(u, uvStride, v, uvStride, m_chroma[0] + offset, m_chromaStride,

@@ -73,6 +73,7 @@ private:
     QRect changedRect(const QImage &image, const Form &form, bool opaque) const;
     void convertLuma(const QRect &area);
     void padAlpha();
+    void copyPadded(const QRect &area, std::uint8_t *padded, int stride) const;
     void convertChroma(const QRect &area, Scratch &scratch);
     void applyOpacity(const QRect &area);
     void findBands();

@@ -2,12 +2,13 @@
 #pragma once
 
 #include "host/video/PlanarFrame.h"
+#include "host/video/piperun/PipeCamera.h"
+#include "host/video/piperun/PipeMath.h"
+#include "host/video/piperun/PipeRasteriser.h"
+#include "host/video/piperun/PipeTexture.h"
+#include "host/video/piperun/PipeWall.h"
 
 #include <QtGlobal>
-
-#include <array>
-#include <cstdint>
-#include <vector>
 
 namespace Velmar::Host {
 
@@ -21,26 +22,11 @@ namespace Velmar::Host {
 class PipeRunRenderer
 {
 public:
-    static constexpr double PipeRadiusM = 0.15;
+    static constexpr double PipeRadiusM = PipeMath::RadiusM;
     static constexpr double JointSpacingM = 1.0; ///< a joint lies at every whole metre
 
-    /// Where the camera is and looks.
-    struct View
-    {
-        double distanceM = 0.0; ///< along the pipe
-        double panDeg = 0.0;    ///< to the right
-        double tiltDeg = 0.0;   ///< upwards
-        double timeS = 0.0;     ///< moves the water, the sway and the noise
-    };
-
-    /// The opening of a smaller pipe in the wall.
-    struct Lateral
-    {
-        bool exists = false;
-        double distanceM = 0.0;  ///< of its centre
-        double clockHours = 0.0; ///< of its centre, 12 on top, seen in driving direction
-        double radiusM = 0.0;
-    };
+    using View = PipeView;
+    using Lateral = PipeLateral;
 
     explicit PipeRunRenderer(quint32 seed);
 
@@ -56,30 +42,8 @@ public:
     static double focalLength(int width, int height);
 
 private:
-    struct Node;
-    struct Camera;
-    struct Target;
-
-    static constexpr int RingMetres = 8; ///< metres kept: what is in sight, both ways
-    static constexpr int Levels = 7;     ///< each half as fine along the pipe as the one before
-
-    void prepareMetres(int first, int last);
-    void drawMetre(int metre);
-    void shrinkMetre(int slot); ///< makes the coarser levels
-    Node castRay(const Camera &camera, double x, double y) const;
-    void fillBlock(const Camera &camera, const Target &target, int x, int y, int size,
-                   const Node &topLeft, const Node &topRight, const Node &bottomLeft,
-                   const Node &bottomRight) const;
-    void fillPixels(const Target &target, int x, int y, int size, const Node &topLeft,
-                    const Node &topRight, const Node &bottomLeft, const Node &bottomRight) const;
-
-    quint32 m_seed;
-    std::uint32_t m_key;                                  ///< what everything random is drawn from
-    std::array<int, RingMetres> m_metres;                 ///< which metre stands in which slot
-    std::array<std::vector<std::uint8_t>, Levels> m_luma; ///< reflectance, angle runs fastest
-    std::vector<std::uint16_t> m_chroma;                  ///< red in the high byte, blue in the low
-    std::vector<std::uint8_t> m_ripples;                  ///< tileable, for the glints on the water
-    std::vector<std::int8_t> m_noise;                     ///< of the sensor
+    PipeTexture m_texture;
+    PipeRasteriser m_rasteriser;
 };
 
 } // namespace Velmar::Host
