@@ -8,6 +8,7 @@
 #include "videooverlay/Log_p.h"
 #include "videooverlay/captions/TemplateCaptionResolver.h"
 #include "videooverlay/display/CVideoOverlayManager.h"
+#include "videooverlay/elements/ElementType_p.h"
 #include "videooverlay/models/VideoOverlayElementListModel.h"
 #include "videooverlay/osd/CAbstractOsdDatasourceFactory.h"
 #include "videooverlay/osd/COsdDomainDatasource.h"
@@ -76,11 +77,6 @@ bool isOfferedUnder(const QString &table, const QString &column)
 bool isInspectionType(int type)
 {
     return type == Type::InspText || type == Type::InspStaticText;
-}
-
-int typeOf(const ElementParam &record)
-{
-    return record.value(typeKey).value<Type>();
 }
 
 /// Null when the record is of no inspection text.
