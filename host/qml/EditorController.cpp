@@ -579,7 +579,7 @@ EditorController::Element *EditorController::create(ElementParam record)
 {
     model().beginReset();
     Element *element = nullptr;
-    if (record.value(QStringLiteral("type")).toInt() == Element::FreePicture) {
+    if (record.value(QStringLiteral("type")).value<Element::Type>() == Element::FreePicture) {
         CVideoOverlayImage *image = manager().createImage(record);
         new COsdImageDatasource(image, record); // a child of its element
         element = image;

@@ -319,6 +319,48 @@ private Q_SLOTS:
         QCOMPARE(journal.take(), lines({"kx70iiChanged", "kx70iiChanged"}));
     }
 
+    void generalSettingsAreTakenAtOnce()
+    {
+        // A record of a profile, which a handler replaces.
+        CVideoOverlayManager &manager = m_overlay->manager;
+        ElementParam record;
+        record.insert(QStringLiteral("globalTransparency"), 3);
+        record.insert(QStringLiteral("kx70ii_col"), 7);
+        connect(&manager, &CVideoOverlayManager::globalTransparencyChanged, this,
+                [&record] { record = ElementParam(); });
+        manager.setGeneralSettings(record);
+        QVERIFY(record.isEmpty());
+        QCOMPARE(manager.getGlobalTransparency(), 3);
+        QCOMPARE(manager.kx70iiCol(), 7);
+    }
+
+    void generalSettingsThatAHandlerAppliesWin()
+    {
+        CVideoOverlayManager &manager = m_overlay->manager;
+        ElementParam older = ElementParam::createGeneralSettingsDefault();
+        older.insert(QStringLiteral("globalTransparency"), 3);
+        older.insert(QStringLiteral("kx70ii_col"), 7);
+        older.insert(QStringLiteral("kx70ii_state"), true);
+        ElementParam newer = ElementParam::createGeneralSettingsDefault();
+        newer.insert(QStringLiteral("globalTransparency"), 4);
+        newer.insert(QStringLiteral("analogVideo"), false);
+        newer.insert(QStringLiteral("kx70ii_col"), 8);
+        connect(&manager, &CVideoOverlayManager::globalTransparencyChanged, this,
+                [&](int transparency) {
+                    if (transparency == 3)
+                        manager.setGeneralSettings(newer);
+                });
+        QSignalSpy kx70(&manager, &CVideoOverlayManager::kx70iiChanged);
+
+        manager.setGeneralSettings(older);
+
+        QCOMPARE(manager.generalSettingsGetAllProperties(), newer);
+        QCOMPARE(manager.getPropertiesWithChanges(), QList<ElementParam>());
+        QCOMPARE(kx70.count(), 2); // once per record
+        manager.setKx70iiCol(9);   // announced again
+        QCOMPARE(kx70.count(), 3);
+    }
+
     void generalSettingsWithoutKeys()
     {
         SignalJournal journal(m_overlay->manager, CVideoOverlayManager::staticMetaObject);

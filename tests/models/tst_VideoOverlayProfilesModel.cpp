@@ -811,15 +811,24 @@ private Q_SLOTS:
         QCOMPARE(profile.elements(), QList<ElementParam> {general});
     }
 
+    void aWatermarkAmongTheElementsIsNotSaved_data()
+    {
+        QTest::addColumn<QVariant>("type");
+        QTest::newRow("number") << QVariant(int(CVideoOverlayElement::Watermark));
+        QTest::newRow("name") << QVariant(QStringLiteral("Watermark"));
+        QTest::newRow("the type itself") << QVariant::fromValue(CVideoOverlayElement::Watermark);
+    }
+
     void aWatermarkAmongTheElementsIsNotSaved()
     {
+        QFETCH(QVariant, type);
         // It stays when profiles are switched, and would get into all of them.
         writeNamed(QStringLiteral("a"), staticText("one"));
         Overlay overlay;
         auto &model = overlay.model;
         QVERIFY(model.setCurrentProfileByIndex(0));
         ElementParam record;
-        record.insert(QStringLiteral("type"), int(CVideoOverlayElement::Watermark));
+        record.insert(QStringLiteral("type"), type);
         new COsdStaticTextDatasource(overlay.manager.createText(), record);
 
         model.applyChanges(model.currentProfile());

@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "tests/support/LoggedTest.h"
+#include "videooverlay/elements/CVideoOverlayElement.h"
 #include "videooverlay/profiles/ProfileXmlReader.h"
 #include "videooverlay/profiles/ProfileXmlWriter.h"
 
 #include <QColor>
 #include <QFile>
+#include <QMetaEnum>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTextCodec>
@@ -104,6 +106,8 @@ private Q_SLOTS:
     void units_data();
     void units();
     void withoutAType();
+    void typeByItsName_data();
+    void typeByItsName();
     void staticTextConditions();
     void characters();
     void codecOfTheSystem();
@@ -317,6 +321,29 @@ void tst_ProfileXmlWriter::withoutAType()
     }
     param.insert(s("type"), s("2"));
     QCOMPARE(write({param}), write({record(2)}));
+}
+
+void tst_ProfileXmlWriter::typeByItsName_data()
+{
+    QTest::addColumn<int>("type");
+    const QMetaEnum types = QMetaEnum::fromType<CVideoOverlayElement::Type>();
+    for (int i = 0; i < types.keyCount(); ++i)
+        QTest::newRow(types.key(i)) << types.value(i);
+}
+
+/// A record may hold the type as any value that converts to it.
+void tst_ProfileXmlWriter::typeByItsName()
+{
+    QFETCH(int, type);
+    const QByteArray byNumber = write({filled(type)});
+    const auto named = CVideoOverlayElement::Type(type);
+    ElementParam param = filled(type);
+    for (const QVariant &value : {QVariant::fromValue(named), QVariant(s(QTest::currentDataTag())),
+                                  QVariant(QByteArray(QTest::currentDataTag())),
+                                  QVariant(qlonglong(type)), QVariant(double(type))}) {
+        param.insert(s("type"), value);
+        QCOMPARE(write({param}), byNumber);
+    }
 }
 
 void tst_ProfileXmlWriter::staticTextConditions()

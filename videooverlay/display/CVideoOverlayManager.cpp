@@ -625,11 +625,15 @@ void CVideoOverlayManager::onRecordingStateChanged(State state)
 void CVideoOverlayManager::setGeneralSettings(const ElementParam &param)
 {
     QMutexLocker lock(&m_mutex);
-    m_generalSettings = param;
+    const ElementParam applied = param; // a handler may take the record away
+    m_generalSettings = applied;
     m_emitKx70Changes = 0;
-    const auto apply = [&param](const QString &key, const auto &set) {
-        const auto it = param.constFind(key);
-        if (it != param.cend())
+    const auto apply = [&applied, this](const QString &key, const auto &set) {
+        // A handler that applied another record is done with it: the newer one wins alone.
+        if (m_emitKx70Changes)
+            return;
+        const auto it = applied.constFind(key);
+        if (it != applied.cend())
             set(*it);
     };
     apply(QStringLiteral("globalTransparency"),

@@ -4,7 +4,7 @@
 #include "platform/directories/CApplicationDirectories.h"
 #include "videooverlay/Log_p.h"
 #include "videooverlay/display/CVideoOverlayManager.h"
-#include "videooverlay/elements/CVideoOverlayElement.h"
+#include "videooverlay/elements/ElementType_p.h"
 #include "videooverlay/profiles/COsdSettings.h"
 #include "videooverlay/profiles/ProfilesManager.h"
 
@@ -102,7 +102,7 @@ public:
         }
         const ElementParam own = known ? *known : ElementParam();
         ElementParam record = united(own, reported);
-        if (record.value(typeKey).toInt() == CVideoOverlayElement::Watermark)
+        if (typeOf(record) == CVideoOverlayElement::Watermark)
             return;
         record.insert(idKey, element.id());
         keepImagePath(record, own, element.getParamObject());

@@ -8,19 +8,20 @@
 #include "videooverlay/Log_p.h"
 #include "videooverlay/captions/TemplateCaptionResolver.h"
 #include "videooverlay/display/CVideoOverlayManager.h"
+#include "videooverlay/elements/ElementType_p.h"
 #include "videooverlay/models/VideoOverlayElementListModel.h"
 #include "videooverlay/osd/CAbstractOsdDatasourceFactory.h"
 #include "videooverlay/osd/COsdDomainDatasource.h"
 #include "videooverlay/osd/COsdDomainStaticTextDatasource.h"
 #include "videooverlay/osd/COsdStaticTextDatasource.h"
 #include "videooverlay/osd/COsdValueDatasource.h"
+#include "videooverlay/osd/InspectionColumns_p.h"
 #include "videooverlay/profiles/COsdSettings.h"
 
 #include <QScopeGuard>
 #include <QStringList>
 
 #include <algorithm>
-#include <iterator>
 
 namespace Velmar::VideoOverlay {
 
@@ -30,78 +31,6 @@ using Type = CVideoOverlayElement::Type;
 
 const QString typeKey = QStringLiteral("type");
 const QString tableKey = QStringLiteral("TDIR_Key");
-
-const QLatin1String observationTable("SECOBS");
-
-/// How a column must begin to be offered, and under which table it is.
-struct OfferedColumn
-{
-    QLatin1String prefix;
-    QLatin1String table;
-};
-
-const OfferedColumn offeredColumns[] = {
-    {QLatin1String("OBJ_"), QLatin1String("SECTION")},
-    {QLatin1String("OBJ_"), QLatin1String("NODE")},
-    {QLatin1String("INS_"), QLatin1String("SECINSP")},
-    {QLatin1String("PRJ_"), QLatin1String("PROJECT")},
-    {QLatin1String("JOB_"), QLatin1String("JOB")},
-    {QLatin1String("OBS_Observation"), observationTable},
-    {QLatin1String("OBS_OpCode"), observationTable},
-    {QLatin1String("V_INS_Customer"), QLatin1String("SECINSP")},
-    {QLatin1String("V_INS_Contractor"), QLatin1String("SECINSP")},
-    {QLatin1String("V_INS_TimeOfStart"), QLatin1String("SECINSP")},
-    {QLatin1String("V_INS_DateOfStart"), QLatin1String("SECINSP")},
-    {QLatin1String("V_INS_DateOfEnd"), QLatin1String("SECINSP")},
-    {QLatin1String("V_INS_TimeOfEnd"), QLatin1String("SECINSP")},
-};
-
-/// False for columns that nobody means to show, which includes every reference.
-bool isDisplayName(const QString &column)
-{
-    return !column.endsWith(QLatin1String("_REF")) && !column.endsWith(QLatin1String("_FK"))
-        && std::any_of(
-            std::begin(offeredColumns), std::end(offeredColumns),
-            [&column](const OfferedColumn &offered) { return column.startsWith(offered.prefix); });
-}
-
-bool isOfferedUnder(const QString &table, const QString &column)
-{
-    return std::any_of(std::begin(offeredColumns), std::end(offeredColumns),
-                       [&table, &column](const OfferedColumn &offered) {
-                           return table == offered.table && column.startsWith(offered.prefix);
-                       });
-}
-
-bool isInspectionType(int type)
-{
-    return type == Type::InspText || type == Type::InspStaticText;
-}
-
-int typeOf(const ElementParam &record)
-{
-    return record.value(typeKey).value<Type>();
-}
-
-/// Null when the record is of no inspection text.
-QString inspectionKeyOf(const ElementParam &record)
-{
-    const int type = typeOf(record);
-    return isInspectionType(type) ? COsdBuilder::generateOsdColumnsKey(
-               record.value(tableKey).toString(),
-               record.value(ElementParam::NAME_COLUMNBOUND).toString(), type)
-                                  : QString();
-}
-
-/// Takes every record with one of these keys out of the list.
-void eraseRecords(QList<ElementParam> &records, const QSet<QString> &keys)
-{
-    if (keys.isEmpty())
-        return;
-    const auto isUnwanted
-        = [&keys](const ElementParam &record) { return keys.contains(inspectionKeyOf(record)); };
-    records.erase(std::remove_if(records.begin(), records.end(), isUnwanted), records.end());
-}
 
 } // namespace
 
@@ -330,7 +259,7 @@ COsdBuilder::getAllOsdColumnsForTemplate(const Templates::CCatalogTemplate &cata
         }
         keys.insert(generateOsdColumnsKey(table, name, Type::InspText));
         // What belongs to an observation appears and expires; it never stands still.
-        if (table != observationTable)
+        if (!isObservationTable(table))
             keys.insert(generateOsdColumnsKey(table, name, Type::InspStaticText));
     };
     for (int i = 0; i < catalogTemplate.programViewCount(); ++i) {

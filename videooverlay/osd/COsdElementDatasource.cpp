@@ -4,7 +4,7 @@
 #include "platform/appstate/AppState.h"
 #include "platform/shared/GlobalLocaleData.h"
 #include "platform/translation/CTranslator.h"
-#include "videooverlay/elements/CVideoOverlayElement.h"
+#include "videooverlay/elements/ElementType_p.h"
 
 namespace Velmar::VideoOverlay {
 
@@ -15,7 +15,7 @@ COsdElementDatasource::COsdElementDatasource(CVideoOverlayElement *element, Elem
 {
     param.insert(QStringLiteral("id"), element->id());
     element->setParamObject(param);
-    element->setType(param.value(QStringLiteral("type")).value<CVideoOverlayElement::Type>());
+    element->setType(typeOf(param));
     element->setRow(param.value(QStringLiteral("row")).toInt());
     element->setColumn(param.value(QStringLiteral("col")).toInt());
     element->setEnabled(param.value(QStringLiteral("enabled")).toBool());

@@ -3,6 +3,7 @@
 
 #include "videooverlay/captions/TemplateCaptionResolver.h"
 #include "videooverlay/elements/CVideoOverlayImage.h"
+#include "videooverlay/elements/ElementType_p.h"
 #include "videooverlay/osd/COsdImageDatasource.h"
 
 namespace Velmar::VideoOverlay {
@@ -16,8 +17,7 @@ COsdImageDatasourceFactory::~COsdImageDatasourceFactory() = default;
 
 bool COsdImageDatasourceFactory::accept(ElementParam &param)
 {
-    const auto type = param.value(QStringLiteral("type")).value<CVideoOverlayElement::Type>();
-    return type == CVideoOverlayElement::FreePicture
+    return typeOf(param) == CVideoOverlayElement::FreePicture
         && !param.value(QStringLiteral("screenSnip")).toBool();
 }
 

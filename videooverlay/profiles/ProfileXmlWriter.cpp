@@ -2,7 +2,7 @@
 #include "videooverlay/profiles/ProfileXmlWriter.h"
 
 #include "videooverlay/Log_p.h"
-#include "videooverlay/elements/CVideoOverlayElement.h"
+#include "videooverlay/elements/ElementType_p.h"
 #include "videooverlay/profiles/ReplaceFile_p.h"
 #include "videooverlay/profiles/UnitNumbers_p.h"
 
@@ -133,7 +133,7 @@ bool ProfileXmlWriter::writeElements(const QString &path, const QList<ElementPar
 
 void ProfileXmlWriter::writeRecord(QXmlStreamWriter &writer, const ElementParam &param) const
 {
-    switch (Type(integerOf(param.value(QStringLiteral("type"))))) {
+    switch (typeOf(param)) {
     case Type::StaticText:
         return prepareStaticText(writer, param);
     case Type::SystemText:
