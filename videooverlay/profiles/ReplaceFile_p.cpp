@@ -350,6 +350,7 @@ bool copyFile(const QString &source, const QString &target, Existing existing)
     Replacement copy(to, 0600);
     if (!copy.isOpen())
         return false;
+    copy.takeOver(status); // as far as it may
     ::fchmod(copy.file(), (status.st_mode & 0777) | S_IRUSR | S_IWUSR);
     const auto write = [&copy](const QByteArray &part) { return writeAll(copy.file(), part); };
     return readAll(from.number(), write) && copy.finish() && copy.takeName(existing) == 0;

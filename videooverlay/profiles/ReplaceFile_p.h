@@ -20,7 +20,8 @@ enum class Existing {
 };
 
 /// Copies the regular file @p source to @p target, whole or, with false, not at all. The copy may
-/// be read by whom the source may, and its owner may write it.
+/// be read by whom the source may, has the same owner, if the process may give it away, and may be
+/// written by its owner.
 bool copyFile(const QString &source, const QString &target, Existing existing);
 
 } // namespace Velmar::VideoOverlay
