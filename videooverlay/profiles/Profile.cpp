@@ -6,9 +6,9 @@
 #include "videooverlay/profiles/ProfileXmlReader.h"
 #include "videooverlay/profiles/ProfileXmlWriter.h"
 #include "videooverlay/profiles/ProfilesManager.h"
+#include "videooverlay/profiles/ReplaceFile_p.h"
 
 #include <QDir>
-#include <QFile>
 #include <QFileInfo>
 #include <QHash>
 #include <QQmlEngine>
@@ -126,7 +126,7 @@ bool Profile::rename(const QString &newName)
         return false;
     const QString newPath = ProfilesManager::profilesDirectory() + QDir::separator() + newName
         + QStringLiteral(".xml");
-    if (!QFile::rename(m_path, newPath))
+    if (!moveFile(m_path, newPath))
         return false;
     const QFileInfo file(newPath);
     m_path = file.absoluteFilePath();

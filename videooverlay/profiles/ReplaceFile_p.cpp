@@ -144,6 +144,34 @@ QByteArray nameBeside(const QByteArray &target)
     return target.left(end) + '.' + QFile::encodeName(name) + '.' + number;
 }
 
+/// 0, or the error.
+int rename(const QByteArray &from, const QByteArray &to)
+{
+    return std::rename(from.constData(), to.constData()) == 0 ? 0 : errno;
+}
+
+/// Never over another file. 0, or the error.
+int renameToNew(const QByteArray &from, const QByteArray &to)
+{
+    if (::renameat2(AT_FDCWD, from.constData(), AT_FDCWD, to.constData(), RENAME_NOREPLACE) == 0)
+        return 0;
+    if (errno != EINVAL && errno != ENOSYS)
+        return errno;
+    struct stat status; // a file system that cannot look by itself
+    return ::lstat(to.constData(), &status) == 0 ? EEXIST : rename(from, to);
+}
+
+/// Where letter case does not count, a name in other letters is taken by the file itself.
+bool differOnlyInCase(const QString &one, const QString &other)
+{
+    struct stat first;
+    struct stat second;
+    return one != other && one.compare(other, Qt::CaseInsensitive) == 0
+        && ::lstat(nameOf(one).constData(), &first) == 0
+        && ::lstat(nameOf(other).constData(), &second) == 0 && first.st_dev == second.st_dev
+        && first.st_ino == second.st_ino;
+}
+
 /// A file beside the target that is removed again unless it takes the target's name.
 class Replacement
 {
@@ -190,29 +218,13 @@ public:
     /// 0, or the error that kept it from taking the name.
     int takeName(Existing existing)
     {
-        const int error = existing == Existing::Replace ? rename() : renameToNew();
+        const int error = existing == Existing::Replace ? rename(m_name, m_target)
+                                                        : renameToNew(m_name, m_target);
         m_isThere = error != 0;
         return error;
     }
 
 private:
-    int rename() const
-    {
-        return std::rename(m_name.constData(), m_target.constData()) == 0 ? 0 : errno;
-    }
-
-    int renameToNew() const
-    {
-        if (::renameat2(AT_FDCWD, m_name.constData(), AT_FDCWD, m_target.constData(),
-                        RENAME_NOREPLACE)
-            == 0)
-            return 0;
-        if (errno != EINVAL && errno != ENOSYS)
-            return errno;
-        struct stat status; // a file system that cannot look by itself
-        return ::lstat(m_target.constData(), &status) == 0 ? EEXIST : rename();
-    }
-
     QByteArray m_target;
     QByteArray m_name;
     Descriptor m_file;
@@ -354,6 +366,21 @@ bool copyFile(const QString &source, const QString &target, Existing existing)
     ::fchmod(copy.file(), (status.st_mode & 0777) | S_IRUSR | S_IWUSR);
     const auto write = [&copy](const QByteArray &part) { return writeAll(copy.file(), part); };
     return readAll(from.number(), write) && copy.finish() && copy.takeName(existing) == 0;
+}
+
+bool moveFile(const QString &source, const QString &target)
+{
+    const QByteArray from = nameOf(source);
+    const QByteArray to = nameOf(target);
+    if (from.isEmpty() || to.isEmpty())
+        return false;
+    const int error = differOnlyInCase(source, target) ? rename(from, to) : renameToNew(from, to);
+    if (error != EXDEV || !copyFile(source, target, Existing::Keep))
+        return error == 0;
+    if (::unlink(from.constData()) == 0)
+        return true;
+    ::unlink(to.constData());
+    return false;
 }
 
 } // namespace Velmar::VideoOverlay

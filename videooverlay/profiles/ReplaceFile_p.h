@@ -24,4 +24,8 @@ enum class Existing {
 /// written by its owner.
 bool copyFile(const QString &source, const QString &target, Existing existing);
 
+/// Gives the file @p source the name @p target, unless there is such a file. False when nothing was
+/// changed. Between file systems it is copied, and the old one removed when the copy is whole.
+bool moveFile(const QString &source, const QString &target);
+
 } // namespace Velmar::VideoOverlay
