@@ -12,7 +12,6 @@ namespace Velmar::Host {
 namespace {
 
 constexpr int MostLevels = 64;
-constexpr int MostBytes = 16 * 1024 * 1024;
 
 /// The characters of the document; the encoding is taken from its mark or declaration.
 QString decoded(const QByteArray &document)
