@@ -13,11 +13,16 @@ namespace Velmar::VideoOverlay {
 
 namespace {
 
+/// The longest whole number of seconds that fits a timer [ms]. Timers round long times to seconds,
+/// with the clock up to half a second beyond: from a longer one, what is left would not fit into
+/// the answer and come back negative.
+constexpr int longestInterval = std::numeric_limits<int>::max() / 1000 * 1000;
+
 /// A timer interval [ms] from any factor: neither negative nor beyond what a timer can take.
 int timerInterval(int value)
 {
     const qint64 interval = qint64(value) * 1000;
-    return int(std::clamp<qint64>(interval, 0, std::numeric_limits<int>::max()));
+    return int(std::clamp<qint64>(interval, 0, longestInterval));
 }
 
 } // namespace
@@ -434,7 +439,8 @@ void CVideoOverlayElement::suspendTimer()
     const EditLock lock(this);
     if (m_timeout == 0 || !m_enabled || !m_timer.isActive())
         return;
-    m_remaining = m_timer.remainingTime();
+    const int left = m_timer.remainingTime();
+    m_remaining = left < 0 ? longestInterval : left; // negative while it runs: it did not fit
     m_timer.stop();
 }
 
