@@ -20,6 +20,7 @@
 #include <algorithm>
 #include <atomic>
 #include <chrono>
+#include <cmath>
 #include <functional>
 #include <future>
 #include <limits>
@@ -360,6 +361,37 @@ private Q_SLOTS:
         element.setRow(4);
         QVERIFY(finished);
         QCOMPARE(element.x(), 1.0);
+    }
+
+    void positionBeyondTheProperty_data()
+    {
+        QTest::addColumn<double>("position");
+        QTest::addColumn<int>("shown");
+
+        const double infinite = std::numeric_limits<double>::infinity();
+        QTest::newRow("largest") << 2147483647.75 << std::numeric_limits<int>::max();
+        QTest::newRow("beyond") << 2147483648.0 << std::numeric_limits<int>::max();
+        QTest::newRow("endless") << infinite << std::numeric_limits<int>::max();
+        QTest::newRow("smallest") << -2147483648.75 << std::numeric_limits<int>::min();
+        QTest::newRow("below") << -2.6e9 << std::numeric_limits<int>::min();
+        QTest::newRow("endlessly left") << -infinite << std::numeric_limits<int>::min();
+        QTest::newRow("nowhere") << std::numeric_limits<double>::quiet_NaN() << 0;
+    }
+
+    /// The position is a double, the properties are whole numbers.
+    void positionBeyondTheProperty()
+    {
+        QFETCH(double, position);
+        QFETCH(int, shown);
+        CVideoOverlayElement element;
+        element.setPosition(position, 7.0);
+        QCOMPARE(element.property("x"), QVariant(shown));
+        QCOMPARE(element.property("y"), QVariant(7));
+        element.setPosition(7.0, position);
+        QCOMPARE(element.property("x"), QVariant(7));
+        QCOMPARE(element.property("y"), QVariant(shown));
+        if (!std::isnan(position))
+            QCOMPARE(element.y(), position);
     }
 
     void rowAnnouncesXAndColumnAnnouncesY()

@@ -2,6 +2,7 @@
 #include "videooverlay/elements/CVideoOverlayElement.h"
 
 #include "videooverlay/Log_p.h"
+#include "videooverlay/ToInt_p.h"
 #include "videooverlay/display/VideoOverlaySettings.h"
 
 #include <QMutexLocker>
@@ -187,6 +188,16 @@ double CVideoOverlayElement::y() const
 {
     QMutexLocker lock(&m_mutex);
     return m_y;
+}
+
+int CVideoOverlayElement::wholeX() const
+{
+    return toInt(x());
+}
+
+int CVideoOverlayElement::wholeY() const
+{
+    return toInt(y());
 }
 
 void CVideoOverlayElement::setPosition(double x, double y)
@@ -376,7 +387,7 @@ VideoOverlaySettings *CVideoOverlayElement::settings() const
 QSize CVideoOverlayElement::pixelSize() const
 {
     QMutexLocker lock(&m_mutex);
-    return QSize(int(m_width), int(m_height));
+    return QSize(toInt(m_width), toInt(m_height));
 }
 
 void CVideoOverlayElement::setSettings(VideoOverlaySettings *settings)
