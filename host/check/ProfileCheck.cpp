@@ -119,6 +119,7 @@ const Kind *kindOf(const QString &name)
 // Units have numbers in profiles, from 1 on.
 constexpr int LastUnit = 17;
 constexpr int MostFavouriteLines = 14;
+constexpr double MostCells = 1000000; ///< far beyond every grid
 // A value without a width of its own: "-1234.56 inch/min".
 constexpr int ValueWidth = 17;
 
@@ -387,8 +388,12 @@ private:
         if (m_context.cell.isEmpty())
             return QSize();
         const double scale = textOf(element, "SCALE").toDouble();
-        return QSize(int(std::ceil(pixels.width() * scale / m_context.cell.width())),
-                     int(std::ceil(pixels.height() * scale / m_context.cell.height())));
+        const auto cells = [scale](int length, double cell) {
+            const double count = std::ceil(length * scale / cell);
+            return count > 0 ? int(std::min(count, MostCells)) : 0; // a scale may be any number
+        };
+        return QSize(cells(pixels.width(), m_context.cell.width()),
+                     cells(pixels.height(), m_context.cell.height()));
     }
 
     const ProfileCheckContext &m_context;

@@ -30,7 +30,10 @@ quint64 nextRevision()
 /// neighbours. So pictures stand on even pixels, in every view alike.
 int evenPixel(double position)
 {
-    return 2 * qRound(position / 2.0);
+    // A profile may name any column. From here on one place is as far off as another, and the
+    // picture that stands there can still be measured.
+    constexpr double farthest = 1 << 29;
+    return 2 * qRound(std::clamp(position, -farthest, farthest) / 2.0);
 }
 
 /// The smallest rectangle between even pixels that holds @p margins.

@@ -373,7 +373,7 @@ void EditorController::pullCornerTo(double x, double y)
     const double height = image->imageSrcHeight();
     const double scale = ((x - image->x()) * width + (y - image->y()) * height)
         / (width * width + height * height);
-    scaleTo(*image, int(std::lround(std::clamp(scale, 0.0, 100.0) * 100)));
+    scaleTo(*image, std::round(std::clamp(scale, 0.0, 100.0) * 100));
 }
 
 void EditorController::scaleBy(int percents)
@@ -382,19 +382,20 @@ void EditorController::scaleBy(int percents)
     if (!image)
         return;
     m_history.endStep();
-    scaleTo(*image, int(std::lround(image->scaleFactor() * 100)) + percents);
+    scaleTo(*image, std::round(image->scaleFactor() * 100) + percents);
 }
 
-void EditorController::scaleTo(CVideoOverlayImage &image, int percent)
+void EditorController::scaleTo(CVideoOverlayImage &image, double percent)
 {
     const QRectF area = grid();
+    // Whole numbers, but not as int: a profile may bring any scale and any place.
     const auto fits = [](double room, int length) {
-        return length > 0 ? int(std::floor(room / length * 100)) : LargestScale;
+        return length > 0 ? std::floor(room / length * 100) : LargestScale;
     };
-    const int largest
-        = std::min({LargestScale, fits(area.right() - image.x(), image.imageSrcWidth()),
+    const double largest
+        = std::min({double(LargestScale), fits(area.right() - image.x(), image.imageSrcWidth()),
                     fits(area.bottom() - image.y(), image.imageSrcHeight())});
-    const int wanted = std::max(SmallestScale, std::min(percent, largest));
+    const double wanted = std::max(double(SmallestScale), std::min(percent, largest));
     change(&image, "scaleFactor", wanted / 100.0);
 }
 

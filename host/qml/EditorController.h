@@ -158,7 +158,7 @@ private:
     HandlePointer handleOf(Element *element);
     void change(Element *element, const QByteArray &property, const QVariant &value);
     void moveTo(Element &element, QPoint cell);
-    void scaleTo(VideoOverlay::CVideoOverlayImage &image, int percent);
+    void scaleTo(VideoOverlay::CVideoOverlayImage &image, double percent);
     QPoint clamped(QPoint cell, QSize cells) const;
     QSize cellsOf(Element &element) const;
     void setFavorites(const QStringList &favorites);

@@ -16,6 +16,7 @@
 #include <QTest>
 
 #include <functional>
+#include <limits>
 #include <optional>
 #include <utility>
 
@@ -253,6 +254,34 @@ private Q_SLOTS:
         const VideoOverlaySettings &grid = *overlay.manager.getSettings();
         QCOMPARE(image->x(), grid.leftMargin() + image->column() * grid.colWidth());
         QCOMPARE(image->y(), grid.topMargin() + image->row() * grid.rowHeight());
+    }
+
+    void elementsFarOut_data()
+    {
+        QTest::addColumn<int>("columns");
+        QTest::addColumn<int>("column");
+        QTest::addColumn<int>("x");
+
+        constexpr int lowest = std::numeric_limits<int>::min();
+        QTest::newRow("a row count carries the columns") << 2000000000 << 0 << lowest;
+        QTest::newRow("far to the left") << 54 << -100000000 << lowest;
+        QTest::newRow("leftmost") << 54 << lowest << lowest;
+    }
+
+    /// There is room for all words, and the place is as far left as a whole number tells.
+    void elementsFarOut()
+    {
+        QFETCH(int, columns);
+        QFETCH(int, column);
+        QFETCH(int, x);
+        CVideoOverlayManager &manager = m_overlay->manager;
+        CVideoOverlayText *text = manager.createText();
+        text->setColumn(column);
+        QVERIFY(manager.getSettings()->setGrid(10, columns));
+        text->setText(QStringLiteral("a b d"));
+        QCOMPARE(text->height(), manager.rowHeight());
+        QCOMPARE(text->property("x"), QVariant(x));
+        QVERIFY(text->x() < x);
     }
 
     void oneTextsColourIsAnnouncedAsTheOverlays()

@@ -20,6 +20,7 @@
 #include <algorithm>
 #include <atomic>
 #include <chrono>
+#include <cmath>
 #include <functional>
 #include <future>
 #include <limits>
@@ -59,6 +60,10 @@ QTimer *timerOf(const QObject &element)
     return element.findChild<QTimer *>();
 }
 
+/// The longest whole number of seconds that a timer can run, in milliseconds. It rounds long times
+/// to seconds, and beyond this one what is left no longer fits its answer.
+constexpr int LongestInterval = 2147483000;
+
 /// Enabled, with a timeout, and shown: its timer runs.
 void startTimeout(CVideoOverlayElement &element, int seconds)
 {
@@ -72,7 +77,7 @@ void suspendWithLeft(CVideoOverlayElement &element, int ms)
 {
     QTimer *timer = timerOf(element);
     timer->setTimerType(Qt::PreciseTimer);
-    const qint64 resumed = std::min<qint64>(qint64(ms) * 1000, std::numeric_limits<int>::max());
+    const qint64 resumed = std::min<qint64>(qint64(ms) * 1000, LongestInterval);
     do { // again, where a tick of the clock fell in between
         timer->start(ms);
         element.suspendTimer();
@@ -356,6 +361,37 @@ private Q_SLOTS:
         element.setRow(4);
         QVERIFY(finished);
         QCOMPARE(element.x(), 1.0);
+    }
+
+    void positionBeyondTheProperty_data()
+    {
+        QTest::addColumn<double>("position");
+        QTest::addColumn<int>("shown");
+
+        const double infinite = std::numeric_limits<double>::infinity();
+        QTest::newRow("largest") << 2147483647.75 << std::numeric_limits<int>::max();
+        QTest::newRow("beyond") << 2147483648.0 << std::numeric_limits<int>::max();
+        QTest::newRow("endless") << infinite << std::numeric_limits<int>::max();
+        QTest::newRow("smallest") << -2147483648.75 << std::numeric_limits<int>::min();
+        QTest::newRow("below") << -2.6e9 << std::numeric_limits<int>::min();
+        QTest::newRow("endlessly left") << -infinite << std::numeric_limits<int>::min();
+        QTest::newRow("nowhere") << std::numeric_limits<double>::quiet_NaN() << 0;
+    }
+
+    /// The position is a double, the properties are whole numbers.
+    void positionBeyondTheProperty()
+    {
+        QFETCH(double, position);
+        QFETCH(int, shown);
+        CVideoOverlayElement element;
+        element.setPosition(position, 7.0);
+        QCOMPARE(element.property("x"), QVariant(shown));
+        QCOMPARE(element.property("y"), QVariant(7));
+        element.setPosition(7.0, position);
+        QCOMPARE(element.property("x"), QVariant(7));
+        QCOMPARE(element.property("y"), QVariant(shown));
+        if (!std::isnan(position))
+            QCOMPARE(element.y(), position);
     }
 
     void rowAnnouncesXAndColumnAnnouncesY()
@@ -667,9 +703,8 @@ private Q_SLOTS:
         QTest::newRow("one second") << 1 << 1000;
         QTest::newRow("negative: over at once") << -5 << 0;
         QTest::newRow("longest that fits") << 2147483 << 2147483000;
-        QTest::newRow("one too long") << 2147484 << std::numeric_limits<int>::max();
-        QTest::newRow("largest") << std::numeric_limits<int>::max()
-                                 << std::numeric_limits<int>::max();
+        QTest::newRow("one too long") << 2147484 << LongestInterval;
+        QTest::newRow("largest") << std::numeric_limits<int>::max() << LongestInterval;
         QTest::newRow("smallest") << std::numeric_limits<int>::min() << 0;
     }
 
@@ -715,17 +750,72 @@ private Q_SLOTS:
         suspendWithLeft(element, 4000000);
         takeLog();
         element.startTimer();
-        QCOMPARE(timerOf(element)->interval(), std::numeric_limits<int>::max());
+        QCOMPARE(timerOf(element)->interval(), LongestInterval);
         QCOMPARE(
             takeLog(),
             QStringList(QStringLiteral(
                 "4 VideoOverlayLibrary: ID 7 timeout scheduled to remaining4000000 seconds ")));
         element.suspendTimer();
         takeLog();
-        element.startTimer(); // now with about 2147483647 ms left
-        QCOMPARE(timerOf(element)->interval(), std::numeric_limits<int>::max());
+        element.startTimer(); // now with about 2147483000 ms left
+        QCOMPARE(timerOf(element)->interval(), LongestInterval);
         QVERIFY(takeLog().value(0).startsWith(
             QStringLiteral("4 VideoOverlayLibrary: ID 7 timeout scheduled to remaining21474")));
+    }
+
+    void resumeAgainAndAgain_data()
+    {
+        QTest::addColumn<int>("timeout");
+
+        QTest::newRow("five seconds") << 5;
+        QTest::newRow("more than an hour") << 4000;
+        QTest::newRow("longest that fits") << 2147483;
+        QTest::newRow("largest") << std::numeric_limits<int>::max();
+    }
+
+    /// Each round takes a thousand times what was left, until no more fits; none forgets it and
+    /// schedules the plain timeout.
+    void resumeAgainAndAgain()
+    {
+        QFETCH(int, timeout);
+        CVideoOverlayElement element;
+        element.setId(7);
+        startTimeout(element, timeout);
+        int interval = timerOf(element)->interval();
+        for (int round = 0; round < 20; ++round) {
+            element.suspendTimer();
+            QVERIFY(!timerOf(element)->isActive());
+            takeLog();
+            element.startTimer();
+            const QString line = takeLog().join(QLatin1Char('\n'));
+            QVERIFY2(line.contains(QLatin1String("scheduled to remaining")), qPrintable(line));
+            QVERIFY(timerOf(element)->remainingTime() > 0);
+            QVERIFY(timerOf(element)->interval() >= interval);
+            interval = timerOf(element)->interval();
+        }
+        QCOMPARE(interval, LongestInterval);
+    }
+
+    /// A timer whose answer has overflown has much left, not nothing.
+    void suspendOfATimerThatAnswersWithANegativeTime()
+    {
+        CVideoOverlayElement element;
+        element.setId(7);
+        startTimeout(element, 5);
+        QTimer *timer = timerOf(element);
+        const auto overflows = [timer] {
+            timer->start(std::numeric_limits<int>::max());
+            return timer->remainingTime() < 0;
+        };
+        QTRY_VERIFY(overflows()); // in some parts of a second it does not
+        element.suspendTimer();
+        takeLog();
+        element.startTimer();
+        QCOMPARE(
+            takeLog(),
+            QStringList(QStringLiteral(
+                "4 VideoOverlayLibrary: ID 7 timeout scheduled to remaining2147483000 seconds ")));
+        QCOMPARE(timer->interval(), LongestInterval);
     }
 
     void suspendNeedsARunningTimer()

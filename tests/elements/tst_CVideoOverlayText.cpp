@@ -19,6 +19,7 @@
 
 #include <cmath>
 #include <functional>
+#include <limits>
 #include <memory>
 
 using Velmar::Test::FakeCapabilitiesBackend;
@@ -673,6 +674,42 @@ private Q_SLOTS:
         element.setPosition(right - 154.9375, 500.0);
         element.typeset();
         QCOMPARE(element.height(), 80.0);
+    }
+
+    void typesetFarOut_data()
+    {
+        QTest::addColumn<int>("columns");
+        QTest::addColumn<double>("x");
+        QTest::addColumn<int>("lines");
+
+        const double infinite = std::numeric_limits<double>::infinity();
+        QTest::newRow("more columns than pixels can be counted") << 2000000000 << 0.0 << 1;
+        QTest::newRow("far to the left") << 54 << -2.6e9 << 1;
+        QTest::newRow("farthest to the left") << 54 << -infinite << 1;
+        QTest::newRow("just beyond what an int holds") << 54 << -2147481995.0 << 1;
+        QTest::newRow("far to the right") << 54 << 2.6e9 << 3;
+        QTest::newRow("as far right as the elided text can count") << 54 << 67108864.0 << 3;
+        QTest::newRow("farthest to the right") << 54 << infinite << 3;
+        QTest::newRow("nowhere") << 54 << std::numeric_limits<double>::quiet_NaN() << 3;
+    }
+
+    /// The room for a line is counted where no int could.
+    void typesetFarOut()
+    {
+        QFETCH(int, columns);
+        QFETCH(double, x);
+        QFETCH(int, lines);
+        Grid grid;
+        QVERIFY(grid.settings.setGrid(10, columns)); // the row count carries the column count
+        const QFontMetrics metrics(grid.settings.font());
+        CVideoOverlayText element;
+        element.setSettings(&grid.settings);
+        element.setPosition(x, 0.0);
+        element.setText(QStringLiteral("abcdef b def"));
+        QCOMPARE(element.height(), lines * grid.settings.rowHeight());
+        // Where nothing fits, all but the last word are elided, down to nothing or one letter.
+        const QString widest = lines == 1 ? element.text() : QStringLiteral("def");
+        QCOMPARE(element.width(), double(metrics.horizontalAdvance(widest)));
     }
 
     void movingDoesNotTypeset()

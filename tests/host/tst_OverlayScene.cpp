@@ -151,6 +151,37 @@ private Q_SLOTS:
         QCOMPARE(display.scene->renderCount(), 1);
     }
 
+    void elementsFarOff_data()
+    {
+        QTest::addColumn<double>("x");
+        QTest::addColumn<double>("y");
+
+        QTest::newRow("left") << -5.2e10 << 0.0;
+        QTest::newRow("right") << 5.2e10 << 0.0;
+        QTest::newRow("above") << 0.0 << -8.6e10;
+        QTest::newRow("below") << 0.0 << 8.6e10;
+    }
+
+    /// A profile may name any row and column; what stands far off is not seen.
+    void elementsFarOff()
+    {
+        QFETCH(double, x);
+        QFETCH(double, y);
+        Display display;
+        const auto element = display.text(1, QStringLiteral("12.5"));
+        element->setPosition(x, y);
+        element->setVisible(true);
+        display.control.displayElement(*element);
+        display.scene->flush();
+        const OverlayItem item = display.scene->snapshot()->items.first();
+        QVERIFY(!QRect(item.position, item.image.size()).intersects({0, 0, 1920, 1080}));
+        QImage image(1920, 1080, QImage::Format_ARGB32_Premultiplied);
+        image.fill(Qt::black);
+        const QImage before = image.copy();
+        display.scene->paint(image);
+        QCOMPARE(image, before);
+    }
+
     void revisionsFollowThePicture()
     {
         Display display;

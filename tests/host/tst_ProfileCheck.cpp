@@ -204,6 +204,13 @@ void tst_ProfileCheck::pictures()
              QByteArrayList());
     QCOMPARE(picture(folder + "/picture.png", "<SCALE>2</SCALE><COL>47</COL><ROW>25</ROW>"),
              QByteArrayList {"1:10: IMAGE leaves the grid: it reaches row 27, column 54"});
+    for (const char *scale : {"1e20", "1e308"}) // more cells than can be counted
+        QCOMPARE(
+            picture(folder + "/picture.png", "<SCALE>" + QByteArray(scale) + "</SCALE>"),
+            QByteArrayList {"1:10: IMAGE leaves the grid: it reaches row 999999, column 999999"});
+    const QByteArrayList unscaled = picture(folder + "/picture.png", "<SCALE>nan</SCALE>");
+    QCOMPARE(unscaled.size(), 1);
+    QVERIFY(unscaled.first().endsWith(": SCALE: \"nan\" is no number"));
 }
 
 void tst_ProfileCheck::deepNestingIsRefused()

@@ -33,6 +33,7 @@
 #include <cmath>
 #include <csignal>
 #include <functional>
+#include <limits>
 
 using namespace Velmar;
 using namespace Velmar::Host;
@@ -976,6 +977,21 @@ void tst_LiveApplication::resizesPicture()
     editor.pullCornerTo(-100000, -100000);
     editor.endDrag();
     QCOMPARE(image->scaleFactor(), editor.property("smallestScale").toInt() / 100.0);
+
+    // A profile may bring any place and any scale.
+    const double largest = editor.property("largestScale").toInt() / 100.0;
+    image->setColumn(-1000000000);
+    image->setRow(-1000000000);
+    editor.scaleBy(1000000);
+    QCOMPARE(image->scaleFactor(), largest);
+    image->setScaleFactor(1e300);
+    editor.scaleBy(-5);
+    QCOMPARE(image->scaleFactor(), largest);
+    image->setScaleFactor(std::numeric_limits<double>::quiet_NaN());
+    editor.scaleBy(5);
+    QCOMPARE(image->scaleFactor(), editor.property("smallestScale").toInt() / 100.0);
+    image->setColumn(cell.x());
+    image->setRow(cell.y());
 
     // By keys, and not of what has no size of its own.
     m_robot.find(QStringLiteral("stageScope"))->forceActiveFocus();

@@ -2,6 +2,7 @@
 #include "videooverlay/elements/CVideoOverlayElement.h"
 
 #include "videooverlay/Log_p.h"
+#include "videooverlay/ToInt_p.h"
 #include "videooverlay/display/VideoOverlaySettings.h"
 
 #include <QMutexLocker>
@@ -13,11 +14,16 @@ namespace Velmar::VideoOverlay {
 
 namespace {
 
+/// The longest whole number of seconds that fits a timer [ms]. Timers round long times to seconds,
+/// with the clock up to half a second beyond: from a longer one, what is left would not fit into
+/// the answer and come back negative.
+constexpr int longestInterval = std::numeric_limits<int>::max() / 1000 * 1000;
+
 /// A timer interval [ms] from any factor: neither negative nor beyond what a timer can take.
 int timerInterval(int value)
 {
     const qint64 interval = qint64(value) * 1000;
-    return int(std::clamp<qint64>(interval, 0, std::numeric_limits<int>::max()));
+    return int(std::clamp<qint64>(interval, 0, longestInterval));
 }
 
 } // namespace
@@ -182,6 +188,16 @@ double CVideoOverlayElement::y() const
 {
     QMutexLocker lock(&m_mutex);
     return m_y;
+}
+
+int CVideoOverlayElement::wholeX() const
+{
+    return toInt(x());
+}
+
+int CVideoOverlayElement::wholeY() const
+{
+    return toInt(y());
 }
 
 void CVideoOverlayElement::setPosition(double x, double y)
@@ -371,7 +387,7 @@ VideoOverlaySettings *CVideoOverlayElement::settings() const
 QSize CVideoOverlayElement::pixelSize() const
 {
     QMutexLocker lock(&m_mutex);
-    return QSize(int(m_width), int(m_height));
+    return QSize(toInt(m_width), toInt(m_height));
 }
 
 void CVideoOverlayElement::setSettings(VideoOverlaySettings *settings)
@@ -434,7 +450,8 @@ void CVideoOverlayElement::suspendTimer()
     const EditLock lock(this);
     if (m_timeout == 0 || !m_enabled || !m_timer.isActive())
         return;
-    m_remaining = m_timer.remainingTime();
+    const int left = m_timer.remainingTime();
+    m_remaining = left < 0 ? longestInterval : left; // negative while it runs: it did not fit
     m_timer.stop();
 }
 

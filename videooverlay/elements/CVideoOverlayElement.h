@@ -41,9 +41,9 @@ class XQVIDEOOVERLAY_EXPORT CVideoOverlayElement : public QObject
     Q_PROPERTY(int column READ column WRITE setColumn NOTIFY columnChanged)
     // crossed on purpose: both change only when a new row or column re-places the element
     /// Left edge on the picture [px], fraction cut off.
-    Q_PROPERTY(int x READ x NOTIFY rowChanged)
+    Q_PROPERTY(int x READ wholeX NOTIFY rowChanged)
     /// Top edge on the picture [px], fraction cut off.
-    Q_PROPERTY(int y READ y NOTIFY columnChanged)
+    Q_PROPERTY(int y READ wholeY NOTIFY columnChanged)
     /// Height on the picture [px]; follows from the contents.
     Q_PROPERTY(double height READ height NOTIFY heightChanged)
     /// Width on the picture [px]; follows from the contents.
@@ -269,6 +269,8 @@ private:
     /// One of the element's own operations is running, and would return into a destroyed object.
     bool isBusy() const;
     void countEdit(int difference); ///< 1 when such an operation begins, -1 when it ends
+    int wholeX() const;             ///< x() as QML reads it: cut off, and never beyond an int
+    int wholeY() const;
 
     std::atomic<double> m_x {0.0}; ///< written without the lock, hence atomic
     std::atomic<double> m_y {0.0};

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "videooverlay/elements/CVideoOverlayText.h"
 
+#include "videooverlay/ToInt_p.h"
 #include "videooverlay/display/VideoOverlaySettings.h"
 
 #include <QMutexLocker>
@@ -9,6 +10,8 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
+#include <limits>
 #include <utility>
 
 namespace Velmar::VideoOverlay {
@@ -195,6 +198,14 @@ bool isPlain(const QString &text)
         const ushort code = c.unicode();
         return (code >= 0x20 && code < 0x7f) || (code >= 0xa0 && code <= 0xff && code != 0xad);
     });
+}
+
+/// What a text can be elided to: widths are counted in parts of a pixel there, so that one that
+/// lies far off would come out as any other.
+int elisionWidth(double width)
+{
+    constexpr double limit = std::numeric_limits<int>::max() / 64;
+    return toInt(std::clamp(width, -1.0, limit)); // there is no less room than none
 }
 
 bool canBePainted(const QImage &image)
@@ -388,12 +399,13 @@ void CVideoOverlayText::typeset()
             continue;
         }
         const QRectF margins = grid->marginRect();
-        const int available = int(margins.left() + margins.width() - x()) + 1;
+        // Not as an int: the grid may have more columns than an int can count the pixels of.
+        const double available = std::trunc(margins.left() + margins.width() - x()) + 1;
         // Measuring is what costs here, and mostly one line is far from full. Measured in parts it
         // is a few pixels wider than as a whole, nowhere near the height of a line for each blank.
         if (isPlain(paragraph)) {
             const int whole = width(paragraph);
-            const int slack = m_fontMetrics.height() * (paragraph.count(QLatin1Char(' ')) + 1);
+            const double slack = m_fontMetrics.height() * (paragraph.count(QLatin1Char(' ')) + 1.0);
             if (whole + slack < available) {
                 append(paragraph, whole);
                 continue;
@@ -407,10 +419,11 @@ void CVideoOverlayText::typeset()
         int lineWidth = width(line);
         for (int i = 1; i < words.size(); ++i) {
             const QString &word = words.at(i);
-            if (lineWidth + blankWidth + width(word) < available) {
+            if (double(lineWidth) + blankWidth + width(word) < available) {
                 line += blank + word;
             } else {
-                const QString elided = m_fontMetrics.elidedText(line, Qt::ElideRight, available);
+                const QString elided
+                    = m_fontMetrics.elidedText(line, Qt::ElideRight, elisionWidth(available));
                 append(elided, width(elided));
                 line = word;
             }
@@ -438,10 +451,10 @@ void CVideoOverlayText::renderText(QImage &image) const
         const QString &text = m_lines.at(i);
         if (text.isEmpty())
             continue;
-        const int y = int(i * rowHeight);
+        const int y = toInt(i * rowHeight);
         const QRect bounds = m_fontMetrics.boundingRect(QRect(0, y, 0, 0), 0, text);
         lines.append(
-            {text, bounds, QRect(bounds.left(), bounds.top(), bounds.width(), int(rowHeight))});
+            {text, bounds, QRect(bounds.left(), bounds.top(), bounds.width(), toInt(rowHeight))});
     }
 
     if (lines.isEmpty()) {
