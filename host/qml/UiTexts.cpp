@@ -39,7 +39,7 @@ QStringList UiTexts::names()
               "recording redo remark remove removeText removeTitle rename renameTitle "
               "revert revertText revertTitle save saveAs saveAsTitle saved scale "
               "search searchCode sectionName select settings showCaption speed stop "
-              "store text textColor timeout timeoutOff transparency undo unit units "
+              "store text textColor timeout timeoutOff transparency undo unit unitOfUser units "
               "unsavedText unsavedTitle warningClipped warningOutside warningOverlap")
               .split(QLatin1Char(' '));
     return list;

@@ -15,6 +15,7 @@ namespace Velmar::Host {
 class LiveOverlay;
 class Messages;
 class RecordPipeline;
+class SystemValueConverter;
 class UiTexts;
 
 /// The running picture and the recording of it, for the screens. The picture runs whatever becomes
@@ -80,11 +81,14 @@ private:
     void setState(State state);
     void endRecording();
     QString newRecordingPath(QString *error) const;
+    QString shown(SystemValueConverter &converter, const QString &valueName) const;
 
     Setup m_setup;
     LiveOverlay &m_overlay;
     Messages &m_messages;
     const UiTexts &m_texts;
+    const std::unique_ptr<SystemValueConverter> m_distanceConverter;
+    const std::unique_ptr<SystemValueConverter> m_speedConverter;
     std::unique_ptr<LiveVideo> m_video;
     std::unique_ptr<RecordPipeline> m_recording;
     QString m_path;

@@ -136,6 +136,7 @@ private Q_SLOTS:
     void textsEndWithTheInspection();
     void formatsAlone();
     void languageAlone();
+    void unitsAlone();
     void templateComesLate();
     void loadingIsNoEdit();
     void everyLoadIsTold();
@@ -334,6 +335,38 @@ void tst_HostDay::languageAlone()
     QCOMPARE(inspection.count(), 1);
     QCOMPARE(inspection.at(0).at(0).value<Database::CDomainObjectPointer>(),
              Database::CDomainObjectPointer(session.project().inspection()));
+    takeLog();
+}
+
+/// A unit that the user chooses is followed by what names none itself, at once; and it is the
+/// user's, so it is no edit of the profile and never in its file.
+void tst_HostDay::unitsAlone()
+{
+    OverlaySession session(QSize(1280, 720));
+    QString error;
+    QVERIFY2(session.openProfiles(QStringLiteral("Lean"), &error), qPrintable(error));
+    VideoOverlayProfilesModel &profiles = *session.profiles();
+    const QString path = profiles.currentProfile()->path();
+    const auto units = [&path] {
+        return Test::ProfileFolders::read(path).count("<UNIT></UNIT>")
+            + Test::ProfileFolders::read(path).count("<UNIT/>");
+    };
+    const int before = units();
+    QVERIFY(before > 0);
+    session.feed().setValue(ElementParam::NAME_SPEED, 7.73);
+    QCOMPARE(shown(session), QStringList(QStringLiteral("   7.73 m/min")));
+    for (int times = 0; times < 2; ++times) {
+        Shared::LocaleSettings::setUnitSystem(Shared::LocaleSettings::UnitSystem::Imperial);
+        QCOMPARE(shown(session), QStringList(QStringLiteral(" 25.36 ft/min")));
+        QVERIFY(!profiles.isCurrentProfileChanged());
+        profiles.saveCurrentProfile(); // as for any other reason
+        QCOMPARE(units(), before);
+        Shared::LocaleSettings::setUnitSystem(Shared::LocaleSettings::UnitSystem::Metric);
+        QCOMPARE(shown(session), QStringList(QStringLiteral("   7.73 m/min")));
+        QVERIFY(!profiles.isCurrentProfileChanged());
+        profiles.revertCurrentProfile();
+        QCOMPARE(shown(session), QStringList(QStringLiteral("   7.73 m/min")));
+    }
     takeLog();
 }
 

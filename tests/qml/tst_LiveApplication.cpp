@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/platform/Directories.h"
 #include "host/platform/LocaleSettings.h"
+#include "host/platform/LogRouter.h"
+#include "host/platform/LogSinks.h"
 #include "host/platform/TranslationStore.h"
 #include "host/qml/EditHistory.h"
 #include "host/qml/EditorController.h"
@@ -138,6 +140,8 @@ private Q_SLOTS:
     void observationAppearsAndExpires();
     void createsProject();
     void language();
+    void unitsOfTheBar();
+    void unitOfTheProfileOrTheUsers();
     void overlayOff();
     void resizesPicture_data();
     void resizesPicture();
@@ -463,8 +467,8 @@ void tst_LiveApplication::arrowsAndUndo()
     QVERIFY(m_robot.click(QStringLiteral("panel1")));
     QVERIFY(m_robot.click(QStringLiteral("propertyCaption")));
     QTRY_VERIFY(!speed->captionVisible());
-    QVERIFY(m_robot.click(QStringLiteral("propertyUnit1")));
-    QTRY_VERIFY(speed->unit() != QLatin1String("m/min"));
+    QVERIFY(m_robot.click(QStringLiteral("propertyUnit2")));
+    QTRY_COMPARE(speed->unit(), QStringLiteral("ft/min"));
 
     QVERIFY(m_robot.click(QStringLiteral("undo")));
     QCOMPARE(speed->unit(), QStringLiteral("m/min"));
@@ -913,11 +917,48 @@ void tst_LiveApplication::language()
     const auto readings = [this] { return m_live->video().speed() + m_live->video().distance(); };
     QVERIFY2(readings().count(QLatin1Char(',')) == 2, qPrintable(readings()));
     QVERIFY2(!readings().contains(QLatin1Char('.')), qPrintable(readings()));
-    QVERIFY(m_robot.click(QStringLiteral("units1")));
-    QVERIFY(m_live->video().speed().endsWith(QStringLiteral(" ft/min")));
-    QVERIFY(m_robot.click(QStringLiteral("units0")));
     QVERIFY(m_robot.click(QStringLiteral("language1")));
     QTRY_COMPARE(m_robot.text(QStringLiteral("navProfiles")), QStringLiteral("Profiles"));
+}
+
+/// The number is converted, not only named otherwise; and nothing is complained about.
+void tst_LiveApplication::unitsOfTheBar()
+{
+    restart([](LiveApplication::Setup &setup) { setup.telemetryPath.clear(); });
+    const auto log = std::make_shared<Logging::RecordingLogSink>();
+    Logging::LogRouter::instance().addSink(log);
+    m_live->overlay().setValue(ElementParam::NAME_SPEED, 7.73);
+    m_live->overlay().setValue(ElementParam::NAME_SECTION_DISTANCE_COUNTER, 3.048);
+    QVERIFY(m_robot.click(QStringLiteral("navProject")));
+    QVERIFY(m_robot.click(QStringLiteral("units1")));
+    QCOMPARE(m_live->video().speed(), QStringLiteral("25.36 ft/min"));
+    QCOMPARE(m_live->video().distance(), QStringLiteral("10.00 ft"));
+    QVERIFY(m_robot.click(QStringLiteral("units0")));
+    QCOMPARE(m_live->video().speed(), QStringLiteral("7.73 m/min"));
+    QCOMPARE(m_live->video().distance(), QStringLiteral("3.05 m"));
+    Logging::LogRouter::instance().removeSink(log);
+    for (const Logging::LogEntry &entry : log->entries())
+        QVERIFY2(!entry.message.contains(QStringLiteral("converter not found")),
+                 qPrintable(entry.message));
+}
+
+/// In the editor, a text can be given a unit of its own and follow the user again.
+void tst_LiveApplication::unitOfTheProfileOrTheUsers()
+{
+    QVERIFY(select(QStringLiteral("Bench")));
+    auto *speed
+        = qobject_cast<VideoOverlay::CVideoOverlayText *>(elementOf(ElementParam::NAME_SPEED));
+    QVERIFY(m_robot.click(QStringLiteral("navEditor")));
+    m_live->editor().select(manager().rowIndexByID(speed->id()));
+    QVERIFY(m_robot.click(QStringLiteral("panel1")));
+    QVERIFY(m_robot.click(QStringLiteral("propertyUnit0"))); // the user's
+    QTRY_COMPARE(speed->unit(), QString());
+    m_live->project().setImperial(true);
+    QTRY_VERIFY(speed->text().endsWith(QStringLiteral(" ft/min")));
+    QVERIFY(m_robot.click(QStringLiteral("propertyUnit1")));
+    QTRY_COMPARE(speed->unit(), QStringLiteral("m/min"));
+    QVERIFY(speed->text().endsWith(QStringLiteral(" m/min")));
+    m_live->project().setImperial(false);
 }
 
 void tst_LiveApplication::overlayOff()
