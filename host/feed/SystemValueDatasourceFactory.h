@@ -33,7 +33,7 @@ public:
 
     /// System texts that are bound to a known value.
     bool accept(VideoOverlay::ElementParam &param) override;
-    /// Writes the user's unit into @p param when that has none. Null for what is no text element.
+    /// A text whose @p param names no unit follows the user's. Null for what is no text element.
     VideoOverlay::COsdElementDatasource *
     buildDatasource(VideoOverlay::CVideoOverlayElement *element, VideoOverlay::ElementParam &param,
                     QSharedPointer<VideoOverlay::TemplateCaptionResolver> resolver) override;

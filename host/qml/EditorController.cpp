@@ -36,10 +36,12 @@ QString boundTo(const CVideoOverlayElement &element)
     return element.getParamObject().value(ElementParam::NAME_COLUMNBOUND).toString();
 }
 
+/// With an empty one first: the user's.
 QStringList unitsOf(const QString &valueName)
 {
     const SystemValue *value = SystemValues::find(valueName);
-    return value ? SystemValues::units(value->quantity) : QStringList();
+    const QStringList units = value ? SystemValues::units(value->quantity) : QStringList();
+    return units.isEmpty() ? units : QStringList(QString()) + units;
 }
 
 QString firstLine(const QString &text)

@@ -73,7 +73,7 @@ public:
     bool selectedIsFreeText() const;
     QString selectedName() const;
     bool canDelete() const;          ///< what the operator could add again
-    QStringList unitChoices() const; ///< empty for what has no unit
+    QStringList unitChoices() const; ///< none for what has no unit; an empty one is the user's
     QStringList favorites() const;
 
     QSize pictureSize() const;

@@ -25,11 +25,12 @@ QStringList UiTexts::names()
               "add addFavorite addPicture addText addTextTitle analogVideo "
               "backgroundColor cancel catalog chooseElement choosePicture clone "
               "cloneTitle colorValue create current deleteElement discard distance editor "
-              "elements enabled errorNoCatalog errorNoFolder errorNoKeyboard errorNoPicture "
+              "elements enabled errorGrid errorNoCatalog errorNoFolder errorNoKeyboard "
+              "errorNoPicture "
               "errorNoPictureFile errorNotDone errorNotRenamed errorNotSaved "
               "errorProfileUnreadable errorProjectName errorReadOnly errorRecording errorVideo "
               "favorites finishing "
-              "folderUp imperial "
+              "folderUp hideFreeText imperial "
               "inspection kindFreeText kindInspectionStaticText kindInspectionText "
               "kindPicture kindStaticText kindSystemText kx70 kx70Column kx70Row "
               "language live metric mixed modified name newObservation newProject "
@@ -38,8 +39,9 @@ QStringList UiTexts::names()
               "profiles project projectName properties readOnly record recorded "
               "recording redo remark remove removeText removeTitle rename renameTitle "
               "revert revertText revertTitle save saveAs saveAsTitle saved scale "
-              "search searchCode sectionName select settings showCaption speed stop "
-              "store text textColor timeout timeoutOff transparency undo unit units "
+              "search searchCode sectionName select settings showCaption showFreeText speed stop "
+              "store takeSnip text textColor timeout timeoutOff transparency undo unit unitOfUser "
+              "units "
               "unsavedText unsavedTitle warningClipped warningOutside warningOverlap")
               .split(QLatin1Char(' '));
     return list;

@@ -1,17 +1,15 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/qml/VideoController.h"
 
+#include "host/feed/SystemValueConverter.h"
 #include "host/platform/LocaleSettings.h"
 #include "host/qml/LiveOverlay.h"
 #include "host/qml/Messages.h"
 #include "host/qml/UiTexts.h"
 #include "host/video/RecordPipeline.h"
-#include "platform/shared/CLocaleSupport.h"
 #include "platform/shared/GlobalLocaleData.h"
 
 #include <videooverlay/display/CVideoOverlayManager.h>
-#include <videooverlay/units/DistanceUnitsConverter.h>
-#include <videooverlay/units/SpeedUnitsConverter.h>
 
 #include <QDateTime>
 #include <QDir>
@@ -20,7 +18,6 @@
 namespace Velmar::Host {
 
 using Multimedia::CVideoRecorder;
-using Shared::CLocaleSupport;
 using namespace VideoOverlay;
 
 namespace {
@@ -30,22 +27,8 @@ constexpr qint64 NsPerSecond = 1000000000;
 constexpr int RetryMs = 3000;
 
 const QString distanceName = ElementParam::NAME_SECTION_DISTANCE_COUNTER;
+const QString speedName = ElementParam::NAME_SPEED;
 const QString unknownValue = QStringLiteral("\u2013");
-
-/// In the user's unit, with the unit after it.
-QString shown(UnitsProvider &&converter, const QVariant &value, const QString &unit)
-{
-    if (!value.isValid())
-        return unknownValue;
-    QString text = converter.convert(value, unit, QString());
-    // On the overlay, most digits have a point everywhere. Here people read them in their language.
-    bool hasPoint = false;
-    const double number = text.toDouble(&hasPoint);
-    if (hasPoint)
-        text = Shared::LocaleSettings::locale().toString(number, 'f',
-                                                         text.section(QLatin1Char('.'), 1).size());
-    return text + QLatin1Char(' ') + converter.getSuffix(QString());
-}
 
 } // namespace
 
@@ -56,6 +39,8 @@ VideoController::VideoController(Setup setup, LiveOverlay &overlay, Messages &me
     , m_overlay(overlay)
     , m_messages(messages)
     , m_texts(texts)
+    , m_distanceConverter(SystemValueConverter::make(*SystemValues::find(distanceName)))
+    , m_speedConverter(SystemValueConverter::make(*SystemValues::find(speedName)))
 {
     connect(&m_overlay.manager(), &CVideoOverlayManager::videoOverlayEnabledChanged, this,
             &VideoController::overlayEnabledChanged);
@@ -83,6 +68,7 @@ void VideoController::start()
 
 void VideoController::onFrame(const QImage &picture, qint64 timeNs)
 {
+    m_frame = picture;
     m_overlay.setPictureSize(picture.size());
     // A run that is over starts again, like the tape of a demonstration.
     const qint64 runMs = m_overlay.telemetry().durationMs();
@@ -149,15 +135,30 @@ QString VideoController::recordingPath() const
     return m_path;
 }
 
+/// In the user's unit, with the unit after it.
+QString VideoController::shown(SystemValueConverter &converter, const QString &valueName) const
+{
+    const QVariant value = m_overlay.value(valueName);
+    if (!value.isValid())
+        return unknownValue;
+    QString text = converter.convert(value, QString(), QString());
+    // On the overlay, most digits have a point everywhere. Here people read them in their language.
+    bool hasPoint = false;
+    const double number = text.toDouble(&hasPoint);
+    if (hasPoint)
+        text = Shared::LocaleSettings::locale().toString(number, 'f',
+                                                         text.section(QLatin1Char('.'), 1).size());
+    return text + QLatin1Char(' ') + converter.getSuffix(QString());
+}
+
 QString VideoController::distance() const
 {
-    return shown(DistanceUnitsConverter(), m_overlay.value(distanceName), QStringLiteral("m"));
+    return shown(*m_distanceConverter, distanceName);
 }
 
 QString VideoController::speed() const
 {
-    return shown(SpeedUnitsConverter(), m_overlay.value(ElementParam::NAME_SPEED),
-                 CLocaleSupport::speedUnits_m_per_min);
+    return shown(*m_speedConverter, speedName);
 }
 
 double VideoController::distanceM() const
@@ -172,12 +173,19 @@ QString VideoController::newRecordingPath(QString *error) const
         *error = m_texts.text(QStringLiteral("errorNoFolder")).arg(directory.path());
         return QString();
     }
-    const QString stem
-        = QDateTime::currentDateTime().toString(QStringLiteral("yyyy-MM-dd_HH-mm-ss"));
+    // Plain digits, whatever the system's are: these names are sorted, and read on other machines.
+    const QString stem = QLocale::c().toString(QDateTime::currentDateTime(),
+                                               QStringLiteral("yyyy-MM-dd_HH-mm-ss"));
     QString path = directory.filePath(stem + QStringLiteral(".mkv"));
     for (int number = 2; QFile::exists(path); ++number)
         path = directory.filePath(QStringLiteral("%1_%2.mkv").arg(stem).arg(number));
     return path;
+}
+
+void VideoController::takeSnip()
+{
+    if (!m_frame.isNull())
+        m_overlay.showSnip(m_frame.copy()); // the source goes on to use the frame's memory
 }
 
 void VideoController::startRecording()

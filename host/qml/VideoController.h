@@ -15,6 +15,7 @@ namespace Velmar::Host {
 class LiveOverlay;
 class Messages;
 class RecordPipeline;
+class SystemValueConverter;
 class UiTexts;
 
 /// The running picture and the recording of it, for the screens. The picture runs whatever becomes
@@ -60,6 +61,8 @@ public:
     Q_INVOKABLE double distanceM() const; ///< 0 while it is not known
 
     Q_INVOKABLE void startRecording();
+    /// Shows the picture as it is now in the screen snips of the profile, without the overlay.
+    Q_INVOKABLE void takeSnip();
     /// Ends the file where the picture is now; it is complete when the state is Idle again.
     Q_INVOKABLE void stopRecording();
 
@@ -80,13 +83,17 @@ private:
     void setState(State state);
     void endRecording();
     QString newRecordingPath(QString *error) const;
+    QString shown(SystemValueConverter &converter, const QString &valueName) const;
 
     Setup m_setup;
     LiveOverlay &m_overlay;
     Messages &m_messages;
     const UiTexts &m_texts;
+    const std::unique_ptr<SystemValueConverter> m_distanceConverter;
+    const std::unique_ptr<SystemValueConverter> m_speedConverter;
     std::unique_ptr<LiveVideo> m_video;
     std::unique_ptr<RecordPipeline> m_recording;
+    QImage m_frame; ///< the last one; the screens hold it as well
     QString m_path;
     QString m_failure; ///< of the source, since there was a picture
     State m_state = Idle;

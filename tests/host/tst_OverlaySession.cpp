@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/OverlaySession.h"
-#include "host/display/GridFit.h"
 #include "host/platform/Directories.h"
 #include "host/platform/LocaleSettings.h"
 #include "host/platform/TranslationStore.h"
@@ -127,14 +126,17 @@ private Q_SLOTS:
         QCOMPARE(settings.font().letterSpacing(), 122.0);
     }
 
-    void noRoomForTheGrid()
+    /// The library tells by a signal alone.
+    void loweredGridIsLogged()
     {
-        SceneCapabilities backend(QSize(20, 10));
-        CVideoOverlayCapabilities capabilities;
-        capabilities.setBackend(&backend);
-        VideoOverlaySettings settings(capabilities);
-        QVERIFY(!fitGrid(settings));
-        QCOMPARE(settings.font().pixelSize(), 35);
+        OverlaySession session(QSize(1920, 1080));
+        VideoOverlaySettings &settings = *session.manager().getSettings();
+        QVERIFY(settings.setGrid(27, 60)); // the row count carries the column count
+        session.resize(QSize(1280, 720));
+        QCOMPARE(takeLog().filter(QStringLiteral("lowering")),
+                 QStringList(QStringLiteral(
+                     "2 Host: VideoOverlaySettings::onCapabilitiesChanged() error: lowering column "
+                     "count to current possible maximum.")));
     }
 
     void elementsStandOnTheGrid()

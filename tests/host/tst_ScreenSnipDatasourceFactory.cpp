@@ -8,6 +8,7 @@
 #include "videooverlay/elements/ElementParam.h"
 #include "videooverlay/osd/COsdScreenSnipDatasource.h"
 
+#include <QTemporaryDir>
 #include <QtTest>
 
 #include <memory>
@@ -93,6 +94,51 @@ private Q_SLOTS:
         ElementParam param = record();
         QVERIFY(factory.getDatasource(&third, param));
         QCOMPARE(third.width(), 32.0);
+    }
+
+    void pictureOfAFile()
+    {
+        QTemporaryDir directory;
+        const QString path = directory.filePath(QStringLiteral("map.png"));
+        QVERIFY(picture(16).save(path));
+        ScreenSnipDatasourceFactory factory;
+        CVideoOverlayImage image;
+        ElementParam param = record();
+        QVERIFY(factory.getDatasource(&image, param));
+        QVERIFY(factory.showFile(path));
+        QCOMPARE(image.width(), 16.0);
+        for (const QString &none :
+             {directory.filePath(QStringLiteral("missing.png")), directory.path(), QString()}) {
+            QVERIFY(!factory.showFile(none));
+            QCOMPARE(image.width(), 16.0);
+        }
+        factory.setPicture(QImage());
+        QCOMPARE(image.width(), 0.0);
+        CVideoOverlayImage later;
+        ElementParam other = record();
+        QVERIFY(factory.getDatasource(&later, other));
+        QCOMPARE(later.width(), 0.0);
+        takeLog();
+    }
+
+    void hugePicture()
+    {
+        QTemporaryDir directory;
+        const QString path = directory.filePath(QStringLiteral("huge.png"));
+        // A header is enough; nobody gets to the pixels.
+        QImage small(1, 1, QImage::Format_ARGB32);
+        small.fill(Qt::red);
+        QVERIFY(small.save(path));
+        QFile file(path);
+        QVERIFY(file.open(QIODevice::ReadWrite));
+        QByteArray bytes = file.readAll();
+        bytes.replace(16, 8, QByteArray::fromHex("0000800000008000")); // 32768 x 32768
+        QVERIFY(file.seek(0));
+        file.write(bytes);
+        file.close();
+        ScreenSnipDatasourceFactory factory;
+        QVERIFY(!factory.showFile(path));
+        takeLog();
     }
 
     void wrongElement()

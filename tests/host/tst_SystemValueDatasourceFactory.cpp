@@ -32,6 +32,8 @@ ElementParam record(const QString &name)
 
 } // namespace
 
+Q_DECLARE_METATYPE(Velmar::Shared::LocaleSettings::Quantity)
+
 class tst_SystemValueDatasourceFactory : public Velmar::Test::LoggedTest
 {
     Q_OBJECT
@@ -47,9 +49,10 @@ private Q_SLOTS:
     void accept();
     void textOfEachValue_data();
     void textOfEachValue();
-    void emptyUnitBecomesTheUsers_data();
-    void emptyUnitBecomesTheUsers();
+    void emptyUnitFollowsTheUser_data();
+    void emptyUnitFollowsTheUser();
     void givenUnitStays();
+    void digitsOfTheUsersLocale();
     void captionsFollowTheLanguage();
     void wrongElement();
     void nothingBeforeTheFirstValue();
@@ -176,40 +179,90 @@ void tst_SystemValueDatasourceFactory::textOfEachValue()
     QCOMPARE(text.text(), expected);
 }
 
-void tst_SystemValueDatasourceFactory::emptyUnitBecomesTheUsers_data()
+void tst_SystemValueDatasourceFactory::emptyUnitFollowsTheUser_data()
 {
+    using Quantity = LocaleSettings::Quantity;
     QTest::addColumn<QString>("name");
+    QTest::addColumn<QVariant>("value");
+    QTest::addColumn<Quantity>("quantity");
     QTest::addColumn<QString>("unit");
-    QTest::newRow("speed") << QStringLiteral("SPEED") << QStringLiteral("ft/min");
-    QTest::newRow("distance") << QStringLiteral("TOTAL_DISTANCE_COUNTER") << QStringLiteral("ft");
-    QTest::newRow("angle") << QStringLiteral("CAMERA_PAN") << QStringLiteral("\u00B0");
-    QTest::newRow("temperature") << QStringLiteral("OBJECT_TEMPERATURE")
-                                 << QStringLiteral("\u00B0F");
-    QTest::newRow("pressure") << QStringLiteral("CAMERA_PRESSURE") << QStringLiteral("mbar");
-    QTest::newRow("a pattern is no unit") << QStringLiteral("DATE") << QString();
+    QTest::addColumn<QString>("before");
+    QTest::addColumn<QString>("after");
+    const auto row = [](const char *name, const QVariant &value, Quantity quantity,
+                        const QString &unit, const QString &before, const QString &after) {
+        QTest::addRow("%s %s", name, qPrintable(unit))
+            << QString::fromLatin1(name) << value << quantity << unit << before << after;
+    };
+    const QString degree(QChar(0xB0));
+    row("SPEED", 7.73, Quantity::Speed, QStringLiteral("ft/min"), QStringLiteral("7.73 m/min"),
+        QStringLiteral("25.36 ft/min"));
+    row("TOTAL_DISTANCE_COUNTER", 3.048, Quantity::Distance, QStringLiteral("ft"),
+        QStringLiteral("3.05 m"), QStringLiteral("10.00 ft"));
+    // The sign, not the name; and the decimals that the unit needs.
+    row("CAMERA_PAN", 45.0, Quantity::Angle, QStringLiteral("hour"), QStringLiteral("45 ") + degree,
+        QStringLiteral("1.5 h"));
+    row("OBJECT_TEMPERATURE", 24.6, Quantity::Temperature, degree + QLatin1Char('F'),
+        QStringLiteral("24.6 ") + degree + QLatin1Char('C'),
+        QStringLiteral("76.3 ") + degree + QLatin1Char('F'));
+    row("CAMERA_PRESSURE", 1013.25, Quantity::Pressure, QStringLiteral("atm"),
+        QStringLiteral("1013 mbar"), QStringLiteral("1.000 atm"));
 }
 
-void tst_SystemValueDatasourceFactory::emptyUnitBecomesTheUsers()
+/// At once, and without a trace in the record: the choice is the user's, not the profile's.
+void tst_SystemValueDatasourceFactory::emptyUnitFollowsTheUser()
 {
     QFETCH(QString, name);
+    QFETCH(QVariant, value);
+    QFETCH(LocaleSettings::Quantity, quantity);
     QFETCH(QString, unit);
-    LocaleSettings::setUnitSystem(LocaleSettings::UnitSystem::Imperial);
+    QFETCH(QString, before);
+    QFETCH(QString, after);
     CVideoOverlayText text;
     ElementParam param = record(name);
-    QVERIFY(m_factory->getDatasource(&text, param));
-    QCOMPARE(text.unit(), unit);
-    // It is what the element was made with, not an edit of the operator.
-    QCOMPARE(text.getParamObject().value(QStringLiteral("unit")).toString(), unit);
+    param.insert(QStringLiteral("captionEnabled"), false);
+    auto *datasource = qobject_cast<COsdValueDatasource *>(m_factory->getDatasource(&text, param));
+    QVERIFY(datasource);
+    const ElementParam made = text.getParamObject();
+    text.applyChangesToOrigParams();
+    datasource->update(value);
+    QCOMPARE(text.text(), before);
+    QVERIFY(LocaleSettings::setUnit(quantity, unit));
+    QCOMPARE(text.text(), after);
+    LocaleSettings::setUnitSystem(LocaleSettings::UnitSystem::Metric);
+    QCOMPARE(text.text(), before);
+
+    QCOMPARE(text.unit(), QString());
+    QVERIFY(!made.contains(QStringLiteral("unit")));
+    QVERIFY(text.getChangedProperties().isEmpty());
+    QCOMPARE(text.getAllProperties().value(QStringLiteral("unit")).toString(), QString());
 }
 
 void tst_SystemValueDatasourceFactory::givenUnitStays()
 {
-    LocaleSettings::setUnitSystem(LocaleSettings::UnitSystem::Imperial);
     CVideoOverlayText text;
     ElementParam param = record(QStringLiteral("SPEED"));
     param.insert(QStringLiteral("unit"), QStringLiteral("cm/s"));
-    QVERIFY(m_factory->getDatasource(&text, param));
+    auto *datasource = qobject_cast<COsdValueDatasource *>(m_factory->getDatasource(&text, param));
+    QVERIFY(datasource);
+    datasource->update(6.0);
+    LocaleSettings::setUnitSystem(LocaleSettings::UnitSystem::Imperial);
     QCOMPARE(text.unit(), QStringLiteral("cm/s"));
+    QCOMPARE(text.text(), QStringLiteral("10.00 cm/s"));
+}
+
+/// Not those of the system's, whose locale may be another one.
+void tst_SystemValueDatasourceFactory::digitsOfTheUsersLocale()
+{
+    CVideoOverlayText text;
+    ElementParam param = record(QStringLiteral("VIDEO_TIME_COUNTER"));
+    auto *datasource = qobject_cast<COsdValueDatasource *>(m_factory->getDatasource(&text, param));
+    QVERIFY(datasource);
+    datasource->update(qint64(3723000));
+    QCOMPARE(text.text(), QStringLiteral("01:02:03 "));
+    LocaleSettings::setLocale(QLocale(QStringLiteral("ar_EG")));
+    QCOMPARE(text.text(), QString::fromUtf8("\u0660\u0661:\u0660\u0662:\u0660\u0663 "));
+    LocaleSettings::setLocale(QLocale(QStringLiteral("de_DE")));
+    QCOMPARE(text.text(), QStringLiteral("01:02:03 "));
 }
 
 void tst_SystemValueDatasourceFactory::captionsFollowTheLanguage()

@@ -4,6 +4,7 @@
 #include "host/feed/LiveInputParser.h"
 #include "host/video/VideoErrors.h"
 
+#include <QDirIterator>
 #include <QFile>
 #include <QFileInfo>
 #include <QProcess>
@@ -47,6 +48,9 @@ private Q_SLOTS:
     void sourceThatWasCutOff();
     void values();
     void languageAndUnits();
+    void languageOverTheSystems();
+    void missingFont_data();
+    void missingFont();
     void liveValuesFromAPipe();
     void errors_data();
     void errors();
@@ -311,13 +315,14 @@ void tst_xqosd::values()
           "  units     m/min, ft/min, inch/min, m/s, ft/s, inch/s, cm/s\n",
           "  input     a number [m/min]\n", "  example   {\"SPEED\": 6.5}\n"})
         QVERIFY2(speed.contains(QString::fromUtf8(line)), line);
-    QCOMPARE(outcome.out.count(QStringLiteral("  quantity ")), 18);
+    QCOMPARE(outcome.out.count(QStringLiteral("  quantity ")), 19); // with the snips' picture
+    QVERIFY(outcome.out.contains(QStringLiteral("\nSCREEN_SNIP\n")));
     // The example at the end is what the live input takes.
     const QString example = outcome.out.trimmed().section(QLatin1Char('\n'), -1);
     LiveInputParser parser;
     const LiveInputParser::Batch batch = parser.feed(example.toUtf8() + '\n');
     QCOMPARE(batch.problems, QStringList());
-    QCOMPARE(batch.values.size(), 18);
+    QCOMPARE(batch.values.size(), 19);
 }
 
 void tst_xqosd::languageAndUnits()
@@ -341,6 +346,85 @@ void tst_xqosd::languageAndUnits()
     // The captions are the same in either unit, up to the value.
     const QRect captions(0, 40, 500, 40);
     QCOMPARE(english.copy(captions), feet.copy(captions));
+}
+
+/// What the option says holds for every letter and digit, whatever the machine speaks.
+void tst_xqosd::languageOverTheSystems()
+{
+    const QString run
+        = write("all.csv",
+                "t_ms,SECTION_DISTANCE_COUNTER,SPEED,CAMERA_PAN,CAMERA_PRESSURE,CAMERA_TEMPERATURE,"
+                "DATE,TIME\n0,1234.56,6.5,45,1098,24.6,2026-03-31,14:05:37\n");
+    const auto picture = [&](const char *name, const char *systems, const QString &profile) {
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert(QStringLiteral("LC_ALL"), QString::fromLatin1(systems));
+        const Outcome outcome = this->run(
+            {QStringLiteral("snapshot"), QStringLiteral("--transparent"),
+             QStringLiteral("--telemetry"), run, QStringLiteral("--at"), QStringLiteral("7"),
+             QStringLiteral("--language"), QStringLiteral("de"), QStringLiteral("--profile"),
+             profile, QStringLiteral("--settings-dir"), path("languages"), QStringLiteral("--log"),
+             path("languages.log"), QStringLiteral("--output"), path(name)},
+            environment);
+        return outcome.status == 0 ? QImage(path(name)) : QImage();
+    };
+    for (const char *profile : {"Halvo push camera system - default", "Sewer inspection"}) {
+        const QString name = QString::fromLatin1(profile);
+        const QImage german = picture("german.png", "C.UTF-8", name);
+        QVERIFY(!german.isNull());
+        QCOMPARE(picture("arabic.png", "ar_EG.UTF-8", name), german);
+        QCOMPARE(picture("persian.png", "fa_IR.UTF-8", name), german);
+    }
+}
+
+void tst_xqosd::missingFont_data()
+{
+    QTest::addColumn<QString>("command");
+    QTest::addColumn<QString>("font"); // that the machine has instead
+    for (const char *command : {"record", "snapshot"}) {
+        QTest::addRow("%s, no font at all", command) << QString::fromLatin1(command) << QString();
+        QTest::addRow("%s, another font", command)
+            << QString::fromLatin1(command) << QStringLiteral("DejaVu Serif");
+    }
+}
+
+/// A recording of boxes, or of another grid, cannot be made again.
+void tst_xqosd::missingFont()
+{
+    QFETCH(QString, command);
+    QFETCH(QString, font);
+    QTemporaryDir fonts;
+    if (!font.isEmpty()) {
+        QDirIterator installed(QStringLiteral("/usr/share/fonts"),
+                               {QString(font).remove(QLatin1Char(' ')) + QStringLiteral(".ttf")},
+                               QDir::Files, QDirIterator::Subdirectories);
+        QVERIFY2(installed.hasNext(), "the package fonts-dejavu-core brings it");
+        QVERIFY(QFile::copy(installed.next(), fonts.filePath(QStringLiteral("font.ttf"))));
+    }
+    const QString settings
+        = write("fonts.conf",
+                QStringLiteral("<?xml version=\"1.0\"?><!DOCTYPE fontconfig SYSTEM \"fonts.dtd\">"
+                               "<fontconfig><dir>%1</dir><cachedir>%2</cachedir></fontconfig>")
+                    .arg(fonts.path(), path("font-cache"))
+                    .toUtf8());
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("FONTCONFIG_FILE"), settings);
+    const QString output = path(command == QLatin1String("record") ? "font.mkv" : "font.png");
+    QStringList arguments {command,
+                           QStringLiteral("--source"),
+                           QStringLiteral("test"),
+                           QStringLiteral("--size"),
+                           QStringLiteral("320x240"),
+                           QStringLiteral("--output"),
+                           output};
+    if (command == QLatin1String("record"))
+        arguments.append({QStringLiteral("--duration"), QStringLiteral("1")});
+    const Outcome outcome = run(arguments, environment);
+    QCOMPARE(outcome.status, 1);
+    QVERIFY2(outcome.err.contains(QStringLiteral("\"DejaVu Sans Mono\" is not installed"))
+                 && outcome.err.contains(QStringLiteral("fonts-dejavu-core"))
+                 && outcome.err.contains(font),
+             qPrintable(outcome.err));
+    QVERIFY(!QFile::exists(output));
 }
 
 void tst_xqosd::liveValuesFromAPipe()

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/platform/Directories.h"
 #include "host/platform/LocaleSettings.h"
+#include "host/platform/LogRouter.h"
+#include "host/platform/LogSinks.h"
 #include "host/platform/TranslationStore.h"
 #include "host/qml/EditHistory.h"
 #include "host/qml/EditorController.h"
@@ -15,6 +17,7 @@
 #include "tests/support/ProfileFolders.h"
 
 #include <videooverlay/display/CVideoOverlayManager.h>
+#include <videooverlay/display/VideoOverlaySettings.h>
 #include <videooverlay/models/VideoOverlayElementListModel.h>
 #include <videooverlay/models/VideoOverlayProfilesModel.h>
 #include <videooverlay/profiles/Profile.h>
@@ -125,6 +128,8 @@ private Q_SLOTS:
     void addsPicture();
     void colours();
     void freeTextAndFavourites();
+    void freeTextOfTheLivePicture();
+    void stillOfTheLivePicture();
     void warnings();
     void overlayWideSettings();
     void search();
@@ -137,8 +142,12 @@ private Q_SLOTS:
     void recordsWhileThePictureRuns();
     void recordingThatCannotStart();
     void observationAppearsAndExpires();
+    void codesOfAManhole();
     void createsProject();
     void language();
+    void unitsOfTheBar();
+    void unitOfTheProfileOrTheUsers();
+    void loweredGridIsTold();
     void overlayOff();
     void resizesPicture_data();
     void resizesPicture();
@@ -464,8 +473,8 @@ void tst_LiveApplication::arrowsAndUndo()
     QVERIFY(m_robot.click(QStringLiteral("panel1")));
     QVERIFY(m_robot.click(QStringLiteral("propertyCaption")));
     QTRY_VERIFY(!speed->captionVisible());
-    QVERIFY(m_robot.click(QStringLiteral("propertyUnit1")));
-    QTRY_VERIFY(speed->unit() != QLatin1String("m/min"));
+    QVERIFY(m_robot.click(QStringLiteral("propertyUnit2")));
+    QTRY_COMPARE(speed->unit(), QStringLiteral("ft/min"));
 
     QVERIFY(m_robot.click(QStringLiteral("undo")));
     QCOMPARE(speed->unit(), QStringLiteral("m/min"));
@@ -614,6 +623,83 @@ void tst_LiveApplication::freeTextAndFavourites()
     QVERIFY(editor.hasUnsavedChanges());
     editor.revert();
     QCOMPARE(editor.favorites(), before + QStringList(QStringLiteral("Roots here")));
+}
+
+void tst_LiveApplication::freeTextOfTheLivePicture()
+{
+    QVERIFY(select(QStringLiteral("Bench"))); // which has none
+    QVERIFY(m_robot.click(QStringLiteral("navLive")));
+    QVERIFY(!m_robot.find(QStringLiteral("freeTextButton")));
+    const QString notes = QStringLiteral("Pictures and notes");
+    QVERIFY(QFile::copy(QStringLiteral(XQ_DATA_DIRECTORY "/profiles/%1.xml").arg(notes),
+                        profilePath(notes)));
+    restart(); // profiles are read at the start
+    QVERIFY(select(notes));
+    QVERIFY(m_robot.click(QStringLiteral("navLive")));
+    auto *freeText = manager().getElementListModel()->freeText();
+    QVERIFY(m_robot.click(QStringLiteral("freeTextButton")));
+    QVERIFY(m_robot.click(QStringLiteral("showFavorite1")));
+    QVERIFY(m_robot.awaitGone(QStringLiteral("showFavorite1")));
+    QCOMPARE(freeText->text(), QStringLiteral("Connection is in use"));
+    QVERIFY(freeText->visible());
+
+    QVERIFY(m_robot.click(QStringLiteral("freeTextButton")));
+    QVERIFY(m_robot.type(QStringLiteral("freeTextField"), QStringLiteral("Roots here")));
+    QVERIFY(m_robot.click(QStringLiteral("freeTextShow")));
+    QVERIFY(m_robot.awaitGone(QStringLiteral("freeTextShow")));
+    QCOMPARE(freeText->text(), QStringLiteral("Roots here"));
+    QVERIFY(!m_live->editor().hasUnsavedChanges());
+
+    QVERIFY(m_robot.click(QStringLiteral("freeTextButton")));
+    QVERIFY(m_robot.click(QStringLiteral("freeTextClear")));
+    QVERIFY(m_robot.awaitGone(QStringLiteral("freeTextClear")));
+    QCOMPARE(freeText->text(), QString());
+    freeText->setEnabled(false);
+    QTRY_VERIFY(!m_robot.find(QStringLiteral("freeTextButton")));
+}
+
+void tst_LiveApplication::stillOfTheLivePicture()
+{
+    const QString path = m_root->filePath(QStringLiteral("values"));
+    const QString notes = QStringLiteral("Pictures and notes");
+    QVERIFY(QFile::copy(QStringLiteral(XQ_DATA_DIRECTORY "/profiles/%1.xml").arg(notes),
+                        profilePath(notes)));
+    restart([&](LiveApplication::Setup &setup) { setup.inputSocket = path; });
+    QVERIFY(!m_robot.find(QStringLiteral("snipButton")));
+    QVERIFY(select(notes));
+    QVERIFY(m_robot.click(QStringLiteral("navLive")));
+    const VideoOverlay::CVideoOverlayImage *snip = nullptr;
+    const QList<CVideoOverlayElement *> elements = manager().getElementList();
+    for (CVideoOverlayElement *element : elements) {
+        if (element->getParamObject().value(QStringLiteral("screenSnip")).toBool())
+            snip = qobject_cast<VideoOverlay::CVideoOverlayImage *>(element);
+    }
+    QVERIFY(snip);
+    QCOMPARE(snip->imageSrcHeight(), 0);
+    QVERIFY(m_robot.click(QStringLiteral("snipButton")));
+    QTRY_COMPARE(snip->imageSrcHeight(), 360);
+    const QImage still = snip->getElement().getImage();
+    QCOMPARE(still.size(), QSize(160, 90)); // a quarter, as the profile says
+    QSet<QRgb> colours; // those of the bars: not blank, and nothing of the overlay on it
+    for (int x = 0; x < still.width(); ++x)
+        colours.insert(still.pixel(x, 10));
+    QVERIFY(colours.size() >= 7);
+    QVERIFY(!m_live->editor().hasUnsavedChanges());
+    QSignalSpy frames(&m_live->video(), &VideoController::frame);
+    for (int i = 0; i < 3; ++i)
+        QVERIFY(frames.wait());
+    QVERIFY(snip->getElement().getImage() == still); // the picture goes on, the still stays
+
+    // The live input has it, too.
+    QLocalSocket client;
+    client.connectToServer(path);
+    QVERIFY(client.waitForConnected());
+    client.write("{\"SCREEN_SNIP\": \"" XQ_DATA_DIRECTORY "/demo/picture.png\"}\n");
+    QTRY_VERIFY(snip->imageSrcHeight() != 360);
+    QVERIFY(!m_live->messages().isError());
+    client.write("{\"SCREEN_SNIP\": \"/nowhere.png\"}\n");
+    QTRY_VERIFY(m_live->messages().isError());
+    QVERIFY(m_live->messages().text().contains(QStringLiteral("/nowhere.png")));
 }
 
 void tst_LiveApplication::warnings()
@@ -831,6 +917,10 @@ void tst_LiveApplication::recordsWhileThePictureRuns()
     QVERIFY(notRecording.count() >= 1);
     QVERIFY(frames.wait()); // the picture still runs
 
+    const QString name = QFileInfo(m_live->video().recordingPath()).fileName();
+    static const QRegularExpression dateAndTime(
+        QStringLiteral("^[0-9]{4}-[0-9]{2}-[0-9]{2}_[0-9]{2}-[0-9]{2}-[0-9]{2}[.]mkv$"));
+    QVERIFY2(dateAndTime.match(name).hasMatch(), qPrintable(name));
     const MediaFacts facts = readFacts(m_live->video().recordingPath());
     QCOMPARE(facts.problem, QString());
     QCOMPARE(facts.size, QSize(640, 360));
@@ -876,6 +966,36 @@ void tst_LiveApplication::observationAppearsAndExpires()
     QVERIFY(!m_live->messages().isError());
 }
 
+/// What is inspected decides which codes are offered.
+void tst_LiveApplication::codesOfAManhole()
+{
+    restart([](LiveApplication::Setup &setup) {
+        setup.demoProject = QStringLiteral(XQ_DATA_DIRECTORY "/demo/project/demo.json");
+    });
+    QVERIFY(m_robot.click(QStringLiteral("observationButton")));
+    QVERIFY(m_robot.type(QStringLiteral("observationSearch"), QStringLiteral("roots")));
+    QVERIFY(m_robot.await(QStringLiteral("codeBBA")));
+    QVERIFY(!m_robot.find(QStringLiteral("codeDBA")));
+    QVERIFY(m_robot.click(QStringLiteral("observationCancel")));
+    QVERIFY(m_robot.awaitGone(QStringLiteral("observationCancel")));
+
+    ProjectController &project = m_live->project();
+    QVERIFY(project.startInspection(1)); // a manhole
+    QVERIFY(m_robot.click(QStringLiteral("observationButton")));
+    QVERIFY(m_robot.type(QStringLiteral("observationSearch"), QStringLiteral("roots")));
+    QVERIFY(m_robot.click(QStringLiteral("codeDBA")));
+    QVERIFY(!m_robot.find(QStringLiteral("codeBBA")));
+    QVERIFY(m_robot.click(QStringLiteral("observationSave")));
+    QVERIFY(m_robot.awaitGone(QStringLiteral("observationSave")));
+    const auto *code
+        = qobject_cast<VideoOverlay::CVideoOverlayText *>(elementOf(QStringLiteral("OBS_OpCode")));
+    const auto *text = qobject_cast<VideoOverlay::CVideoOverlayText *>(
+        elementOf(QStringLiteral("OBS_Observation")));
+    QCOMPARE(code->text(), QStringLiteral("DBA"));
+    QCOMPARE(text->text(), QStringLiteral("Roots"));
+    QVERIFY(code->visible() && text->visible());
+}
+
 void tst_LiveApplication::createsProject()
 {
     QVERIFY(m_robot.click(QStringLiteral("navProject")));
@@ -914,11 +1034,58 @@ void tst_LiveApplication::language()
     const auto readings = [this] { return m_live->video().speed() + m_live->video().distance(); };
     QVERIFY2(readings().count(QLatin1Char(',')) == 2, qPrintable(readings()));
     QVERIFY2(!readings().contains(QLatin1Char('.')), qPrintable(readings()));
-    QVERIFY(m_robot.click(QStringLiteral("units1")));
-    QVERIFY(m_live->video().speed().endsWith(QStringLiteral(" ft/min")));
-    QVERIFY(m_robot.click(QStringLiteral("units0")));
     QVERIFY(m_robot.click(QStringLiteral("language1")));
     QTRY_COMPARE(m_robot.text(QStringLiteral("navProfiles")), QStringLiteral("Profiles"));
+}
+
+/// The number is converted, not only named otherwise; and nothing is complained about.
+void tst_LiveApplication::unitsOfTheBar()
+{
+    restart([](LiveApplication::Setup &setup) { setup.telemetryPath.clear(); });
+    const auto log = std::make_shared<Logging::RecordingLogSink>();
+    Logging::LogRouter::instance().addSink(log);
+    m_live->overlay().setValue(ElementParam::NAME_SPEED, 7.73);
+    m_live->overlay().setValue(ElementParam::NAME_SECTION_DISTANCE_COUNTER, 3.048);
+    QVERIFY(m_robot.click(QStringLiteral("navProject")));
+    QVERIFY(m_robot.click(QStringLiteral("units1")));
+    QCOMPARE(m_live->video().speed(), QStringLiteral("25.36 ft/min"));
+    QCOMPARE(m_live->video().distance(), QStringLiteral("10.00 ft"));
+    QVERIFY(m_robot.click(QStringLiteral("units0")));
+    QCOMPARE(m_live->video().speed(), QStringLiteral("7.73 m/min"));
+    QCOMPARE(m_live->video().distance(), QStringLiteral("3.05 m"));
+    Logging::LogRouter::instance().removeSink(log);
+    for (const Logging::LogEntry &entry : log->entries())
+        QVERIFY2(!entry.message.contains(QStringLiteral("converter not found")),
+                 qPrintable(entry.message));
+}
+
+/// In the editor, a text can be given a unit of its own and follow the user again.
+void tst_LiveApplication::unitOfTheProfileOrTheUsers()
+{
+    QVERIFY(select(QStringLiteral("Bench")));
+    auto *speed
+        = qobject_cast<VideoOverlay::CVideoOverlayText *>(elementOf(ElementParam::NAME_SPEED));
+    QVERIFY(m_robot.click(QStringLiteral("navEditor")));
+    m_live->editor().select(manager().rowIndexByID(speed->id()));
+    QVERIFY(m_robot.click(QStringLiteral("panel1")));
+    QVERIFY(m_robot.click(QStringLiteral("propertyUnit0"))); // the user's
+    QTRY_COMPARE(speed->unit(), QString());
+    m_live->project().setImperial(true);
+    QTRY_VERIFY(speed->text().endsWith(QStringLiteral(" ft/min")));
+    QVERIFY(m_robot.click(QStringLiteral("propertyUnit1")));
+    QTRY_COMPARE(speed->unit(), QStringLiteral("m/min"));
+    QVERIFY(speed->text().endsWith(QStringLiteral(" m/min")));
+    m_live->project().setImperial(false);
+}
+
+void tst_LiveApplication::loweredGridIsTold()
+{
+    QVERIFY(!m_live->messages().isError());
+    QVERIFY(manager().getSettings()->setGrid(27, 60)); // the row count carries the column count
+    m_live->overlay().setPictureSize(QSize(1280, 720));
+    QVERIFY(m_live->messages().isError());
+    QVERIFY2(m_live->messages().text().contains(QStringLiteral("lowering column count")),
+             qPrintable(m_live->messages().text()));
 }
 
 void tst_LiveApplication::overlayOff()

@@ -62,9 +62,9 @@ Flickable {
             Layout.fillWidth: true
             visible: choices.length > 0
             label: texts.unit
-            choices: editor.unitChoices
-            current: panel.element ? choices.indexOf(panel.element.unit) : -1
-            onChosen: editor.set("unit", choices[index])
+            choices: editor.unitChoices.map(function(unit) { return unit === "" ? texts.unitOfUser : unit })
+            current: panel.element ? editor.unitChoices.indexOf(panel.element.unit) : -1
+            onChosen: editor.set("unit", editor.unitChoices[index])
         }
         ColumnLayout {
             Layout.fillWidth: true
