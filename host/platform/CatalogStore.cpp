@@ -108,6 +108,12 @@ CatalogStore::getTemplateFromCache(const Base::GUID &uniqueId) const
     return m_templates.value(uniqueId);
 }
 
+QSharedPointer<Templates::CCatalogTemplate>
+CatalogStore::installedTemplate(const Base::GUID &uniqueId) const
+{
+    return m_templates.contains(uniqueId) ? m_templates.value(uniqueId) : readTemplate(uniqueId);
+}
+
 bool CatalogStore::loadTemplate(const Base::GUID &uniqueId)
 {
     if (!m_templates.contains(uniqueId)) {

@@ -146,6 +146,11 @@ void tst_xqosd_profiles::shippedProfilesAreFine()
     QCOMPARE(outcome.out, QStringList());
     QCOMPARE(outcome.err, QStringList());
     QCOMPARE(outcome.status, 0);
+    // As they are delivered: their pictures are named from where they lie themselves.
+    const Outcome delivered
+        = run({QStringLiteral("check"), QStringLiteral(DATA_DIRECTORY "/profiles")});
+    QCOMPARE(delivered.out, QStringList());
+    QCOMPARE(delivered.status, 0);
 }
 
 void tst_xqosd_profiles::checkTellsFileLineAndColumn()

@@ -18,7 +18,7 @@ test -s "$3/../schema/osd-profile.rng"
 
 # Profiles, the settings template, the demonstration project, catalogs and translations are found.
 "$1" profiles --settings-dir "$4/settings" | grep -q '^\* read-only Halvo push camera system - default'
-"$1" check "$4/settings/osd"
+"$1" check "$4/settings/osd" "$3/../profiles"
 "$1" project --file "$4/demo.xqproj" --create-demo | grep -q '4711-4712'
 "$1" snapshot --settings-dir "$4/settings" --profile "Sewer inspection" --project "$4/demo.xqproj" \
     --telemetry "$3/telemetry.csv" --observations --at 3 --size 1280x720 --language de \
