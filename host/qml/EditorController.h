@@ -2,6 +2,7 @@
 #pragma once
 
 #include "host/qml/EditHistory.h"
+#include "host/qml/OverlayWarnings.h"
 
 #include <videooverlay/elements/CVideoOverlayElement.h>
 #include <videooverlay/elements/ElementParam.h>
@@ -166,7 +167,6 @@ private:
     Element *create(VideoOverlay::ElementParam record);
     void remove(const HandlePointer &handle);
     void updateWarnings();
-    bool isClipped(Element &element) const;
     bool report(const QStringList &complaints);
 
     LiveOverlay &m_overlay;
@@ -178,6 +178,7 @@ private:
     QPointer<Element> m_dragged;
     QPoint m_dragStart;
     QSize m_dragCells;
+    OverlayWarnings m_overlayWarnings;
     QVariantList m_warnings;
     QTimer m_warningTimer;
 };

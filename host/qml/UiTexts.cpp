@@ -40,7 +40,8 @@ QStringList UiTexts::names()
               "revert revertText revertTitle save saveAs saveAsTitle saved scale "
               "search searchCode sectionName select settings showCaption speed stop "
               "store text textColor timeout timeoutOff transparency undo unit units "
-              "unsavedText unsavedTitle warningClipped warningOutside warningOverlap")
+              "unsavedText unsavedTitle warningClipped warningOutside warningOverlap "
+              "warningUnit warningUnknown")
               .split(QLatin1Char(' '));
     return list;
 }
