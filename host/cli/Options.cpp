@@ -29,8 +29,11 @@ QString usage()
         "  record     burns the overlay into a video file\n"
         "  snapshot   writes one picture of the overlay\n"
         "  live       shows the touch screens\n"
-        "  project    lists the inspections of a project, or makes a demonstration\n"
         "  values     lists the values that texts can show\n"
+        "  profiles   lists and keeps OSD profiles\n"
+        "  edit       changes elements of an OSD profile\n"
+        "  check      reports what is wrong with OSD profile files\n"
+        "  project    lists the inspections of a project, or makes a demonstration\n"
         "\n"
         "xqosd COMMAND --help lists the options of a command.\n");
 }
