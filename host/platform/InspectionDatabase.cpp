@@ -198,7 +198,7 @@ public:
         return {};
     }
 
-    bool prepareSchema();
+    bool prepareSchema(Origin origin);
     bool begin();
     bool commit();
     void rollBack();
@@ -218,7 +218,8 @@ private:
         return text.isEmpty() ? error.driverText().trimmed() : text;
     }
 
-    bool isForeign();
+    bool isOurs();
+    bool holdsNothing();
     bool migrate(int from);
 
     QString m_path;
@@ -347,22 +348,28 @@ void InspectionDatabase::Connection::rollBack()
     m_error = reason;
 }
 
-/// A file without our mark that holds something.
-bool InspectionDatabase::Connection::isForeign()
+/// The file bears our mark.
+bool InspectionDatabase::Connection::isOurs()
 {
-    const QVariant mark = value(QStringLiteral("PRAGMA application_id")).value_or(0);
-    return mark.toInt() != InspectionSchema::applicationId
-        && value(QStringLiteral("SELECT count(*) FROM sqlite_master")).value_or(1).toInt() > 0;
+    return value(QStringLiteral("PRAGMA application_id")).value_or(0).toInt()
+        == InspectionSchema::applicationId;
 }
 
-bool InspectionDatabase::Connection::prepareSchema()
+bool InspectionDatabase::Connection::holdsNothing()
+{
+    return value(QStringLiteral("SELECT count(*) FROM sqlite_master")).value_or(1).toInt() == 0;
+}
+
+bool InspectionDatabase::Connection::prepareSchema(Origin origin)
 {
     // The first statement that reads the file: here a lock or garbage shows.
     const std::optional<QVariant> stored = value(QStringLiteral("PRAGMA user_version"));
     if (!stored)
         return false;
-    if (isForeign()) {
-        m_error = QStringLiteral("this is a database of another program");
+    // Only a file that we just made is filled; an empty one may be meant for something else.
+    if (origin == Origin::Found && !isOurs()) {
+        m_error = holdsNothing() ? QStringLiteral("it holds nothing")
+                                 : QStringLiteral("this is a database of another program");
         return false;
     }
     const int version = stored->toInt();
@@ -419,10 +426,10 @@ bool InspectionDatabase::fail(const QString &what, const QString &why)
     return false;
 }
 
-bool InspectionDatabase::connectTo(const QString &path, Access access)
+bool InspectionDatabase::connectTo(const QString &path, Access access, Origin origin)
 {
     const auto connection = std::make_shared<Connection>(path, access);
-    if (!connection->open(m_busyTimeoutMs) || !connection->prepareSchema())
+    if (!connection->open(m_busyTimeoutMs) || !connection->prepareSchema(origin))
         return fail(QStringLiteral("open project database \"%1\"").arg(path), connection->error());
     m_connection = connection;
     return true;
@@ -432,7 +439,7 @@ bool InspectionDatabase::create(const QString &path)
 {
     m_errorText.clear();
     if (path == inMemory)
-        return connectTo(path, Access::ReadWrite);
+        return connectTo(path, Access::ReadWrite, Origin::Made);
     const QString what = QStringLiteral("create project database \"%1\"").arg(path);
     const QFileInfo file(path);
     if (path.isEmpty())
@@ -441,7 +448,7 @@ bool InspectionDatabase::create(const QString &path)
         return fail(what, QStringLiteral("there is such a file already"));
     if (!file.absoluteDir().exists())
         return fail(what, QStringLiteral("there is no directory \"%1\"").arg(file.absolutePath()));
-    if (connectTo(file.absoluteFilePath(), Access::ReadWrite))
+    if (connectTo(file.absoluteFilePath(), Access::ReadWrite, Origin::Made))
         return true;
     QFile::remove(path); // made by us a moment ago, and useless
     return false;
@@ -451,7 +458,7 @@ bool InspectionDatabase::open(const QString &path, Access access)
 {
     m_errorText.clear();
     if (path == inMemory)
-        return connectTo(path, Access::ReadWrite);
+        return connectTo(path, Access::ReadWrite, Origin::Made);
     const QString what = QStringLiteral("open project database \"%1\"").arg(path);
     const QFileInfo file(path);
     if (!file.exists())
@@ -460,7 +467,10 @@ bool InspectionDatabase::open(const QString &path, Access access)
         return fail(what, QStringLiteral("this is not a file"));
     if (!file.isReadable())
         return fail(what, QStringLiteral("no permission to read it"));
-    return connectTo(file.absoluteFilePath(), file.isWritable() ? access : Access::ReadOnly);
+    if (file.size() == 0)
+        return fail(what, QStringLiteral("the file is empty"));
+    return connectTo(file.absoluteFilePath(), file.isWritable() ? access : Access::ReadOnly,
+                     Origin::Found);
 }
 
 void InspectionDatabase::close()

@@ -74,7 +74,8 @@ private:
     class Connection;
     class Record;
 
-    bool connectTo(const QString &path, Access access);
+    enum class Origin { Found, Made };
+    bool connectTo(const QString &path, Access access, Origin origin);
     bool fail(const QString &what, const QString &why);
     bool checkOpen(const QString &what);
     const Record *own(const CDomainObjectPointer &record, const QString &what);
