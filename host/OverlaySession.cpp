@@ -460,7 +460,7 @@ void OverlaySession::observe(qint64 timeMs)
         = m_telemetry.interpolated(ElementParam::NAME_SECTION_DISTANCE_COUNTER, m_observationMs);
     if (m_start.isValid())
         observation.time = m_start.addMSecs(m_observationMs).time();
-    const bool created = m_project.createObservation(observation) != nullptr;
+    const bool created = m_project.repeatObservation(observation) != nullptr;
     if (m_clock == Clock::Video)
         expire(m_observationMs); // counts from its own time, even when that is long past
     if (!created)
