@@ -124,7 +124,8 @@ void tst_xqosd_profiles::profilesRefuse_data()
         "\"Halvo push camera system - default\" is read-only");
     row("rename|Halvo push camera system - default|New", 1,
         "\"Halvo push camera system - default\" is read-only");
-    row("rename|Lean|Sewer inspection", 1, "\"Lean\" cannot be called \"Sewer inspection\"");
+    row("rename|Lean|Sewer inspection", 1,
+        "\"Lean\" cannot be called \"Sewer inspection\": there is a profile of that name");
     row("copy|Lean", 2, "profiles: \"copy\" is none of list, select, clone, rename and remove");
     row("rename|Lean", 2, "profiles rename: wrong number of names");
 }

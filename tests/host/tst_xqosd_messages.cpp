@@ -1,0 +1,184 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <QDir>
+#include <QFile>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include <memory>
+
+namespace {
+
+struct Outcome
+{
+    int status = -1;
+    QStringList out;
+    QStringList err;
+};
+
+QStringList lines(const QByteArray &output)
+{
+    return QString::fromUtf8(output).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+}
+
+QStringList words(const char *line)
+{
+    return QString::fromUtf8(line).split(QLatin1Char('|'));
+}
+
+} // namespace
+
+/// What the program refuses, and what it says then: one line that names the reason, and a status.
+/// What it accepts is there afterwards.
+class tst_xqosd_messages : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void namesAreRefusedWithAReason_data();
+    void namesAreRefusedWithAReason();
+    void nameOrPath();
+    void listIsOneLineEach();
+    void emptyFileIsNoProject();
+    void observationsAreAddedOnce();
+
+private:
+    QString path(const QString &name) const { return m_directory->filePath(name); }
+    Outcome run(QStringList arguments, const QMap<QString, QString> &environment = {}) const;
+    Outcome runHere(const QStringList &arguments) const; ///< with settings of its own
+    void write(const QString &name, const QByteArray &content) const;
+    QByteArray read(const QString &name) const;
+
+    std::unique_ptr<QTemporaryDir> m_directory;
+};
+
+void tst_xqosd_messages::init()
+{
+    m_directory = std::make_unique<QTemporaryDir>();
+}
+
+Outcome tst_xqosd_messages::run(QStringList arguments,
+                                const QMap<QString, QString> &environment) const
+{
+    QProcess program;
+    QProcessEnvironment all = QProcessEnvironment::systemEnvironment();
+    for (auto it = environment.cbegin(); it != environment.cend(); ++it)
+        all.insert(it.key(), it.value());
+    program.setProcessEnvironment(all);
+    program.setWorkingDirectory(m_directory->path());
+    program.start(QStringLiteral(XQOSD_PROGRAM), arguments);
+    Outcome outcome;
+    if (!program.waitForFinished(60000))
+        return outcome;
+    outcome.status = program.exitStatus() == QProcess::NormalExit ? program.exitCode() : -2;
+    outcome.out = lines(program.readAllStandardOutput());
+    outcome.err = lines(program.readAllStandardError());
+    return outcome;
+}
+
+Outcome tst_xqosd_messages::runHere(const QStringList &arguments) const
+{
+    return run(arguments.mid(0, 1)
+               + QStringList {QStringLiteral("--settings-dir"), QStringLiteral("settings")}
+               + arguments.mid(1));
+}
+
+void tst_xqosd_messages::write(const QString &name, const QByteArray &content) const
+{
+    QFile file(path(name));
+    QVERIFY(file.open(QIODevice::WriteOnly) && file.write(content) == content.size());
+}
+
+QByteArray tst_xqosd_messages::read(const QString &name) const
+{
+    QFile file(path(name));
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+void tst_xqosd_messages::namesAreRefusedWithAReason_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<QString>("error");
+    const auto row = [](const char *arguments, const char *error) {
+        QTest::newRow(arguments) << words(
+            arguments) << QStringLiteral("xqosd: \"Lean\" cannot be ") + QString::fromLatin1(error);
+    };
+    row("rename|Lean|Sewer inspection",
+        "called \"Sewer inspection\": there is a profile of that name");
+    row("rename|Lean|", "called \"\": it is empty");
+    row("rename|Lean|.x", "called \".x\": a name that begins with a dot is that of a hidden file");
+    row("rename|Lean|a/b", "called \"a/b\": it names another folder");
+    row("rename|Lean|a\nb", "called \"a\\nb\": it has line feeds or other control characters");
+    row("clone|Lean|a\nb", "cloned: it has line feeds or other control characters");
+    row("clone|Lean|../b", "cloned: a name that begins with a dot is that of a hidden file");
+    QTest::newRow("too long") << QStringList {QStringLiteral("clone"), QStringLiteral("Lean"),
+                                              QString(252, QLatin1Char('x'))}
+                              << QStringLiteral(
+                                     "xqosd: \"Lean\" cannot be cloned: it is too long for a file");
+}
+
+void tst_xqosd_messages::namesAreRefusedWithAReason()
+{
+    QFETCH(QStringList, arguments);
+    QFETCH(QString, error);
+    const Outcome outcome = runHere(QStringList(QStringLiteral("profiles")) + arguments);
+    QVERIFY2(outcome.err.contains(error), qPrintable(outcome.err.join(QLatin1Char('\n'))));
+    QCOMPARE(outcome.status, 1);
+    QCOMPARE(runHere(words("profiles")).out.size(), 4);
+}
+
+void tst_xqosd_messages::nameOrPath()
+{
+    QCOMPARE(runHere(words("profiles|clone|settings/osd/Lean.xml|Mine")).status, 0);
+    QCOMPARE(runHere(words("profiles|clone|./settings/../settings/osd/Mine.xml")).out,
+             QStringList(QStringLiteral("Mine(copy)")));
+    const Outcome edited
+        = runHere(words("edit|--profile|settings/osd/Mine.xml|--element|SPEED|--set|row=11"));
+    QCOMPARE(edited.err, QStringList());
+    QCOMPARE(edited.status, 0);
+    QVERIFY(read(QStringLiteral("settings/osd/Mine.xml")).contains("<ROW>11</ROW>"));
+    QCOMPARE(runHere(words("profiles|clone|osd/Lean.xml")).status, 1); // from somewhere else
+}
+
+void tst_xqosd_messages::listIsOneLineEach()
+{
+    QCOMPARE(runHere(words("profiles")).status, 0);
+    write(QStringLiteral("settings/osd/Broken.xml"), "<PROFILE name=\"one&#10;two\"/>");
+    const QStringList list = runHere(words("profiles")).out;
+    QCOMPARE(list.size(), 5);
+    QCOMPARE(list.filter(QStringLiteral("one\\ntwo")).size(), 1);
+}
+
+void tst_xqosd_messages::emptyFileIsNoProject()
+{
+    const QString name = QStringLiteral("empty.xqproject");
+    write(name, {});
+    const Outcome outcome = run({QStringLiteral("project"), QStringLiteral("--file"), name});
+    QCOMPARE(outcome.err,
+             QStringList(QStringLiteral(
+                 "xqosd: Cannot open project database \"empty.xqproject\": the file is empty")));
+    QCOMPARE(outcome.status, 1);
+    QCOMPARE(read(name), QByteArray());
+    QCOMPARE(QDir(m_directory->path()).entryList(QDir::Files), QStringList(name));
+}
+
+void tst_xqosd_messages::observationsAreAddedOnce()
+{
+    QCOMPARE(run(words("project|--file|p.xqproject|--create-demo")).status, 0);
+    const auto snapshot = [this] {
+        return runHere(words("snapshot|--profile|Lean|--project|p.xqproject|--observations|"
+                             "--telemetry|" DATA_DIRECTORY "/demo/telemetry.csv|--transparent|"
+                             "--at|60|--size|640x480|--output|o.png"))
+            .status;
+    };
+    QCOMPARE(snapshot(), 0);
+    const QByteArray once = read(QStringLiteral("o.png"));
+    const QByteArray project = read(QStringLiteral("p.xqproject"));
+    QCOMPARE(snapshot(), 0);
+    QCOMPARE(read(QStringLiteral("o.png")), once); // the last one is shown all the same
+    QCOMPARE(read(QStringLiteral("p.xqproject")), project);
+}
+
+QTEST_GUILESS_MAIN(tst_xqosd_messages)
+#include "tst_xqosd_messages.moc"
