@@ -36,6 +36,10 @@ class tst_xqosd_messages : public QObject
 
 private Q_SLOTS:
     void init();
+    void noDisplay_data();
+    void noDisplay();
+    void languageWithoutCaptions_data();
+    void languageWithoutCaptions();
     void namesAreRefusedWithAReason_data();
     void namesAreRefusedWithAReason();
     void nameOrPath();
@@ -94,6 +98,53 @@ QByteArray tst_xqosd_messages::read(const QString &name) const
 {
     QFile file(path(name));
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+void tst_xqosd_messages::noDisplay_data()
+{
+    QTest::addColumn<QString>("platform");
+    QTest::addColumn<QString>("reason");
+    QTest::newRow("no such platform")
+        << QStringLiteral("nonsense")
+        << QStringLiteral("Could not find the Qt platform plugin \"nonsense\" in \"\"");
+    QTest::newRow("no server") << QStringLiteral("xcb")
+                               << QStringLiteral("could not connect to display :4095");
+}
+
+void tst_xqosd_messages::noDisplay()
+{
+    QFETCH(QString, platform);
+    QFETCH(QString, reason);
+    for (const char *command : {"live", "values"}) {
+        const Outcome outcome = run({QString::fromLatin1(command)},
+                                    {{QStringLiteral("QT_QPA_PLATFORM"), platform},
+                                     {QStringLiteral("DISPLAY"), QStringLiteral(":4095")}});
+        QCOMPARE(outcome.err, QStringList(QStringLiteral("xqosd: There is no display: ") + reason));
+        QCOMPARE(outcome.status, 1);
+    }
+}
+
+void tst_xqosd_messages::languageWithoutCaptions_data()
+{
+    QTest::addColumn<QString>("language");
+    QTest::addColumn<bool>("isTold");
+    QTest::newRow("none") << QStringLiteral("pt") << true;
+    QTest::newRow("none, with a country") << QStringLiteral("pt_BR") << true;
+    QTest::newRow("some") << QStringLiteral("de") << false;
+    QTest::newRow("some, of another country") << QStringLiteral("fr_CA") << false;
+}
+
+void tst_xqosd_messages::languageWithoutCaptions()
+{
+    QFETCH(QString, language);
+    QFETCH(bool, isTold);
+    const Outcome outcome = run({QStringLiteral("values"), QStringLiteral("--language"), language});
+    QCOMPARE(outcome.status, 0);
+    QCOMPARE(outcome.err,
+             isTold ? QStringList(QStringLiteral(
+                 "xqosd: warning: --language: there are no captions in \"pt\", these will "
+                 "be English; there are: cs, de, en, es, fr, it, nl, pl, sv"))
+                    : QStringList());
 }
 
 void tst_xqosd_messages::namesAreRefusedWithAReason_data()
