@@ -40,6 +40,11 @@ private Q_SLOTS:
     void noDisplay();
     void languageWithoutCaptions_data();
     void languageWithoutCaptions();
+    void editRefuses_data();
+    void editRefuses();
+    void editKeepsWhatItAccepts_data();
+    void editKeepsWhatItAccepts();
+    void editOfTwoKinds();
     void namesAreRefusedWithAReason_data();
     void namesAreRefusedWithAReason();
     void nameOrPath();
@@ -145,6 +150,109 @@ void tst_xqosd_messages::languageWithoutCaptions()
                  "xqosd: warning: --language: there are no captions in \"pt\", these will "
                  "be English; there are: cs, de, en, es, fr, it, nl, pl, sv"))
                     : QStringList());
+}
+
+void tst_xqosd_messages::editRefuses_data()
+{
+    QTest::addColumn<QString>("change");
+    QTest::addColumn<QString>("error");
+    const auto row = [](const char *change, const char *error) {
+        QTest::newRow(change) << QString::fromUtf8(change)
+                              << QStringLiteral("xqosd: --set: ") + QString::fromUtf8(error);
+    };
+    row("SPEED|text=fast",
+        "a profile keeps no \"text\" of this element, but row, column, enabled, captionVisible, "
+        "unit, textColor, backgroundColor");
+    row("PRJ_Name|text=fast",
+        "a profile keeps no \"text\" of this element, but row, column, enabled, textColor, "
+        "backgroundColor");
+    row("SPEED|timeout=5",
+        "a profile keeps no \"timeout\" of this element, but row, column, enabled, "
+        "captionVisible, unit, textColor, backgroundColor");
+    row("PRJ_Name|caption=x",
+        "a profile keeps no \"caption\" of this element, but row, column, enabled, textColor, "
+        "backgroundColor");
+    row("OBJ_Key|timeout=5",
+        "a profile keeps no \"timeout\" of this element, but row, column, enabled, "
+        "captionVisible, textColor, backgroundColor");
+    row("OBS_OpCode|unit=m",
+        "a profile keeps no \"unit\" of this element, but row, column, enabled, captionVisible, "
+        "timeout, textColor, backgroundColor");
+    row("SPEED|row=99", "row: \"99\" is not a whole number from 0 to 26");
+    row("SPEED|row=-1", "row: \"-1\" is not a whole number from 0 to 26");
+    row("SPEED|column=54", "column: \"54\" is not a whole number from 0 to 53");
+    row("OBS_OpCode|timeout=-5", "timeout: \"-5\" is not a whole number from 0 to 86400");
+    row("SPEED|unit=furlong",
+        "unit: \"furlong\" is not a unit of it: m/min, ft/min, inch/min, m/s, ft/s, inch/s, cm/s");
+    row("SPEED|unit=°C",
+        "unit: \"°C\" is not a unit of it: m/min, ft/min, inch/min, m/s, ft/s, inch/s, cm/s");
+    row("VIDEO_TIME_COUNTER|unit=m/min",
+        "unit: \"m/min\" is not a pattern, such as dd.MM.yyyy or hh:mm:ss");
+}
+
+void tst_xqosd_messages::editRefuses()
+{
+    QFETCH(QString, change);
+    QFETCH(QString, error);
+    QCOMPARE(runHere(words("profiles|clone|Sewer inspection|Mine")).status, 0);
+    const QByteArray before = read(QStringLiteral("settings/osd/Mine.xml"));
+    const Outcome outcome
+        = runHere({QStringLiteral("edit"), QStringLiteral("--profile"), QStringLiteral("Mine"),
+                   QStringLiteral("--element"), change.section(QLatin1Char('|'), 0, 0),
+                   QStringLiteral("--set"), change.section(QLatin1Char('|'), 1)});
+    QCOMPARE(outcome.err, QStringList(error));
+    QCOMPARE(outcome.status, 1);
+    QCOMPARE(read(QStringLiteral("settings/osd/Mine.xml")), before);
+}
+
+void tst_xqosd_messages::editKeepsWhatItAccepts_data()
+{
+    QTest::addColumn<QString>("change");
+    QTest::addColumn<QString>("stored");
+    const auto row = [](const char *change, const char *stored) {
+        QTest::newRow(change) << QString::fromUtf8(change) << QString::fromUtf8(stored);
+    };
+    row("SPEED|unit=cm/s", "<UNIT>cm/s</UNIT>");
+    row("SPEED|unit=ft/s", "<UNIT>2</UNIT>");
+    row("SECTION_DISTANCE_COUNTER|unit=m[.x]", "<UNIT>m[.x]</UNIT>");
+    row("VIDEO_TIME_COUNTER|unit=h:mm:ss", "<UNIT>h:mm:ss</UNIT>");
+    row("OBS_OpCode|timeout=11", "<TIMEOUT>11</TIMEOUT>");
+    row("SPEED|row=17", "<ROW>17</ROW>");
+    row("SPEED|captionVisible=false", "<SHOWCAPTION>false</SHOWCAPTION>");
+}
+
+/// The file has it, and the check has nothing against it.
+void tst_xqosd_messages::editKeepsWhatItAccepts()
+{
+    QFETCH(QString, change);
+    QFETCH(QString, stored);
+    QCOMPARE(runHere(words("profiles|clone|Sewer inspection|Mine")).status, 0);
+    const Outcome outcome
+        = runHere({QStringLiteral("edit"), QStringLiteral("--profile"), QStringLiteral("Mine"),
+                   QStringLiteral("--element"), change.section(QLatin1Char('|'), 0, 0),
+                   QStringLiteral("--set"), change.section(QLatin1Char('|'), 1)});
+    QCOMPARE(outcome.err, QStringList());
+    QCOMPARE(outcome.status, 0);
+    QVERIFY(read(QStringLiteral("settings/osd/Mine.xml")).contains(stored.toUtf8()));
+    const QStringList findings = run(words("check|settings/osd/Mine.xml")).out;
+    QCOMPARE(findings.filter(QStringLiteral("UNIT")), QStringList());
+}
+
+/// A column may be shown twice; what only one of the texts keeps is set of that one.
+void tst_xqosd_messages::editOfTwoKinds()
+{
+    QVERIFY(QDir().mkpath(path(QStringLiteral("settings/osd"))));
+    const QByteArray values = "<COL_Bound_Column>OBJ_Key</COL_Bound_Column>"
+                              "<TDIR_Key>SECTION</TDIR_Key><TIMEOUT>3</TIMEOUT>";
+    write(QStringLiteral("settings/osd/Two.xml"),
+          "<PROFILE name=\"Two\"><INSPTEXT>" + values + "</INSPTEXT><INSPSTATICTEXT>" + values
+              + "</INSPSTATICTEXT></PROFILE>");
+    const Outcome outcome
+        = runHere(words("edit|--profile|Two|--element|OBJ_Key|--set|timeout=7|--set|row=4"));
+    QCOMPARE(outcome.err, QStringList());
+    const QByteArray stored = read(QStringLiteral("settings/osd/Two.xml"));
+    QCOMPARE(stored.count("<ROW>4</ROW>"), 2);
+    QCOMPARE(stored.count("<TIMEOUT>7</TIMEOUT>"), 1);
 }
 
 void tst_xqosd_messages::namesAreRefusedWithAReason_data()

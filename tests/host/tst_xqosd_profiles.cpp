@@ -260,13 +260,15 @@ void tst_xqosd_profiles::editRefuses_data()
     row("--profile|Lean|--set|row=1", 2, "Either --element NAME or --add-text TEXT is needed");
     row("--profile|Lean|--element|SPEED", 2, "--set PROPERTY=VALUE is missing");
     row("--profile|Lean|--element|SPEED|--set|row", 2, "--set: \"row\" is not PROPERTY=VALUE");
-    row("--profile|Lean|--element|SPEED|--set|row=x", 1, "--set: row: \"x\" is not a value of it");
+    row("--profile|Lean|--element|SPEED|--set|row=x", 1,
+        "--set: row: \"x\" is not a whole number from 0 to 26");
     row("--profile|Lean|--element|SPEED|--set|enabled=1", 1,
-        "--set: enabled: \"1\" is not a value of it");
+        "--set: enabled: \"1\" is not true or false");
     row("--profile|Lean|--element|SPEED|--set|textColor=bluish", 1,
-        "--set: textColor: \"bluish\" is not a value of it");
+        "--set: textColor: \"bluish\" is not a colour: #rrggbb, #aarrggbb or its name");
     row("--profile|Lean|--element|SPEED|--set|id=7", 1,
-        "--set: this element has no property \"id\"");
+        "--set: a profile keeps no \"id\" of this element, but row, column, enabled, "
+        "captionVisible, unit, textColor, backgroundColor");
     row("--profile|Lean|--element|DATE|--set|row=1", 1, "Lean: has no element \"DATE\"");
     row("--profile|Halvo push camera system - default|--element|DATE|--set|row=1", 1,
         "Halvo push camera system - default: is read-only; clone it and edit the copy");
