@@ -11,6 +11,10 @@
 #include <videooverlay/models/VideoOverlayProfilesModel.h>
 
 #include <QColor>
+#include <QFileInfo>
+
+#include <algorithm>
+#include <iterator>
 
 namespace Velmar::Host {
 
@@ -20,17 +24,28 @@ namespace {
 
 constexpr QSize PictureSize {1920, 1080}; // the size that layouts are made for
 
-/// The elements that show the value or column @p name, or a fixed text that is @p name.
+bool isNamed(const CVideoOverlayElement &element, const QString &name)
+{
+    const ElementParam record = element.getParamObject();
+    switch (element.type()) {
+    case CVideoOverlayElement::FreePicture:
+        return QFileInfo(record.value(QStringLiteral("imagePath")).toString()).fileName() == name;
+    case CVideoOverlayElement::FreeText:
+        return name == ElementParam::NAME_OSD_FREE_TEXT_BOX;
+    default:
+        return record.value(ElementParam::NAME_COLUMNBOUND).toString() == name
+            || record.value(QStringLiteral("text")).toString() == name;
+    }
+}
+
+/// The elements that show the value or column @p name, a fixed text that is @p name, or a picture
+/// of a file of that name.
 QList<CVideoOverlayElement *> elementsNamed(const OverlaySession &session, const QString &name)
 {
     QList<CVideoOverlayElement *> found;
     const QList<CVideoOverlayElement *> elements = session.manager().getElementList();
-    for (CVideoOverlayElement *element : elements) {
-        const ElementParam record = element->getParamObject();
-        if (record.value(ElementParam::NAME_COLUMNBOUND).toString() == name
-            || record.value(QStringLiteral("text")).toString() == name)
-            found.append(element);
-    }
+    std::copy_if(elements.begin(), elements.end(), std::back_inserter(found),
+                 [&](const CVideoOverlayElement *element) { return isNamed(*element, name); });
     return found;
 }
 

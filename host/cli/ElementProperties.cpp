@@ -4,6 +4,7 @@
 #include "host/check/ElementRules.h"
 #include "host/cli/UserChoices.h"
 #include "host/feed/SystemValues.h"
+#include "host/profiles/KeptProperties.h"
 
 #include <videooverlay/elements/CVideoOverlayElement.h>
 #include <videooverlay/elements/ElementParam.h>
@@ -22,7 +23,6 @@ namespace Velmar::Host {
 
 using VideoOverlay::CVideoOverlayElement;
 using VideoOverlay::ElementParam;
-using Type = CVideoOverlayElement::Type;
 
 namespace {
 
@@ -34,18 +34,6 @@ constexpr double LargestScale = 100;
 QString boundTo(const CVideoOverlayElement &element)
 {
     return element.getParamObject().value(ElementParam::NAME_COLUMNBOUND).toString();
-}
-
-bool isOf(const CVideoOverlayElement &element, std::initializer_list<Type> types)
-{
-    return std::find(types.begin(), types.end(), element.type()) != types.end();
-}
-
-bool isText(const CVideoOverlayElement &element)
-{
-    return isOf(
-        element,
-        {Type::StaticText, Type::SystemText, Type::InspText, Type::FreeText, Type::InspStaticText});
 }
 
 /// A value as the property wants it; empty, and what it must be in @p expected, for another text.
@@ -140,85 +128,43 @@ std::optional<QVariant> readUnit(const CVideoOverlayElement &element, const QStr
     return std::nullopt;
 }
 
-bool hasUnit(const CVideoOverlayElement &element)
-{
-    const SystemValue *value = SystemValues::find(boundTo(element));
-    return element.type() == Type::SystemText && value
-        && value->quantity != SystemValue::Quantity::Text;
-}
-
 struct Property
 {
     const char *name;
-    bool (*isStored)(const CVideoOverlayElement &element);
     Reader read;
 };
 
-const Property properties[] = {
-    {"row", [](const CVideoOverlayElement &) { return true; }, readRow},
-    {"column", [](const CVideoOverlayElement &) { return true; }, readColumn},
-    {"enabled", [](const CVideoOverlayElement &) { return true; }, readSwitch},
-    {"captionVisible",
-     [](const CVideoOverlayElement &element) {
-         return isOf(element, {Type::SystemText, Type::InspText, Type::InspStaticText});
-     },
-     readSwitch},
-    {"unit", hasUnit, readUnit},
-    {"timeout",
-     [](const CVideoOverlayElement &element) {
-         return isOf(element, {Type::InspText, Type::FreeText});
-     },
-     readTimeout},
-    {"maxlinenumber",
-     [](const CVideoOverlayElement &element) { return element.type() == Type::FreeText; },
-     readLines},
-    {"text",
-     [](const CVideoOverlayElement &element) {
-         return element.type() == Type::StaticText && boundTo(element).isEmpty();
-     },
-     readText},
-    {"textColor", isText, readColor},
-    {"backgroundColor", isText, readColor},
-    {"scaleFactor",
-     [](const CVideoOverlayElement &element) { return element.type() == Type::FreePicture; },
-     readScale},
-    {"imageSrc",
-     [](const CVideoOverlayElement &element) {
-         return element.type() == Type::FreePicture
-             && !element.getParamObject().value(QStringLiteral("screenSnip")).toBool();
-     },
-     readPicture},
+constexpr Property properties[] = {
+    {"row", readRow},
+    {"column", readColumn},
+    {"enabled", readSwitch},
+    {"captionVisible", readSwitch},
+    {"unit", readUnit},
+    {"timeout", readTimeout},
+    {"maxlinenumber", readLines},
+    {"text", readText},
+    {"textColor", readColor},
+    {"backgroundColor", readColor},
+    {"scaleFactor", readScale},
+    {"imageSrc", readPicture},
 };
-
-QStringList propertiesOf(const QList<CVideoOverlayElement *> &elements)
-{
-    QStringList names;
-    for (const Property &property : properties) {
-        if (std::any_of(elements.begin(), elements.end(), [&](const CVideoOverlayElement *element) {
-                return property.isStored(*element);
-            }))
-            names.append(QString::fromLatin1(property.name));
-    }
-    return names;
-}
 
 } // namespace
 
 bool setElementProperty(const QList<CVideoOverlayElement *> &elements, const QString &property,
                         const QString &text, QString *error)
 {
-    const QStringList stored = propertiesOf(elements);
-    if (!stored.contains(property)) {
-        *error = QStringLiteral("--set: a profile keeps no \"%1\" of this element, but %2")
-                     .arg(property, stored.join(QStringLiteral(", ")));
-        return false;
-    }
     const auto known = std::find_if(
         std::begin(properties), std::end(properties),
         [&](const Property &candidate) { return property == QLatin1String(candidate.name); });
+    QStringList others;
+    bool isKept = false;
     for (CVideoOverlayElement *element : elements) {
-        if (!known->isStored(*element))
+        const QStringList kept = keptProperties(*element);
+        others += kept;
+        if (known == std::end(properties) || !kept.contains(property))
             continue;
+        isKept = true;
         QString expected;
         const std::optional<QVariant> value = known->read(*element, text, &expected);
         if (!value || !element->setProperty(known->name, *value)) {
@@ -226,7 +172,11 @@ bool setElementProperty(const QList<CVideoOverlayElement *> &elements, const QSt
             return false;
         }
     }
-    return true;
+    others.removeDuplicates();
+    if (!isKept)
+        *error = QStringLiteral("--set: a profile keeps no \"%1\" of this element, but %2")
+                     .arg(property, others.join(QStringLiteral(", ")));
+    return isKept;
 }
 
 } // namespace Velmar::Host

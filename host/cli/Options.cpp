@@ -422,7 +422,9 @@ bool parseEdit(const QStringList &arguments, Options *options, QString *error)
 {
     CommandParser parser(QStringLiteral("Changes elements of an OSD profile and saves it."));
     parser.add("profile", "NAME", "The profile.");
-    parser.add("element", "NAME", "What the elements show: a value, a column, or their text.");
+    parser.add(
+        "element", "NAME",
+        "What the elements show: a value, a column, their text, or the name of a picture file.");
     parser.add("add-text", "TEXT", "Adds a text instead.");
     parser.add("set", "PROPERTY=VALUE",
                "A change: row, column, enabled, captionVisible, unit, timeout, text, textColor, "

@@ -2,6 +2,7 @@
 #include "host/qml/EditorController.h"
 
 #include "host/feed/SystemValues.h"
+#include "host/profiles/KeptProperties.h"
 #include "host/qml/LiveOverlay.h"
 #include "host/qml/Messages.h"
 #include "host/qml/UiTexts.h"
@@ -194,6 +195,11 @@ bool EditorController::selectedHasOwnText() const
 bool EditorController::selectedIsFreeText() const
 {
     return m_selected && m_selected->type() == Element::FreeText;
+}
+
+QStringList EditorController::selectedKeeps() const
+{
+    return m_selected ? keptProperties(*m_selected) : QStringList();
 }
 
 QString EditorController::selectedName() const

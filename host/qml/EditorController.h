@@ -45,6 +45,7 @@ class EditorController : public QObject
     Q_PROPERTY(bool selectedIsPicture READ selectedIsPicture NOTIFY selectionChanged)
     Q_PROPERTY(bool selectedHasOwnText READ selectedHasOwnText NOTIFY selectionChanged)
     Q_PROPERTY(bool selectedIsFreeText READ selectedIsFreeText NOTIFY selectionChanged)
+    Q_PROPERTY(QStringList selectedKeeps READ selectedKeeps NOTIFY selectionChanged)
     Q_PROPERTY(QString selectedName READ selectedName NOTIFY selectedNameChanged)
     Q_PROPERTY(bool canDelete READ canDelete NOTIFY selectionChanged)
     Q_PROPERTY(QStringList unitChoices READ unitChoices NOTIFY selectionChanged)
@@ -72,6 +73,7 @@ public:
     bool selectedIsPicture() const;
     bool selectedHasOwnText() const; ///< typed by the operator, not taken from a value
     bool selectedIsFreeText() const;
+    QStringList selectedKeeps() const; ///< the properties that a profile keeps of it
     QString selectedName() const;
     bool canDelete() const;          ///< what the operator could add again
     QStringList unitChoices() const; ///< empty for what has no unit

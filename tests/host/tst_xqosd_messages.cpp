@@ -218,6 +218,10 @@ void tst_xqosd_messages::editKeepsWhatItAccepts_data()
     row("VIDEO_TIME_COUNTER|unit=h:mm:ss", "<UNIT>h:mm:ss</UNIT>");
     row("OBS_OpCode|timeout=11", "<TIMEOUT>11</TIMEOUT>");
     row("SPEED|row=17", "<ROW>17</ROW>");
+    row("OSD_FREE_TEXT_BOX|timeout=12", "<TIMEOUT>12</TIMEOUT>");
+    row("OSD_FREE_TEXT_BOX|maxlinenumber=2", "<DEFAULT_LINE_NUMBER>2</DEFAULT_LINE_NUMBER>");
+    row("watermark.png|scaleFactor=0.3", "<SCALE>0.3</SCALE>");
+    row("Halvo inspection|text=Trial", "<TEXT>Trial</TEXT>");
     row("SPEED|captionVisible=false", "<SHOWCAPTION>false</SHOWCAPTION>");
 }
 
@@ -226,7 +230,12 @@ void tst_xqosd_messages::editKeepsWhatItAccepts()
 {
     QFETCH(QString, change);
     QFETCH(QString, stored);
-    QCOMPARE(runHere(words("profiles|clone|Sewer inspection|Mine")).status, 0);
+    const bool isLive = change.startsWith(QLatin1String("SPEED"))
+        || change.startsWith(QLatin1String("VIDEO_TIME"));
+    QCOMPARE(runHere(words(isLive ? "profiles|clone|Sewer inspection|Mine"
+                                  : "profiles|clone|Pictures and notes|Mine"))
+                 .status,
+             0);
     const Outcome outcome
         = runHere({QStringLiteral("edit"), QStringLiteral("--profile"), QStringLiteral("Mine"),
                    QStringLiteral("--element"), change.section(QLatin1Char('|'), 0, 0),

@@ -1316,11 +1316,16 @@ void tst_LiveApplication::neverHides()
     QVERIFY(m_robot.click(QStringLiteral("navEditor")));
     m_live->editor().select(manager().rowIndexByID(elementOf(ElementParam::NAME_SPEED)->id()));
     QVERIFY(m_robot.click(QStringLiteral("panel1")));
-    const QQuickItem *row = m_robot.find(QStringLiteral("propertyTimeout"));
+    QVERIFY(m_robot.await(QStringLiteral("propertyCaption")));
+    QVERIFY(!m_robot.find(QStringLiteral("propertyTimeout"))); // no profile would keep it
+
+    const CVideoOverlayElement *text = elementOf(QStringLiteral("OBS_Observation"));
+    m_live->editor().select(manager().rowIndexByID(text->id()));
+    const QQuickItem *row = m_robot.await(QStringLiteral("propertyTimeout"));
     QVERIFY(row);
-    QCOMPARE(row->property("label").toString(), QStringLiteral("Never hide"));
-    QVERIFY(m_robot.click(QStringLiteral("propertyTimeoutMore")));
-    QTRY_COMPARE(row->property("label").toString(), QStringLiteral("Hide after"));
+    QCOMPARE(row->property("label").toString(), QStringLiteral("Hide after"));
+    QVERIFY(m_robot.click(QStringLiteral("propertyTimeoutLess")));
+    QTRY_COMPARE(row->property("label").toString(), QStringLiteral("Never hide"));
     m_live->editor().revert();
 }
 
