@@ -396,7 +396,7 @@ bool parseSnapshot(const QStringList &arguments, Options *options, QString *erro
 bool parseProject(const QStringList &arguments, Options *options, QString *error)
 {
     CommandParser parser(QStringLiteral("Lists the inspections of a project file."));
-    parser.add("file", "FILE", "The project.");
+    parser.add("file", "FILE", "The project; the touch screens list *.xqproject.");
     parser.addFlag("create-demo", "Makes it first, with the records of the demonstration.");
     parser.add("catalog", "ID", "Catalog of the new project.");
     parser.add("log", "FILE", "Writes the log there.");

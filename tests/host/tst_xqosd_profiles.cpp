@@ -178,7 +178,7 @@ void tst_xqosd_profiles::checkTellsFileLineAndColumn()
 void tst_xqosd_profiles::editedProfileIsOnThePicture()
 {
     const QString settings = path(QStringLiteral("settings"));
-    const QString project = path(QStringLiteral("demo.xqproj"));
+    const QString project = path(QStringLiteral("demo.xqproject"));
     QCOMPARE(run({QStringLiteral("project"), QStringLiteral("--file"), project,
                   QStringLiteral("--create-demo")})
                  .status,
@@ -292,7 +292,7 @@ void tst_xqosd_profiles::editRefuses()
 
 void tst_xqosd_profiles::projectIsMadeAndListed()
 {
-    const QString project = path(QStringLiteral("p.xqproj"));
+    const QString project = path(QStringLiteral("p.xqproject"));
     const QStringList list {QStringLiteral("project"), QStringLiteral("--file"), project};
     const QStringList inspections {
         QStringLiteral("  inspection 1: 2026-03-09 08:05:30, 4711-4712"),
