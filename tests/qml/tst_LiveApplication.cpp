@@ -161,6 +161,7 @@ private Q_SLOTS:
     void noInspectionIsTold();
     void undoByKeys();
     void picturesOfAFolderThatIsNotThere();
+    void pictureFolders();
     void longNamesDiffer();
     void renamedToItself();
     void questionAfterQuestion();
@@ -1467,6 +1468,39 @@ void tst_LiveApplication::picturesOfAFolderThatIsNotThere()
     QVERIFY(m_robot.click(QStringLiteral("addPicture")));
     QVERIFY(m_robot.await(QStringLiteral("picturesettings"))); // a folder beside
     QCOMPARE(m_robot.text(QStringLiteral("pictureFolder")), m_root->path());
+}
+
+/// What is chosen from stays where it is, whatever folder is looked into.
+void tst_LiveApplication::pictureFolders()
+{
+    const QString folder = m_root->filePath(QStringLiteral("pictures"));
+    const QString deep = folder + QStringLiteral("/of the inspections of this year");
+    QVERIFY(QDir().mkpath(deep));
+    QImage picture(64, 48, QImage::Format_RGB32);
+    picture.fill(Qt::red);
+    QVERIFY(picture.save(folder + QStringLiteral("/a.png")));
+    QVERIFY(picture.save(deep + QStringLiteral("/b.png")));
+    restart([&](LiveApplication::Setup &setup) { setup.pictureDirectory = folder; });
+    QVERIFY(m_robot.click(QStringLiteral("navEditor")));
+    QVERIFY(m_robot.click(QStringLiteral("addPicture")));
+    const auto places = [this] {
+        QVector<QRectF> all;
+        for (const char *name : {"pictureUp", "pictureList", "picturePreview", "pictureAdd"}) {
+            const QQuickItem *item = m_robot.find(QString::fromLatin1(name));
+            if (item)
+                all.append(item->mapRectToScene(QRectF(0, 0, item->width(), item->height())));
+        }
+        return all;
+    };
+    QVERIFY(m_robot.click(QStringLiteral("picturea.png"))); // when nothing moves any more
+    const QVector<QRectF> before = places();
+    QCOMPARE(before.size(), 4);
+    QVERIFY(m_robot.click(QStringLiteral("pictureof the inspections of this year")));
+    QVERIFY(m_robot.click(QStringLiteral("pictureb.png")));
+    QCOMPARE(places(), before);
+    QVERIFY(m_robot.click(QStringLiteral("pictureUp")));
+    QVERIFY(m_robot.click(QStringLiteral("picturea.png")));
+    QCOMPARE(places(), before);
 }
 
 void tst_LiveApplication::longNamesDiffer()
