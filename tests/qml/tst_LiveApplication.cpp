@@ -141,6 +141,7 @@ private Q_SLOTS:
     void overlayOff();
     void resizesPicture_data();
     void resizesPicture();
+    void quickTouchesOfAnArrow();
     void heldArrowIsOneStep();
     void textOfSeveralLines();
     void liveInput();
@@ -987,6 +988,33 @@ void tst_LiveApplication::resizesPicture()
     editor.select(manager().rowIndexByID(elementOf(ElementParam::NAME_SPEED)->id()));
     QVERIFY(m_robot.awaitGone(QStringLiteral("resizeHandle")));
     editor.revert();
+}
+
+/// Each one moves, whether by finger or by mouse, and each is a step to undo.
+void tst_LiveApplication::quickTouchesOfAnArrow()
+{
+    QVERIFY(select(QStringLiteral("Bench")));
+    QVERIFY(m_robot.click(QStringLiteral("navEditor")));
+    const CVideoOverlayElement *speed = elementOf(ElementParam::NAME_SPEED);
+    m_live->editor().select(manager().rowIndexByID(speed->id()));
+    QVERIFY(m_robot.click(QStringLiteral("arrowRight"))); // nothing moves on the screen any more
+    QCOMPARE(speed->column(), 11);
+    QVERIFY(m_robot.tap(QStringLiteral("arrowRight"), 3));
+    QCOMPARE(speed->column(), 14);
+    const auto twice = [this](const char *name) { // presses, releases, presses again, releases
+        const QQuickItem *item = m_robot.find(QString::fromLatin1(name));
+        const QPointF centre(item->width() / 2, item->height() / 2);
+        QTest::mouseDClick(m_live->window(), Qt::LeftButton, Qt::NoModifier,
+                           item->mapToScene(centre).toPoint());
+    };
+    twice("arrowRight");
+    QCOMPARE(speed->column(), 16);
+    twice("undo");
+    QCOMPARE(speed->column(), 14);
+    twice("redo");
+    QCOMPARE(speed->column(), 16);
+    twice("arrowDown");
+    QCOMPARE(speed->row(), 22);
 }
 
 void tst_LiveApplication::heldArrowIsOneStep()
