@@ -5,6 +5,7 @@
 #include "host/display/GridFit.h"
 #include "host/feed/SystemValues.h"
 #include "host/platform/CatalogStore.h"
+#include "host/profiles/ProfileNames.h"
 
 #include <videooverlay/display/CVideoOverlayManager.h>
 #include <videooverlay/elements/CVideoOverlayImage.h>
@@ -180,13 +181,12 @@ bool OverlaySession::openProfiles(const QString &profile, QString *error)
         *error = QStringLiteral("There is no profile to start with");
         return false;
     }
+    const int row = profileRow(*m_profiles, profile);
+    if (row >= 0)
+        return m_profiles->setCurrentProfileByIndex(row);
     QStringList captions;
-    for (int row = 0; row < m_profiles->rowCount(); ++row) {
-        auto *candidate = m_profiles->data(m_profiles->index(row)).value<Profile *>();
-        if (candidate->caption() == profile || candidate->path() == profile)
-            return m_profiles->setCurrentProfile(candidate);
-        captions.append(candidate->caption());
-    }
+    for (int other = 0; other < m_profiles->rowCount(); ++other)
+        captions.append(m_profiles->data(m_profiles->index(other)).value<Profile *>()->caption());
     *error = QStringLiteral("There is no profile \"%1\"; there are: %2")
                  .arg(profile, captions.join(QStringLiteral(", ")));
     return false;
@@ -452,7 +452,7 @@ void OverlaySession::observe(qint64 timeMs)
         = m_telemetry.interpolated(ElementParam::NAME_SECTION_DISTANCE_COUNTER, m_observationMs);
     if (m_start.isValid())
         observation->time = m_start.addMSecs(m_observationMs).time();
-    const bool created = m_project.createObservation(*observation) != nullptr;
+    const bool created = m_project.repeatObservation(*observation) != nullptr;
     if (m_clock == Clock::Video)
         expire(m_observationMs); // counts from its own time, even when that is long past
     if (!created)

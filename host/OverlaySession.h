@@ -68,7 +68,7 @@ public:
     void resize(QSize imageSize);
 
     /// From now on the elements are those of the current profile, which is the one called
-    /// @p profile (or with that path; the stored start-up profile for an empty text) and then
+    /// @p profile (or has that path; the stored start-up profile for an empty text) and then
     /// whatever profiles() selects. False, and a text in @p error, when there is no such profile.
     bool openProfiles(const QString &profile, QString *error);
     /// Null before openProfiles().

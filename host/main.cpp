@@ -23,6 +23,7 @@
 
 #include <algorithm>
 #include <csignal>
+#include <cstdlib>
 #include <cstring>
 #include <memory>
 
@@ -31,12 +32,37 @@ using namespace Velmar::Host;
 
 namespace {
 
+/// Qt would end the program with a core dump: no display, no OpenGL. One line and a status, unless
+/// it is a mistake of our own that a core dump helps to find.
+void endOnFatal(QtMsgType type, const QString &text)
+{
+    if (type != QtFatalMsg || text.startsWith(QLatin1String("ASSERT")))
+        return;
+    reportError(text.trimmed());
+    std::_Exit(FailureStatus);
+}
+
 /// Qt's own remarks belong into the log, not between the lines of a command.
 void logQtMessage(QtMsgType type, const QMessageLogContext &, const QString &text)
 {
+    endOnFatal(type, QStringLiteral("Qt: ") + text);
     const bool severe = type == QtCriticalMsg || type == QtFatalMsg;
     Logging::CLogger::logMessage(severe ? Logging::LogLevel::Error : Logging::LogLevel::Info,
                                  QStringLiteral("Qt"), text);
+}
+
+/// Before there is an application: its reasons come first, and then that it is over.
+void startMessage(QtMsgType type, const QMessageLogContext &context, const QString &text)
+{
+    static QString problem;
+    const bool isAboutPlugins = text.contains(QLatin1String("platform plugin"));
+    if (type == QtFatalMsg)
+        endOnFatal(type,
+                   QStringLiteral("There is no display: ") + (problem.isEmpty() ? text : problem));
+    else if (text.startsWith(QLatin1String("QStandardPaths")))
+        logQtMessage(type, context, text); // of no importance here
+    else if (problem.isEmpty() || !isAboutPlugins)
+        problem = text;
 }
 
 bool setUpLog(const Options &options, QString *error)
@@ -67,9 +93,14 @@ bool choosePlatform(int argc, char **argv)
 {
     if (hasArgument(argc, argv, "--keyboard"))
         qputenv("QT_IM_MODULE", "qtvirtualkeyboard");
-    if (!qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
-        return true;
     const bool isLive = argc > 1 && std::strcmp(argv[1], "live") == 0;
+    const QByteArray wanted = qgetenv("QT_QPA_PLATFORM");
+    if (!wanted.isEmpty()) {
+        if (isLive && wanted.startsWith("offscreen")
+            && !qEnvironmentVariableIsSet("QT_QUICK_BACKEND"))
+            qputenv("QT_QUICK_BACKEND", "software"); // there is no OpenGL
+        return true;
+    }
     const bool showsWindow = isLive && !hasArgument(argc, argv, "--screenshots")
         && !hasArgument(argc, argv, "--help") && !hasArgument(argc, argv, "-h");
     if (showsWindow)
@@ -108,12 +139,13 @@ bool needsProfiles(const Options &options)
 
 int main(int argc, char **argv)
 {
-    qInstallMessageHandler(logQtMessage);
+    qInstallMessageHandler(startMessage);
     std::signal(SIGXFSZ, SIG_IGN); // a file that may not grow is an error, not the end
     if (!choosePlatform(argc, argv))
         return reportError(QStringLiteral("live: there is no display. Set DISPLAY, WAYLAND_DISPLAY "
                                           "or QT_QPA_PLATFORM"));
     QGuiApplication application(argc, argv);
+    qInstallMessageHandler(logQtMessage);
     QGuiApplication::setApplicationName(QStringLiteral("xqosd"));
     // Written files are UTF-8, whatever the environment says.
     QTextCodec::setCodecForLocale(QTextCodec::codecForName("UTF-8"));
@@ -131,6 +163,9 @@ int main(int argc, char **argv)
     if (!setUpLog(options, &error))
         return reportError(error);
 
+    const QString warning = options.choices.languageWarning();
+    if (!warning.isEmpty() && !options.quiet)
+        reportWarning(warning);
     options.choices.apply();
     if (needsProfiles(options)
         && !prepareProfiles(QDir(CApplicationDirectories::readonlyConfigDirectory())

@@ -2,11 +2,12 @@
 #include "host/check/ProfileCheck.h"
 
 #include "host/check/MarkupTree.h"
+#include "host/check/ProfileTags.h"
 
 #include <QColor>
+#include <QDir>
 #include <QFileInfo>
 #include <QImageReader>
-#include <QRect>
 #include <QStringList>
 
 #include <algorithm>
@@ -14,130 +15,25 @@
 
 namespace Velmar::Host {
 
+using VideoOverlay::ElementParam;
+using Coding = ProfileTag::Coding;
+using Fault = ElementFault::Kind;
+
 namespace {
 
-enum class Coding {
-    Text,
-    Integer,
-    Number,
-    Switch,
-    Color,
-    Unit,
-    List,
-};
-
-struct Tag
-{
-    const char *name;
-    Coding coding;
-};
-
-struct Kind
-{
-    const char *name;
-    std::vector<Tag> tags;
-};
-
-const std::vector<Kind> &kinds()
-{
-    static const std::vector<Tag> inspectionText {
-        {"COL_Bound_Column", Coding::Text}, {"TDIR_Key", Coding::Text},
-        {"CAPTION", Coding::Text},          {"ROW", Coding::Integer},
-        {"COL", Coding::Integer},           {"BGCOLOR", Coding::Color},
-        {"FGCOLOR", Coding::Color},         {"VISIBLE", Coding::Switch},
-        {"SOURCE", Coding::Text},           {"WIDTH", Coding::Integer},
-        {"HEIGHT", Coding::Integer},        {"TIMEOUT", Coding::Integer},
-        {"SHOWCAPTION", Coding::Switch},
-    };
-    static const std::vector<Kind> all {
-        {"STATICTEXT",
-         {{"STATIC_ID", Coding::Integer},
-          {"CANDELETE", Coding::Switch},
-          {"TEXT", Coding::Text},
-          {"ROW", Coding::Integer},
-          {"COL", Coding::Integer},
-          {"BGCOLOR", Coding::Color},
-          {"FGCOLOR", Coding::Color},
-          {"VISIBLE", Coding::Switch},
-          {"COL_Bound_Column", Coding::Text},
-          {"CAPTION", Coding::Text}}},
-        {"SYSTEMTEXT",
-         {{"COL_Bound_Column", Coding::Text},
-          {"CAPTION", Coding::Text},
-          {"ROW", Coding::Integer},
-          {"COL", Coding::Integer},
-          {"BGCOLOR", Coding::Color},
-          {"FGCOLOR", Coding::Color},
-          {"VISIBLE", Coding::Switch},
-          {"SOURCE", Coding::Text},
-          {"SHOWCAPTION", Coding::Switch},
-          {"UNIT", Coding::Unit},
-          {"WIDTH", Coding::Integer},
-          {"HEIGHT", Coding::Integer},
-          {"ALIGN", Coding::Text}}},
-        {"INSPTEXT", inspectionText},
-        {"INSPSTATICTEXT", inspectionText},
-        {"IMAGE",
-         {{"ROW", Coding::Integer},
-          {"COL", Coding::Integer},
-          {"VISIBLE", Coding::Switch},
-          {"PATH", Coding::Text},
-          {"SCALE", Coding::Number},
-          {"SCREENSNIP", Coding::Switch},
-          {"CAPTION", Coding::Text}}},
-        {"FREETEXT",
-         {{"ROW", Coding::Integer},
-          {"COL", Coding::Integer},
-          {"BGCOLOR", Coding::Color},
-          {"FGCOLOR", Coding::Color},
-          {"VISIBLE", Coding::Switch},
-          {"WIDTH", Coding::Integer},
-          {"HEIGHT", Coding::Integer},
-          {"TIMEOUT", Coding::Integer},
-          {"DEFAULT_LINE_NUMBER", Coding::Integer},
-          {"FAVORITES", Coding::List}}},
-        {"GENERAL",
-         {{"GLOBAL_TRANSPARENCY", Coding::Integer},
-          {"ANALOG_VIDEO", Coding::Switch},
-          {"KX70II_STATE", Coding::Switch},
-          {"KX70II_RowPercent", Coding::Integer},
-          {"KX70II_ColPercent", Coding::Integer},
-          {"KX70II_Units", Coding::Text}}},
-    };
-    return all;
-}
-
-const Kind *kindOf(const QString &name)
-{
-    const auto &all = kinds();
-    const auto found = std::find_if(all.cbegin(), all.cend(), [&](const Kind &kind) {
-        return name == QLatin1String(kind.name);
-    });
-    return found == all.cend() ? nullptr : &*found;
-}
-
-// Units have numbers in profiles, from 1 on.
-constexpr int LastUnit = 17;
 constexpr int MostFavouriteLines = 14;
-constexpr double MostCells = 1000000; ///< far beyond every grid
-// A value without a width of its own: "-1234.56 inch/min".
-constexpr int ValueWidth = 17;
 
-QString textOf(const MarkupNode &element, const char *tag)
+/// A text that is read as it says; "no" and "off" would be read as true.
+bool isSwitch(const QString &text)
 {
-    const MarkupNode *child = element.child(QString::fromLatin1(tag));
-    return child ? child->text : QString();
-}
-
-int numberOf(const MarkupNode &element, const char *tag)
-{
-    return textOf(element, tag).toInt();
-}
-
-bool isOn(const QString &text)
-{
-    return !text.isEmpty() && text != QLatin1String("0")
-        && text.compare(QLatin1String("false"), Qt::CaseInsensitive) != 0;
+    static const QStringList words {QString(),
+                                    QStringLiteral("0"),
+                                    QStringLiteral("1"),
+                                    QStringLiteral("true"),
+                                    QStringLiteral("on"),
+                                    QStringLiteral("false"),
+                                    QStringLiteral("yes")};
+    return words.contains(text, Qt::CaseInsensitive);
 }
 
 class Check
@@ -154,7 +50,7 @@ public:
         if (!tree.error.isEmpty())
             report(tree.errorPlace, tree.error);
         else if (const MarkupNode *profile = profileOf(tree.root))
-            checkElements(*profile);
+            checkProfile(*profile);
         std::stable_sort(m_findings.begin(), m_findings.end(),
                          [](const ProfileFinding &a, const ProfileFinding &b) {
                              return std::make_pair(a.line, a.column)
@@ -164,13 +60,6 @@ public:
     }
 
 private:
-    /// What an element covers of the grid, and what it is called in a finding.
-    struct Box
-    {
-        QRect cells;
-        QString name;
-    };
-
     void report(TextPlace place, const QString &reason)
     {
         m_findings.append({place.line, place.column, reason});
@@ -196,31 +85,29 @@ private:
         return nullptr;
     }
 
-    void checkElements(const MarkupNode &profile)
+    void checkProfile(const MarkupNode &profile)
     {
         for (const MarkupNode &element : profile.children) {
-            const Kind *kind = kindOf(element.name);
+            const ProfileKind *kind = ProfileKind::find(element.name);
             if (!kind) {
                 report(element.place, QStringLiteral("unknown element %1").arg(element.name));
                 continue;
             }
             checkTags(element, *kind);
-            if (element.name != QLatin1String("GENERAL")) {
-                checkBinding(element);
-                checkPlace(element);
-            }
+            if (element.name != QLatin1String("GENERAL"))
+                take(element, *kind);
         }
+        const QVector<ElementFault> faults = m_context.rules.check(m_elements);
+        for (const ElementFault &fault : faults)
+            report(fault);
     }
 
-    void checkTags(const MarkupNode &element, const Kind &kind)
+    void checkTags(const MarkupNode &element, const ProfileKind &kind)
     {
         QStringList seen;
         for (const MarkupNode &child : element.children) {
-            const auto tag
-                = std::find_if(kind.tags.cbegin(), kind.tags.cend(), [&](const Tag &tag) {
-                      return child.name == QLatin1String(tag.name);
-                  });
-            if (tag == kind.tags.cend())
+            const ProfileTag *tag = kind.tag(child.name);
+            if (!tag)
                 report(child.place,
                        QStringLiteral("unknown element %1 in %2").arg(child.name, element.name));
             else if (seen.contains(child.name))
@@ -242,6 +129,7 @@ private:
         bool ok = true;
         switch (coding) {
         case Coding::Text:
+        case Coding::Unit: // any text may be one; the rules know which
             return;
         case Coding::Integer:
             tag.text.toInt(&ok);
@@ -253,17 +141,12 @@ private:
                 unreadable("number");
             return;
         case Coding::Switch:
-            if (tag.text != QLatin1String("true") && tag.text != QLatin1String("false"))
+            if (!isSwitch(tag.text))
                 unreadable("switch (true or false)");
             return;
         case Coding::Color:
             if (!QColor(tag.text).isValid())
                 unreadable("colour");
-            return;
-        case Coding::Unit:
-            if (!tag.text.isEmpty()
-                && (tag.text.toInt(&ok) < 1 || tag.text.toInt() > LastUnit || !ok))
-                unreadable("unit number from 1 to 17");
             return;
         case Coding::List:
             checkFavourites(tag);
@@ -275,130 +158,126 @@ private:
     {
         for (const MarkupNode &text : favourites.children) {
             for (const MarkupNode &line : text.children) {
-                bool ok = false;
-                const int number = line.name.midRef(4).toInt(&ok);
-                if (!line.name.startsWith(QLatin1String("LINE")) || !ok || number < 1
-                    || number > MostFavouriteLines)
+                const int number = line.name.midRef(4).toInt();
+                if (number < 1 || number > MostFavouriteLines
+                    || line.name != QStringLiteral("LINE%1").arg(number))
                     report(line.place,
                            QStringLiteral("unknown element %1 in a favourite").arg(line.name));
             }
         }
     }
 
-    void checkBinding(const MarkupNode &element)
+    /// Notes an element for the rules.
+    void take(const MarkupNode &element, const ProfileKind &kind)
     {
-        const MarkupNode *bound = element.child(QStringLiteral("COL_Bound_Column"));
-        const QString name = bound ? bound->text : QString();
-        if (element.name == QLatin1String("SYSTEMTEXT")) {
-            if (m_context.knowsValue && !m_context.knowsValue(name))
-                report(bound ? bound->place : element.place,
-                       QStringLiteral("no system value is called \"%1\"").arg(name));
-        } else if (element.name.startsWith(QLatin1String("INSP"))) {
-            const QString table = textOf(element, "TDIR_Key");
-            const QString column = name.section(QLatin1Char('.'), -1);
-            if (m_context.knowsColumn && !m_context.knowsColumn(table, column))
-                report(bound ? bound->place : element.place,
-                       QStringLiteral("no catalog has a column \"%1\" in a table \"%2\"")
-                           .arg(column, table));
-        }
-    }
-
-    void checkPlace(const MarkupNode &element)
-    {
-        const QRect grid(0, 0, m_context.columns, m_context.rows);
-        const QPoint corner(numberOf(element, "COL"), numberOf(element, "ROW"));
-        const QRect cells(corner, sizeOf(element, corner.x()));
-        if (!grid.contains(corner)) {
-            report(element.place,
-                   QStringLiteral("%1 at row %2, column %3 is outside the grid of %4 rows and %5 "
-                                  "columns")
-                       .arg(element.name, QString::number(corner.y()), QString::number(corner.x()),
-                            QString::number(m_context.rows), QString::number(m_context.columns)));
-        } else if (!cells.isEmpty() && !grid.contains(cells)) {
-            report(element.place,
-                   QStringLiteral("%1 leaves the grid: it reaches row %2, column %3")
-                       .arg(element.name, QString::number(cells.bottom()),
-                            QString::number(cells.right())));
-        }
-        if (!cells.isEmpty() && isOn(textOf(element, "VISIBLE")))
-            checkOverlap(element, cells);
-    }
-
-    void checkOverlap(const MarkupNode &element, const QRect &cells)
-    {
-        for (const Box &box : qAsConst(m_boxes)) {
-            if (box.cells.intersects(cells))
-                report(element.place, QStringLiteral("%1 overlaps %2").arg(element.name, box.name));
-        }
-        m_boxes.append({cells,
-                        QStringLiteral("%1 of line %2")
-                            .arg(element.name, QString::number(element.place.line))});
-    }
-
-    /// [cells]; empty when it is not known.
-    QSize sizeOf(const MarkupNode &element, int column)
-    {
+        CheckedElement checked;
+        checked.record = kind.record(element);
+        checked.text = checked.record.value(QStringLiteral("text")).toString();
+        if (m_context.captionOf)
+            checked.caption = m_context.captionOf(
+                checked.record.value(QStringLiteral("TDIR_Key")).toString(),
+                checked.record.value(ElementParam::NAME_COLUMNBOUND).toString());
         if (element.name == QLatin1String("IMAGE"))
-            return pictureSize(element);
-        if (element.name == QLatin1String("STATICTEXT"))
-            return staticSize(element, column);
-        int width = numberOf(element, "WIDTH");
-        if (element.name == QLatin1String("SYSTEMTEXT") && width <= 0)
-            width = ValueWidth;
-        if (width <= 0)
-            return QSize();
-        if (isOn(textOf(element, "SHOWCAPTION")) && m_context.captionOf
-            && element.name == QLatin1String("SYSTEMTEXT"))
-            width += m_context.captionOf(textOf(element, "COL_Bound_Column")).size() + 2;
-        return QSize(width, std::max(1, numberOf(element, "HEIGHT")));
+            checked.size = pictureSize(element, checked.record);
+        m_elements.append(checked);
+        m_nodes.append(&element);
     }
 
-    QSize staticSize(const MarkupNode &element, int column) const
+    QSizeF pictureSize(const MarkupNode &element, const ElementParam &record)
     {
-        const QString text = textOf(element, "TEXT");
-        if (text.isEmpty())
-            return QSize();
-        const int room = std::max(1, m_context.columns - column);
-        QSize size;
-        const QStringList paragraphs = text.split(QLatin1Char('\n'));
-        for (const QString &paragraph : paragraphs) {
-            size.rwidth() = std::max(size.width(), std::min(paragraph.size(), room));
-            size.rheight()
-                = std::max(size.height(), 0) + std::max(1, (paragraph.size() + room - 1) / room);
-        }
-        return size;
-    }
-
-    QSize pictureSize(const MarkupNode &element)
-    {
+        if (record.value(QStringLiteral("screenSnip")).toBool())
+            return {}; // comes with the running program
         const MarkupNode *path = element.child(QStringLiteral("PATH"));
-        if (isOn(textOf(element, "SCREENSNIP")))
-            return QSize(); // comes with the running program
-        const QString file = path ? path->text : QString();
+        const QString named = path ? path->text : QString();
         const TextPlace place = path ? path->place : element.place;
-        if (!QFileInfo::exists(file)) {
-            report(place, QStringLiteral("there is no picture \"%1\"").arg(file));
-            return QSize();
+        const QString file = QDir::isRelativePath(named) && !named.isEmpty()
+            ? QDir(m_context.directory).filePath(named)
+            : named;
+        const bool leadsNowhere = QDir::isRelativePath(named) && m_context.directory.isEmpty();
+        if (leadsNowhere || !QFileInfo(file).isFile()) {
+            report(place, QStringLiteral("there is no picture \"%1\"").arg(named));
+            return {};
         }
         const QSize pixels = QImageReader(file).size();
         if (pixels.isEmpty()) {
-            report(place, QStringLiteral("\"%1\" cannot be read as a picture").arg(file));
-            return QSize();
+            report(place, QStringLiteral("\"%1\" cannot be read as a picture").arg(named));
+            return {};
         }
         if (m_context.cell.isEmpty())
-            return QSize();
-        const double scale = textOf(element, "SCALE").toDouble();
-        const auto cells = [scale](int length, double cell) {
-            const double count = std::ceil(length * scale / cell);
-            return count > 0 ? int(std::min(count, MostCells)) : 0; // a scale may be any number
-        };
-        return QSize(cells(pixels.width(), m_context.cell.width()),
-                     cells(pixels.height(), m_context.cell.height()));
+            return {};
+        const double scale = record.value(QStringLiteral("scale")).toDouble();
+        return QSizeF(pixels.width() * scale / m_context.cell.width(),
+                      pixels.height() * scale / m_context.cell.height());
+    }
+
+    void report(const ElementFault &fault)
+    {
+        const MarkupNode &element = *m_nodes.at(fault.element);
+        const ProfileKind &kind = *ProfileKind::find(element.name);
+        const MarkupNode *tag = element.child(QString::fromLatin1(kind.tagOf(fault.key)));
+        report(tag ? tag->place : element.place,
+               reasonOf(fault, element.name, tag ? tag->text : QString()));
+    }
+
+    QString reasonOf(const ElementFault &fault, const QString &name, const QString &text) const
+    {
+        switch (fault.kind) {
+        case Fault::UnknownValue:
+        case Fault::UnknownColumn:
+        case Fault::UnknownUnit:
+        case Fault::UnknownAlignment:
+        case Fault::UnknownSource:
+            return reasonOfValue(fault, text);
+        case Fault::OutsideGrid:
+            return QStringLiteral("%1 at row %2, column %3 is outside the grid of %4 rows and %5 "
+                                  "columns")
+                .arg(name, QString::number(fault.cells.top()), QString::number(fault.cells.left()),
+                     QString::number(m_context.rules.rows),
+                     QString::number(m_context.rules.columns));
+        case Fault::CutOff:
+            return QStringLiteral("%1 is cut off: it has a word for more than the %2 columns that "
+                                  "are left")
+                .arg(name, QString::number(m_context.rules.columns - fault.cells.left()));
+        case Fault::LeavesGrid:
+            return QStringLiteral("%1 leaves the grid: it reaches row %2, column %3")
+                .arg(name, QString::number(std::ceil(fault.cells.bottom()) - 1),
+                     QString::number(std::ceil(fault.cells.right()) - 1));
+        case Fault::Overlap: {
+            const MarkupNode &other = *m_nodes.at(fault.other);
+            return QStringLiteral("%1 overlaps %2 of line %3")
+                .arg(name, other.name, QString::number(other.place.line));
+        }
+        }
+        return {};
+    }
+
+    QString reasonOfValue(const ElementFault &fault, const QString &text) const
+    {
+        const ElementParam &record = m_elements.at(fault.element).record;
+        const QString bound = record.value(ElementParam::NAME_COLUMNBOUND).toString();
+        if (fault.kind == Fault::UnknownValue)
+            return QStringLiteral("no system value is called \"%1\"").arg(bound);
+        if (fault.kind == Fault::UnknownColumn) {
+            const QString column = bound.section(QLatin1Char('.'), -1);
+            const bool isStatic = m_nodes.at(fault.element)->name == QLatin1String("STATICTEXT");
+            return isStatic ? QStringLiteral("no catalog has a column \"%1\"").arg(column)
+                            : QStringLiteral("no catalog has a column \"%1\" in a table \"%2\"")
+                                  .arg(column, record.value(QStringLiteral("TDIR_Key")).toString());
+        }
+        if (fault.kind == Fault::UnknownAlignment)
+            return QStringLiteral("ALIGN: \"%1\" is none of LEFT, RIGHT and CENTER").arg(text);
+        if (fault.kind == Fault::UnknownSource)
+            return QStringLiteral("SOURCE: \"%1\" is not DB, and there is no other source")
+                .arg(text);
+        const QString unit = record.value(QStringLiteral("unit")).toString();
+        return QStringLiteral("UNIT: \"%1\"%2 is no unit of %3")
+            .arg(text, unit == text ? QString() : QStringLiteral(" (%1)").arg(unit), bound);
     }
 
     const ProfileCheckContext &m_context;
     QVector<ProfileFinding> m_findings;
-    QVector<Box> m_boxes;
+    QVector<CheckedElement> m_elements;
+    QVector<const MarkupNode *> m_nodes; ///< of those
 };
 
 } // namespace

@@ -1,49 +1,26 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/cli/CheckCommand.h"
 
+#include "host/check/InstalledRules.h"
 #include "host/check/ProfileCheck.h"
 #include "host/cli/Report.h"
 #include "host/display/GridFit.h"
 #include "host/display/OverlayScene.h"
-#include "host/feed/SystemValues.h"
-#include "host/platform/CatalogStore.h"
 #include "host/platform/TranslationStore.h"
 
-#include <platform/templates/CCatalogTemplate.h>
-#include <platform/templates/CProgramView.h>
-#include <platform/templates/CTemplateColumn.h>
 #include <platform/translation/CTranslator.h>
 #include <videooverlay/display/CVideoOverlayCapabilities.h>
 #include <videooverlay/display/VideoOverlaySettings.h>
+#include <videooverlay/profiles/ProfilesManager.h>
 
 #include <QDir>
 #include <QFile>
-#include <QSet>
 
 namespace Velmar::Host {
 
 namespace {
 
 constexpr QSize PictureSize {1920, 1080}; // the size that layouts are made for
-
-/// "TABLE.COLUMN" of every column of every installed catalog.
-QSet<QString> catalogColumns()
-{
-    QSet<QString> columns;
-    auto &store = CATManagement::CatalogStore::instance();
-    for (const QString &id : store.catalogIds()) {
-        if (!store.loadTemplate(id))
-            continue;
-        const auto catalog = store.getTemplateFromCache(id);
-        for (int i = 0; i < catalog->programViewCount(); ++i) {
-            const Templates::CProgramView *view = catalog->programView(i);
-            for (int j = 0; view && j < view->columnCount(); ++j)
-                columns.insert(view->column(j)->tableKey() + QLatin1Char('.')
-                               + view->column(j)->key());
-        }
-    }
-    return columns;
-}
 
 /// The longest caption that a value has in any language that has captions.
 QString longestCaption(const QString &name)
@@ -84,18 +61,26 @@ QStringList filesOf(const QString &path)
     return files;
 }
 
+/// Profiles that are to be delivered name their pictures from where they lie themselves; one in use
+/// would be looked for in whatever folder the program happens to run.
+QString pictureDirectory(const QString &profile)
+{
+    const QString directory = QFileInfo(profile).canonicalPath();
+    const QString inUse = QDir(VideoOverlay::ProfilesManager::profilesDirectory()).canonicalPath();
+    return directory == inUse ? QString() : directory;
+}
+
 } // namespace
 
 int runCheck(const Options &options)
 {
+    const CatalogColumns columns = CatalogColumns::installed();
     ProfileCheckContext context;
+    context.rules = installedRules(columns);
     context.cell = cellSize();
-    context.knowsValue = [](const QString &name) { return SystemValues::find(name) != nullptr; };
-    context.knowsColumn
-        = [columns = catalogColumns()](const QString &table, const QString &column) {
-              return columns.contains(table + QLatin1Char('.') + column);
-          };
-    context.captionOf = longestCaption;
+    context.captionOf = [&columns](const QString &table, const QString &name) {
+        return table.isEmpty() ? longestCaption(name) : columns.longestCaption(table, name);
+    };
     int status = 0;
     for (const QString &path : options.files) {
         for (const QString &name : filesOf(path)) {
@@ -104,6 +89,7 @@ int runCheck(const Options &options)
                 status = reportError(QStringLiteral("%1: %2").arg(name, file.errorString()));
                 continue;
             }
+            context.directory = pictureDirectory(name);
             const QVector<ProfileFinding> findings = checkProfile(file.readAll(), context);
             for (const ProfileFinding &finding : findings) {
                 report(QStringLiteral("%1:%2:%3: %4")

@@ -2,6 +2,7 @@
 #include "host/cli/EditCommand.h"
 
 #include "host/OverlaySession.h"
+#include "host/cli/ElementProperties.h"
 #include "host/cli/Report.h"
 
 #include <videooverlay/display/CVideoOverlayManager.h>
@@ -9,7 +10,11 @@
 #include <videooverlay/models/VideoOverlayElementListModel.h>
 #include <videooverlay/models/VideoOverlayProfilesModel.h>
 
-#include <QMetaProperty>
+#include <QColor>
+#include <QFileInfo>
+
+#include <algorithm>
+#include <iterator>
 
 namespace Velmar::Host {
 
@@ -19,44 +24,29 @@ namespace {
 
 constexpr QSize PictureSize {1920, 1080}; // the size that layouts are made for
 
-/// The elements that show the value or column @p name, or a fixed text that is @p name.
+bool isNamed(const CVideoOverlayElement &element, const QString &name)
+{
+    const ElementParam record = element.getParamObject();
+    switch (element.type()) {
+    case CVideoOverlayElement::FreePicture:
+        return QFileInfo(record.value(QStringLiteral("imagePath")).toString()).fileName() == name;
+    case CVideoOverlayElement::FreeText:
+        return name == ElementParam::NAME_OSD_FREE_TEXT_BOX;
+    default:
+        return record.value(ElementParam::NAME_COLUMNBOUND).toString() == name
+            || record.value(QStringLiteral("text")).toString() == name;
+    }
+}
+
+/// The elements that show the value or column @p name, a fixed text that is @p name, or a picture
+/// of a file of that name.
 QList<CVideoOverlayElement *> elementsNamed(const OverlaySession &session, const QString &name)
 {
     QList<CVideoOverlayElement *> found;
     const QList<CVideoOverlayElement *> elements = session.manager().getElementList();
-    for (CVideoOverlayElement *element : elements) {
-        const ElementParam record = element->getParamObject();
-        if (record.value(ElementParam::NAME_COLUMNBOUND).toString() == name
-            || record.value(QStringLiteral("text")).toString() == name)
-            found.append(element);
-    }
+    std::copy_if(elements.begin(), elements.end(), std::back_inserter(found),
+                 [&](const CVideoOverlayElement *element) { return isNamed(*element, name); });
     return found;
-}
-
-/// Writes one property as a screen would. False, and a text in @p error, when the element has no
-/// such property or cannot take the value.
-bool set(CVideoOverlayElement &element, const QString &property, const QString &text,
-         QString *error)
-{
-    const QMetaObject *meta = element.metaObject();
-    const QMetaProperty found
-        = meta->property(meta->indexOfProperty(property.toUtf8().constData()));
-    if (!found.isWritable() || property == QLatin1String("objectName")
-        || property == QLatin1String("id") || property == QLatin1String("type")) {
-        *error = QStringLiteral("--set: this element has no property \"%1\"").arg(property);
-        return false;
-    }
-    QVariant value(text);
-    const bool isSwitch = found.userType() == QMetaType::Bool;
-    const bool understood = isSwitch
-        ? text == QLatin1String("true") || text == QLatin1String("false")
-        : value.convert(found.userType());
-    if (!understood || !found.write(&element, value)
-        || (found.userType() == QMetaType::QColor && !QColor(text).isValid())) {
-        *error = QStringLiteral("--set: %1: \"%2\" is not a value of it").arg(property, text);
-        return false;
-    }
-    return true;
 }
 
 } // namespace
@@ -78,8 +68,8 @@ int runEdit(const Options &options)
             = session.manager().getElementListModel()->createStaticText(options.addedText);
         elements.append(qobject_cast<CVideoOverlayElement *>(added.value<QObject *>()));
         // A new text has neither colours nor its switch on.
-        set(*elements.first(), QStringLiteral("textColor"), QStringLiteral("white"), &error);
-        set(*elements.first(), QStringLiteral("backgroundColor"), QStringLiteral("blue"), &error);
+        elements.first()->setProperty("textColor", QColor(Qt::white));
+        elements.first()->setProperty("backgroundColor", QColor(Qt::blue));
         elements.first()->setEnabled(true);
     } else {
         elements = elementsNamed(session, options.elementName);
@@ -87,11 +77,9 @@ int runEdit(const Options &options)
             return reportError(QStringLiteral("%1: has no element \"%2\"")
                                    .arg(profiles.currentProfile()->caption(), options.elementName));
     }
-    for (CVideoOverlayElement *element : qAsConst(elements)) {
-        for (const auto &change : options.changes) {
-            if (!set(*element, change.first, change.second, &error))
-                return reportError(error);
-        }
+    for (const auto &change : options.changes) {
+        if (!setElementProperty(elements, change.first, change.second, &error))
+            return reportError(error);
     }
     if (!profiles.isCurrentProfileChanged())
         return 0; // it was like that before

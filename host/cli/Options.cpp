@@ -29,8 +29,11 @@ QString usage()
         "  record     burns the overlay into a video file\n"
         "  snapshot   writes one picture of the overlay\n"
         "  live       shows the touch screens\n"
-        "  project    lists the inspections of a project, or makes a demonstration\n"
         "  values     lists the values that texts can show\n"
+        "  profiles   lists and keeps OSD profiles\n"
+        "  edit       changes elements of an OSD profile\n"
+        "  check      reports what is wrong with OSD profile files\n"
+        "  project    lists the inspections of a project, or makes a demonstration\n"
         "\n"
         "xqosd COMMAND --help lists the options of a command.\n");
 }
@@ -393,7 +396,7 @@ bool parseSnapshot(const QStringList &arguments, Options *options, QString *erro
 bool parseProject(const QStringList &arguments, Options *options, QString *error)
 {
     CommandParser parser(QStringLiteral("Lists the inspections of a project file."));
-    parser.add("file", "FILE", "The project.");
+    parser.add("file", "FILE", "The project; the touch screens list *.xqproject.");
     parser.addFlag("create-demo", "Makes it first, with the records of the demonstration.");
     parser.add("catalog", "ID", "Catalog of the new project.");
     parser.add("log", "FILE", "Writes the log there.");
@@ -419,7 +422,9 @@ bool parseEdit(const QStringList &arguments, Options *options, QString *error)
 {
     CommandParser parser(QStringLiteral("Changes elements of an OSD profile and saves it."));
     parser.add("profile", "NAME", "The profile.");
-    parser.add("element", "NAME", "What the elements show: a value, a column, or their text.");
+    parser.add(
+        "element", "NAME",
+        "What the elements show: a value, a column, their text, or the name of a picture file.");
     parser.add("add-text", "TEXT", "Adds a text instead.");
     parser.add("set", "PROPERTY=VALUE",
                "A change: row, column, enabled, captionVisible, unit, timeout, text, textColor, "

@@ -2,12 +2,14 @@
 #include "host/cli/ProfilesCommand.h"
 
 #include "host/cli/Report.h"
+#include "host/profiles/ProfileNames.h"
 
 #include <platform/directories/CApplicationDirectories.h>
 #include <videooverlay/display/CVideoOverlayCapabilities.h>
 #include <videooverlay/display/CVideoOverlayControl.h>
 #include <videooverlay/display/CVideoOverlayManager.h>
 #include <videooverlay/models/VideoOverlayProfilesModel.h>
+#include <videooverlay/profiles/ProfilesManager.h>
 
 #include <QDir>
 
@@ -26,11 +28,9 @@ Profile *profileAt(const VideoOverlayProfilesModel &profiles, int row)
 /// -1, and a line on the standard error stream, when there is none.
 int rowNamed(const VideoOverlayProfilesModel &profiles, const QString &name)
 {
-    for (int row = 0; row < profiles.rowCount(); ++row) {
-        const Profile *profile = profileAt(profiles, row);
-        if (profile->caption() == name || profile->path() == name)
-            return row;
-    }
+    const int row = profileRow(profiles, name);
+    if (row >= 0)
+        return row;
     reportError(QStringLiteral("There is no profile \"%1\"").arg(name));
     return -1;
 }
@@ -44,9 +44,15 @@ int list(const VideoOverlayProfilesModel &profiles)
                                                               : QStringLiteral(" "),
                         profile->readOnly() ? QStringLiteral("read-only")
                                             : QStringLiteral("         "),
-                        profile->caption(), profile->path()));
+                        oneLine(profile->caption()), oneLine(profile->path())));
     }
     return 0;
+}
+
+QString pathCalled(const QString &name)
+{
+    return QDir(VideoOverlay::ProfilesManager::profilesDirectory())
+        .filePath(name + QStringLiteral(".xml"));
 }
 
 int clone(VideoOverlayProfilesModel &profiles, const QString &name, const QString &newName)
@@ -54,9 +60,12 @@ int clone(VideoOverlayProfilesModel &profiles, const QString &name, const QStrin
     const int row = rowNamed(profiles, name);
     if (row < 0)
         return FailureStatus;
+    const QString wanted = newName.trimmed();
+    const QString fault = wanted.isEmpty() ? QString() : profileNameFault(wanted);
     const Profile *copy = profiles.clone(profileAt(profiles, row), newName);
     if (!copy)
-        return reportError(QStringLiteral("\"%1\" cannot be cloned").arg(name));
+        return reportError(QStringLiteral("\"%1\" cannot be cloned").arg(name)
+                           + (fault.isEmpty() ? fault : QStringLiteral(": ") + fault));
     report(copy->caption());
     return 0;
 }
@@ -69,9 +78,15 @@ int rename(VideoOverlayProfilesModel &profiles, const QString &name, const QStri
     Profile *profile = profileAt(profiles, row);
     if (profile->readOnly())
         return reportError(QStringLiteral("\"%1\" is read-only").arg(name));
-    return profile->rename(newName)
-        ? 0
-        : reportError(QStringLiteral("\"%1\" cannot be called \"%2\"").arg(name, newName));
+    QString reason = profileNameFault(newName);
+    if (reason.isEmpty() && QFile::exists(pathCalled(newName)))
+        reason = QStringLiteral("there is a profile of that name");
+    if (profile->rename(newName))
+        return 0;
+    return reportError(
+        QStringLiteral("\"%1\" cannot be called \"%2\": %3")
+            .arg(name, newName,
+                 reason.isEmpty() ? QStringLiteral("its file cannot be renamed") : reason));
 }
 
 int remove(VideoOverlayProfilesModel &profiles, const QString &name)

@@ -19,6 +19,21 @@ void print(FILE *stream, const QString &line)
 
 } // namespace
 
+QString oneLine(const QString &text)
+{
+    QString line;
+    line.reserve(text.size());
+    for (const QChar letter : text) {
+        if (letter == QLatin1Char('\n'))
+            line += QLatin1String("\\n");
+        else if (letter.category() == QChar::Other_Control)
+            line += QStringLiteral("\\x%1").arg(letter.unicode(), 2, 16, QLatin1Char('0'));
+        else
+            line += letter;
+    }
+    return line;
+}
+
 void report(const QString &line)
 {
     print(stdout, line);
@@ -26,13 +41,13 @@ void report(const QString &line)
 
 int reportError(const QString &text)
 {
-    print(stderr, QStringLiteral("xqosd: ") + text);
+    print(stderr, QStringLiteral("xqosd: ") + oneLine(text));
     return FailureStatus;
 }
 
 void reportWarning(const QString &text)
 {
-    print(stderr, QStringLiteral("xqosd: warning: ") + text);
+    print(stderr, QStringLiteral("xqosd: warning: ") + oneLine(text));
 }
 
 bool savePng(const QImage &picture, const QString &path, QString *error)

@@ -10,6 +10,9 @@ namespace Velmar::Host {
 constexpr int FailureStatus = 1;
 constexpr int UsageStatus = 2;
 
+/// @p text with its line feeds and other control characters written out: "\n", "\x1b".
+QString oneLine(const QString &text);
+
 void report(const QString &line); ///< to the standard output
 /// One line to the standard error stream. Returns FailureStatus.
 int reportError(const QString &text);

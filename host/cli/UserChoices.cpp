@@ -50,15 +50,6 @@ const QVector<QPair<QString, LocaleSettings::Quantity>> &quantities()
     return all;
 }
 
-/// Not every keyboard has a degree sign.
-QString unitFrom(const QString &text)
-{
-    const QString degree(QChar(0xB0));
-    if (text == QLatin1String("C") || text == QLatin1String("F"))
-        return degree + text;
-    return text == QLatin1String("degree") ? degree : text;
-}
-
 } // namespace
 
 bool UserChoices::setLanguage(const QString &text, QString *error)
@@ -80,6 +71,32 @@ bool UserChoices::setLanguage(const QString &text, QString *error)
     }
     m_locale = locale;
     return true;
+}
+
+QString UserChoices::languageWarning() const
+{
+    if (!m_locale)
+        return {};
+    QStringList codes;
+    const QList<QLocale> available = Translation::TranslationStore::instance().availableLocales();
+    for (const QLocale &locale : available) {
+        if (locale.language() == m_locale->language())
+            return {};
+        codes.append(locale.name().section(QLatin1Char('_'), 0, 0));
+    }
+    codes.removeDuplicates();
+    codes.sort();
+    return QStringLiteral("--language: there are no captions in \"%1\", these will be English; "
+                          "there are: %2")
+        .arg(m_locale->name().section(QLatin1Char('_'), 0, 0), codes.join(QStringLiteral(", ")));
+}
+
+QString UserChoices::unitFrom(const QString &text)
+{
+    const QString degree(QChar(0xB0));
+    if (text == QLatin1String("C") || text == QLatin1String("F"))
+        return degree + text;
+    return text == QLatin1String("degree") ? degree : text;
 }
 
 bool UserChoices::setUnits(const QString &text, QString *error)

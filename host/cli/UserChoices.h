@@ -25,6 +25,12 @@ public:
     bool setUnits(const QString &text, QString *error);
 
     std::optional<QLocale> locale() const { return m_locale; }
+    /// For people, when there are no captions in the chosen language, so that they will be in
+    /// English; empty otherwise. Numbers and dates are those of every language.
+    QString languageWarning() const;
+
+    /// The unit that @p text stands for: not every keyboard has a degree sign.
+    static QString unitFrom(const QString &text);
 
     /// Makes the platform answer so. What was not chosen stays.
     void apply() const;

@@ -109,6 +109,31 @@ std::optional<qint64> timeValue(Quantity quantity, const QVariant &input)
     return time.msecsSinceStartOfDay();
 }
 
+/// What stands for a part of a date or of a time in a pattern.
+QString patternLetters(Quantity quantity)
+{
+    return quantity == Quantity::Date ? QStringLiteral("dMy") : QStringLiteral("hHmsz");
+}
+
+bool isUnit(const QString &text)
+{
+    for (const Quantity quantity : {Quantity::Distance, Quantity::Speed, Quantity::Angle,
+                                    Quantity::Temperature, Quantity::Pressure}) {
+        if (SystemValues::units(quantity).contains(text))
+            return true;
+    }
+    return false;
+}
+
+/// Something of the date or time is shown, and it is no unit. Minutes look like metres.
+bool isPattern(Quantity quantity, const QString &text)
+{
+    const QString letters = patternLetters(quantity);
+    const auto isLetter = [&](QChar letter) { return letters.contains(letter); };
+    return std::any_of(text.begin(), text.end(), isLetter)
+        && (!isUnit(text) || std::all_of(text.begin(), text.end(), isLetter));
+}
+
 } // namespace
 
 const QVector<SystemValue> &SystemValues::all()
@@ -261,6 +286,24 @@ QString SystemValues::userUnit(Quantity quantity)
 {
     const auto ofUser = userQuantity(quantity);
     return ofUser ? LocaleSettings::unit(*ofUser) : QString();
+}
+
+bool SystemValues::takesUnit(const SystemValue &value, const QString &unit)
+{
+    if (unit.isEmpty())
+        return true;
+    switch (value.quantity) {
+    case Quantity::Text:
+        return true;
+    case Quantity::Date:
+    case Quantity::Time:
+    case Quantity::ElapsedTime:
+        return isPattern(value.quantity, unit);
+    case Quantity::Distance:
+        return units(value.quantity).contains(unit.section(QLatin1Char('['), 0, 0));
+    default:
+        return units(value.quantity).contains(unit);
+    }
 }
 
 } // namespace Velmar::Host

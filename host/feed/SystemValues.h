@@ -55,6 +55,10 @@ public:
     static QString inputFormat(Quantity quantity); ///< for people
     static QStringList units(Quantity quantity);   ///< to choose from; empty where there are none
     static QString userUnit(Quantity quantity);    ///< empty where there are none
+    /// Whether @p value can be shown in @p unit: a unit of its quantity, for distances with a mark
+    /// of the precision ("m[.x]") if wanted, for dates and times a pattern ("dd.MM.yyyy"), or none.
+    /// A text shows none, so that any will do.
+    static bool takesUnit(const SystemValue &value, const QString &unit);
 
     SystemValues() = delete;
 };

@@ -9,6 +9,7 @@
 #include <QDir>
 #include <QFileInfo>
 
+#include <cmath>
 #include <utility>
 
 namespace Velmar::Host {
@@ -133,6 +134,7 @@ bool ProjectSession::startInspection(const RecordPointer &inspection)
     if (!inspection || inspection->kind() != Kind::Inspection || !m_database->contains(inspection))
         return fail(QStringLiteral("Cannot start the inspection: there is no such inspection"));
     m_inspection = inspection;
+    m_repeated.clear();
     AppStateControl::setActiveInspection(inspection);
     return true;
 }
@@ -172,6 +174,43 @@ ProjectSession::RecordPointer ProjectSession::createObservation(const Observatio
     else
         fail(m_database->errorText());
     return record;
+}
+
+/// Those of the active inspection that say the same; the time of day is that of the recording.
+QVector<ProjectSession::RecordPointer>
+ProjectSession::observationsLike(const Observation &observation)
+{
+    constexpr double SameM = 0.0005; // less than the texts and the reports show
+    const QString text = observation.text.isEmpty() ? observation.code : observation.text;
+    const auto says = [](const RecordPointer &record, const char *column, const QString &wanted) {
+        return record->readValue(QString::fromLatin1(column)).toString() == wanted;
+    };
+    QVector<RecordPointer> same;
+    const QVector<RecordPointer> all = m_database->children(m_inspection, Kind::Observation);
+    for (const RecordPointer &record : all) {
+        const double distance = record->readValue(QStringLiteral("OBS_Distance")).toDouble();
+        if (std::abs(distance - observation.distance) < SameM
+            && says(record, "OBS_OpCode", observation.code) && says(record, "OBS_Observation", text)
+            && says(record, "OBS_Memo", observation.remark))
+            same.append(record);
+    }
+    return same;
+}
+
+ProjectSession::RecordPointer ProjectSession::repeatObservation(const Observation &observation)
+{
+    if (!m_inspection)
+        return createObservation(observation); // which says why not
+    const QString what = QStringList {observation.code, observation.text, observation.remark,
+                                      QString::number(observation.distance, 'f', 3)}
+                             .join(QChar::Null);
+    const QVector<RecordPointer> known = observationsLike(observation);
+    const int before = m_repeated[what]++;
+    if (before >= known.size())
+        return createObservation(observation);
+    m_errorText.clear();
+    AppStateControl::announceObservation(known.at(before));
+    return known.at(before);
 }
 
 } // namespace Velmar::Host

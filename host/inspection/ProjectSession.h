@@ -3,6 +3,7 @@
 
 #include "host/platform/InspectionDatabase.h"
 
+#include <QHash>
 #include <QString>
 #include <QTime>
 #include <QVector>
@@ -71,12 +72,16 @@ public:
 
     /// Stores an observation of the active inspection, then announces it; null when it failed.
     RecordPointer createObservation(const Observation &observation);
+    /// The same for what a recorded run says, which may be played again: an observation that the
+    /// inspection has already is announced and not stored once more.
+    RecordPointer repeatObservation(const Observation &observation);
 
 private:
     Q_DISABLE_COPY(ProjectSession)
     using DatabasePointer = std::unique_ptr<Database::InspectionDatabase>;
 
     bool fail(const QString &reason);
+    QVector<RecordPointer> observationsLike(const Observation &observation);
     void enter(DatabasePointer database, const RecordPointer &project, bool isSimple);
 
     DatabasePointer m_database;
@@ -84,6 +89,7 @@ private:
     RecordPointer m_inspection;
     bool m_isSimple = false;
     bool m_hasTemplate = false;
+    QHash<QString, int> m_repeated; ///< how often this run said the same
     QString m_errorText;
 };
 

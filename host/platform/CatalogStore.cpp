@@ -114,6 +114,12 @@ QVector<Templates::CListItem> CatalogStore::choices(const Base::GUID &uniqueId,
     return loaded ? loaded->choices(tableKey, column, forTable) : QVector<Templates::CListItem>();
 }
 
+QSharedPointer<Templates::CCatalogTemplate>
+CatalogStore::installedTemplate(const Base::GUID &uniqueId) const
+{
+    return m_templates.contains(uniqueId) ? m_templates.value(uniqueId) : readTemplate(uniqueId);
+}
+
 bool CatalogStore::loadTemplate(const Base::GUID &uniqueId)
 {
     if (!m_templates.contains(uniqueId)) {

@@ -50,6 +50,11 @@ public:
     QVector<Templates::CListItem> choices(const Base::GUID &uniqueId, const QString &tableKey,
                                           const QString &column, const QString &forTable) const;
 
+    /// The template of an installed catalog, for whoever only looks at it: from the cache, or read
+    /// for this once. Nothing is announced and nothing kept. Null, with the reasons in the log,
+    /// when it cannot be read.
+    QSharedPointer<Templates::CCatalogTemplate> installedTemplate(const Base::GUID &uniqueId) const;
+
     /// Loads a catalog's template into the cache, unless it is there, and announces it through
     /// AppState in either case. False, with the reasons in the log, when it could not be loaded:
     /// then nothing is announced.

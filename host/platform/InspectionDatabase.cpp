@@ -199,7 +199,7 @@ public:
         return {};
     }
 
-    bool prepareSchema();
+    bool prepareSchema(Origin origin);
     bool begin();
     bool commit();
     void rollBack();
@@ -219,7 +219,8 @@ private:
         return text.isEmpty() ? error.driverText().trimmed() : text;
     }
 
-    bool isForeign();
+    bool isOurs();
+    bool holdsNothing();
     bool migrate(int from);
 
     QString m_path;
@@ -348,22 +349,28 @@ void InspectionDatabase::Connection::rollBack()
     m_error = reason;
 }
 
-/// A file without our mark that holds something.
-bool InspectionDatabase::Connection::isForeign()
+/// The file bears our mark.
+bool InspectionDatabase::Connection::isOurs()
 {
-    const QVariant mark = value(QStringLiteral("PRAGMA application_id")).value_or(0);
-    return mark.toInt() != InspectionSchema::applicationId
-        && value(QStringLiteral("SELECT count(*) FROM sqlite_master")).value_or(1).toInt() > 0;
+    return value(QStringLiteral("PRAGMA application_id")).value_or(0).toInt()
+        == InspectionSchema::applicationId;
 }
 
-bool InspectionDatabase::Connection::prepareSchema()
+bool InspectionDatabase::Connection::holdsNothing()
+{
+    return value(QStringLiteral("SELECT count(*) FROM sqlite_master")).value_or(1).toInt() == 0;
+}
+
+bool InspectionDatabase::Connection::prepareSchema(Origin origin)
 {
     // The first statement that reads the file: here a lock or garbage shows.
     const std::optional<QVariant> stored = value(QStringLiteral("PRAGMA user_version"));
     if (!stored)
         return false;
-    if (isForeign()) {
-        m_error = QStringLiteral("this is a database of another program");
+    // Only a file that we just made is filled; an empty one may be meant for something else.
+    if (origin == Origin::Found && !isOurs()) {
+        m_error = holdsNothing() ? QStringLiteral("it holds nothing")
+                                 : QStringLiteral("this is a database of another program");
         return false;
     }
     const int version = stored->toInt();
@@ -420,10 +427,11 @@ bool InspectionDatabase::fail(const QString &what, const QString &why)
     return false;
 }
 
-bool InspectionDatabase::connectTo(const QString &path, Access access, const QString &what)
+bool InspectionDatabase::connectTo(const QString &path, Access access, Origin origin,
+                                   const QString &what)
 {
     const auto connection = std::make_shared<Connection>(path, access);
-    if (!connection->open(m_busyTimeoutMs) || !connection->prepareSchema())
+    if (!connection->open(m_busyTimeoutMs) || !connection->prepareSchema(origin))
         return fail(what, connection->error());
     m_connection = connection;
     return true;
@@ -450,7 +458,7 @@ bool InspectionDatabase::create(const QString &path, const std::function<bool()>
     const std::shared_ptr<Connection> before = m_connection;
     const QString target = file.absoluteFilePath();
     const QString unfinished = isFile ? WholeFile::nameBeside(target) : path;
-    bool isDone = connectTo(unfinished, Access::ReadWrite, what);
+    bool isDone = connectTo(unfinished, Access::ReadWrite, Origin::Made, what);
     if (isDone && !transaction(fill))
         isDone = !m_errorText.isEmpty() && fail(what, m_errorText);
     if (isDone && !isFile)
@@ -460,7 +468,7 @@ bool InspectionDatabase::create(const QString &path, const std::function<bool()>
         QString reason;
         isDone = WholeFile::rename(unfinished, target, &reason) || fail(what, reason);
     }
-    if (isDone && connectTo(target, Access::ReadWrite, what))
+    if (isDone && connectTo(target, Access::ReadWrite, Origin::Found, what))
         return true;
     m_connection = before;
     if (isFile && !isDone) {
@@ -475,7 +483,7 @@ bool InspectionDatabase::open(const QString &path, Access access)
     m_errorText.clear();
     const QString what = QStringLiteral("open project database \"%1\"").arg(path);
     if (path == inMemory)
-        return connectTo(path, Access::ReadWrite, what);
+        return connectTo(path, Access::ReadWrite, Origin::Made, what);
     const QFileInfo file(path);
     if (!file.exists())
         return fail(what, QStringLiteral("there is no such file"));
@@ -483,7 +491,10 @@ bool InspectionDatabase::open(const QString &path, Access access)
         return fail(what, QStringLiteral("this is not a file"));
     if (!file.isReadable())
         return fail(what, QStringLiteral("no permission to read it"));
-    return connectTo(file.absoluteFilePath(), file.isWritable() ? access : Access::ReadOnly, what);
+    if (file.size() == 0)
+        return fail(what, QStringLiteral("the file is empty"));
+    return connectTo(file.absoluteFilePath(), file.isWritable() ? access : Access::ReadOnly,
+                     Origin::Found, what);
 }
 
 void InspectionDatabase::close()

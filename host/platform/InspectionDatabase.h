@@ -79,7 +79,8 @@ private:
     class Connection;
     class Record;
 
-    bool connectTo(const QString &path, Access access, const QString &what);
+    enum class Origin { Found, Made };
+    bool connectTo(const QString &path, Access access, Origin origin, const QString &what);
     bool fail(const QString &what, const QString &why);
     bool checkOpen(const QString &what);
     const Record *own(const CDomainObjectPointer &record, const QString &what);

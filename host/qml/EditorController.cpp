@@ -2,6 +2,7 @@
 #include "host/qml/EditorController.h"
 
 #include "host/feed/SystemValues.h"
+#include "host/profiles/KeptProperties.h"
 #include "host/qml/LiveOverlay.h"
 #include "host/qml/Messages.h"
 #include "host/qml/UiTexts.h"
@@ -15,9 +16,7 @@
 #include <videooverlay/osd/COsdStaticTextDatasource.h>
 
 #include <QFileInfo>
-#include <QFontMetricsF>
 #include <QImageReader>
-#include <QRegularExpression>
 
 #include <algorithm>
 #include <cmath>
@@ -49,11 +48,6 @@ QString firstLine(const QString &text)
     return text.section(QLatin1Char('\n'), 0, 0).trimmed();
 }
 
-QRectF rectOf(CVideoOverlayElement &element)
-{
-    return QRectF(element.x(), element.y(), element.width(), element.height());
-}
-
 /// What stands for an element in the editor: one that shows nothing now has four cells.
 QRectF boxOf(CVideoOverlayElement &element, double cellWidth, double cellHeight)
 {
@@ -80,6 +74,8 @@ EditorController::EditorController(LiveOverlay &overlay, Messages &messages, con
     , m_overlay(overlay)
     , m_messages(messages)
     , m_texts(texts)
+    , m_overlayWarnings(overlay.manager(), texts,
+                        [this](const Element &element) { return name(element); })
 {
     m_warningTimer.setSingleShot(true);
     m_warningTimer.setInterval(WarningDelayMs);
@@ -201,6 +197,11 @@ bool EditorController::selectedHasOwnText() const
 bool EditorController::selectedIsFreeText() const
 {
     return m_selected && m_selected->type() == Element::FreeText;
+}
+
+QStringList EditorController::selectedKeeps() const
+{
+    return m_selected ? keptProperties(*m_selected) : QStringList();
 }
 
 QString EditorController::selectedName() const
@@ -609,51 +610,9 @@ void EditorController::remove(const HandlePointer &handle)
 
 // Warnings
 
-bool EditorController::isClipped(Element &element) const
-{
-    const auto *text = qobject_cast<CVideoOverlayText *>(&element);
-    if (!text)
-        return false;
-    const QRectF area = grid();
-    const double available = area.right() - element.x() + 1;
-    const QFontMetricsF metrics(text->font());
-    const QStringList words = text->text().split(QRegularExpression(QStringLiteral("\\s")));
-    return std::any_of(words.begin(), words.end(), [&](const QString &word) {
-        return metrics.horizontalAdvance(word) >= available;
-    });
-}
-
 void EditorController::updateWarnings()
 {
-    QVariantList found;
-    const auto warn = [&](int index, const QString &text) {
-        found.append(
-            QVariantMap {{QStringLiteral("index"), index}, {QStringLiteral("text"), text}});
-    };
-    const QList<Element *> elements = manager().getElementList();
-    const QRectF area = grid().adjusted(-Rounding, -Rounding, Rounding, Rounding);
-    for (int i = 0; i < elements.size(); ++i) {
-        Element &element = *elements.at(i);
-        if (!element.enabled())
-            continue;
-        const QRectF rect = rectOf(element);
-        if (isClipped(element)) {
-            warn(i, m_texts.text(QStringLiteral("warningClipped")).arg(name(element)));
-        } else if (element.row() < 0 || element.column() < 0 || rect.x() >= area.right()
-                   || rect.y() >= area.bottom() || (rect.isValid() && !area.contains(rect))) {
-            warn(i, m_texts.text(QStringLiteral("warningOutside")).arg(name(element)));
-        }
-        if (!element.visible() || !rect.isValid())
-            continue;
-        for (int j = i + 1; j < elements.size(); ++j) {
-            Element &other = *elements.at(j);
-            const QRectF common = rect & rectOf(other);
-            if (other.visible() && common.width() > 1 && common.height() > 1)
-                warn(
-                    i,
-                    m_texts.text(QStringLiteral("warningOverlap")).arg(name(element), name(other)));
-        }
-    }
+    const QVariantList found = m_overlayWarnings.find();
     Q_EMIT selectedNameChanged();
     if (found == m_warnings)
         return;

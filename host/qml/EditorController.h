@@ -2,6 +2,7 @@
 #pragma once
 
 #include "host/qml/EditHistory.h"
+#include "host/qml/OverlayWarnings.h"
 
 #include <videooverlay/elements/CVideoOverlayElement.h>
 #include <videooverlay/elements/ElementParam.h>
@@ -44,6 +45,7 @@ class EditorController : public QObject
     Q_PROPERTY(bool selectedIsPicture READ selectedIsPicture NOTIFY selectionChanged)
     Q_PROPERTY(bool selectedHasOwnText READ selectedHasOwnText NOTIFY selectionChanged)
     Q_PROPERTY(bool selectedIsFreeText READ selectedIsFreeText NOTIFY selectionChanged)
+    Q_PROPERTY(QStringList selectedKeeps READ selectedKeeps NOTIFY selectionChanged)
     Q_PROPERTY(QString selectedName READ selectedName NOTIFY selectedNameChanged)
     Q_PROPERTY(bool canDelete READ canDelete NOTIFY selectionChanged)
     Q_PROPERTY(QStringList unitChoices READ unitChoices NOTIFY selectionChanged)
@@ -71,6 +73,7 @@ public:
     bool selectedIsPicture() const;
     bool selectedHasOwnText() const; ///< typed by the operator, not taken from a value
     bool selectedIsFreeText() const;
+    QStringList selectedKeeps() const; ///< the properties that a profile keeps of it
     QString selectedName() const;
     bool canDelete() const;          ///< what the operator could add again
     QStringList unitChoices() const; ///< none for what has no unit; an empty one is the user's
@@ -166,7 +169,6 @@ private:
     Element *create(VideoOverlay::ElementParam record);
     void remove(const HandlePointer &handle);
     void updateWarnings();
-    bool isClipped(Element &element) const;
     bool report(const QStringList &complaints);
 
     LiveOverlay &m_overlay;
@@ -178,6 +180,7 @@ private:
     QPointer<Element> m_dragged;
     QPoint m_dragStart;
     QSize m_dragCells;
+    OverlayWarnings m_overlayWarnings;
     QVariantList m_warnings;
     QTimer m_warningTimer;
 };

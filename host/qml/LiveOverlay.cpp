@@ -83,8 +83,10 @@ void LiveOverlay::advanceTo(qint64 timeMs)
     const qint64 now = QDateTime::currentMSecsSinceEpoch();
     if (now / 1000 != m_clockSecond) { // the texts show whole seconds
         m_clockSecond = now / 1000;
-        m_session->feed().setValue(ElementParam::NAME_DATE, QVariant::fromValue(now));
-        m_session->feed().setValue(ElementParam::NAME_TIME, QVariant::fromValue(now));
+        for (const QString &name : {ElementParam::NAME_DATE, ElementParam::NAME_TIME}) {
+            if (!m_given.contains(name) && !m_telemetry.names().contains(name))
+                m_session->feed().setValue(name, QVariant::fromValue(now));
+        }
     }
     m_session->advanceTo(timeMs);
     Q_EMIT valuesChanged();
@@ -92,6 +94,8 @@ void LiveOverlay::advanceTo(qint64 timeMs)
 
 void LiveOverlay::setValue(const QString &name, const QVariant &value)
 {
+    if (!value.isNull())
+        m_given.insert(name);
     QString error;
     if (!showLiveValue(*m_session, name, value, &error))
         Q_EMIT problemFound(error);

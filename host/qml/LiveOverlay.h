@@ -4,6 +4,7 @@
 #include "host/OverlaySession.h"
 
 #include <QObject>
+#include <QSet>
 #include <QSize>
 #include <QVariant>
 
@@ -49,8 +50,10 @@ public:
     /// The run that the values follow.
     void setTelemetry(TelemetryFile telemetry);
     const TelemetryFile &telemetry() const { return m_telemetry; }
-    /// Brings the values to their readings at @p timeMs of the run.
+    /// Brings the values to their readings at @p timeMs of the run, date and time to the clock's
+    /// unless they come from the run or from outside.
     void advanceTo(qint64 timeMs);
+    /// A value from outside. It stays until another comes.
     void setValue(const QString &name, const QVariant &value);
     void showSnip(const QImage &picture); ///< in the screen snips of the profile
 
@@ -77,6 +80,7 @@ private:
     TelemetryFile m_telemetry;
     QString m_startupError;
     qint64 m_clockSecond = -1; ///< that the texts show
+    QSet<QString> m_given;     ///< names of values that came from outside
     std::unique_ptr<OverlaySession> m_session;
 };
 

@@ -42,7 +42,8 @@ QStringList UiTexts::names()
               "search searchCode sectionName select settings showCaption showFreeText speed stop "
               "store takeSnip text textColor timeout timeoutOff transparency undo unit unitOfUser "
               "units "
-              "unsavedText unsavedTitle warningClipped warningOutside warningOverlap")
+              "unsavedText unsavedTitle warningClipped warningOutside warningOverlap "
+              "warningUnit warningUnknown")
               .split(QLatin1Char(' '));
     return list;
 }

@@ -153,9 +153,9 @@ private:
 
 void tst_HostDay::oneDay()
 {
-    const QString english = demoProject(QStringLiteral("english.xqproj"));
+    const QString english = demoProject(QStringLiteral("english.xqproject"));
     const QString german
-        = demoProject(QStringLiteral("german.xqproj"), QStringLiteral("EN13508-2-DEU-DE"));
+        = demoProject(QStringLiteral("german.xqproject"), QStringLiteral("EN13508-2-DEU-DE"));
     {
         // Start-up: the profile that the shipped settings name, and nothing to show yet.
         OverlaySession session(QSize(1920, 1080));

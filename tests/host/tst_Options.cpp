@@ -216,7 +216,10 @@ void tst_Options::help_data()
 {
     QTest::addColumn<QString>("line");
     QTest::addColumn<QString>("mentions");
-    QTest::newRow("program") << QStringLiteral("--help") << QStringLiteral("record");
+    for (const char *command :
+         {"record", "snapshot", "live", "values", "profiles", "edit", "check", "project"})
+        QTest::addRow("program: %s", command)
+            << QStringLiteral("--help") << QStringLiteral("\n  %1 ").arg(QLatin1String(command));
     QTest::newRow("record") << QStringLiteral("record --help") << QStringLiteral("--png-at");
     QTest::newRow("live") << QStringLiteral("live --help") << QStringLiteral("--screenshots");
     QTest::newRow("values") << QStringLiteral("values --help") << QStringLiteral("--units");

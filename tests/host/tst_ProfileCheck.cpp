@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/check/ProfileCheck.h"
+#include "host/feed/SystemValues.h"
 
 #include <QByteArrayList>
 #include <QImage>
@@ -45,11 +46,17 @@ ProfileCheckContext tst_ProfileCheck::context() const
 {
     ProfileCheckContext context;
     context.cell = QSizeF(25, 40);
-    context.knowsValue = [](const QString &name) { return name == QLatin1String("SPEED"); };
-    context.knowsColumn = [](const QString &table, const QString &column) {
-        return table == QLatin1String("SECTION") && column == QLatin1String("OBJ_Key");
+    context.rules.knowsValue
+        = [](const QString &name) { return SystemValues::find(name) != nullptr; };
+    context.rules.takesUnit = [](const QString &name, const QString &unit) {
+        return SystemValues::takesUnit(*SystemValues::find(name), unit);
     };
-    context.captionOf = [](const QString &) { return QStringLiteral("Speed"); };
+    context.rules.knowsColumn = [](const QString &table, const QString &column) {
+        return (column == QLatin1String("OBJ_Key")
+                && (table.isEmpty() || table == QLatin1String("SECTION")))
+            || (column == QLatin1String("PRJ_Name") && table.isEmpty());
+    };
+    context.captionOf = [](const QString &, const QString &) { return QStringLiteral("Speed"); };
     return context;
 }
 
@@ -103,19 +110,46 @@ void tst_ProfileCheck::findings_data()
     row("a number that is too large", "<FREETEXT><TIMEOUT>99999999999</TIMEOUT></FREETEXT>",
         {"2:11: TIMEOUT: \"99999999999\" is no whole number"});
     row("blanks around a number", "<FREETEXT><TIMEOUT> 3 </TIMEOUT></FREETEXT>", {});
-    row("a switch that is read as on", "<STATICTEXT><VISIBLE>yes</VISIBLE></STATICTEXT>",
-        {"2:13: VISIBLE: \"yes\" is no switch (true or false)"});
+    row("a switch that is read as on", "<STATICTEXT><VISIBLE>no</VISIBLE></STATICTEXT>",
+        {"2:13: VISIBLE: \"no\" is no switch (true or false)"});
+    for (const char *word : {"True", "FALSE", "0", "1", "yes", ""})
+        row(qPrintable(QStringLiteral("a switch that is read as it says: \"%1\"")
+                           .arg(QString::fromLatin1(word))),
+            QByteArray("<STATICTEXT><VISIBLE>") + word + "</VISIBLE></STATICTEXT>", {});
     row("colours",
         "<STATICTEXT><BGCOLOR>#ff0000ff</BGCOLOR><FGCOLOR>blueish</FGCOLOR></STATICTEXT>",
         {"2:41: FGCOLOR: \"blueish\" is no colour"});
-    row("a number of a unit",
-        "<SYSTEMTEXT><COL_Bound_Column>SPEED</COL_Bound_Column>"
-        "<UNIT>18</UNIT></SYSTEMTEXT>",
-        {"2:55: UNIT: \"18\" is no unit number from 1 to 17"});
-    row("a unit by its name",
-        "<SYSTEMTEXT><COL_Bound_Column>SPEED</COL_Bound_Column>"
-        "<UNIT>m/min</UNIT></SYSTEMTEXT>",
-        {"2:55: UNIT: \"m/min\" is no unit number from 1 to 17"});
+    const auto unit = [&](const char *name, const char *value, const char *text,
+                          const QByteArrayList &expected) {
+        row(name,
+            QByteArray("<SYSTEMTEXT><COL_Bound_Column>") + value + "</COL_Bound_Column><UNIT>"
+                + text + "</UNIT></SYSTEMTEXT>",
+            expected);
+    };
+    unit("the user's unit", "SPEED", "", {});
+    unit("a unit by its number", "SPEED", "4", {});
+    unit("a unit by its name", "SPEED", "m/min", {});
+    unit("a unit without a number", "SPEED", "cm/s", {});
+    unit("a distance with the shorter precision", "SECTION_DISTANCE_COUNTER", "m[.x]", {});
+    unit("a distance with another mark", "SECTION_DISTANCE_COUNTER", "ft[abc", {});
+    unit("a length without a number", "TOTAL_DISTANCE_COUNTER", "cm", {});
+    unit("a pattern of a date", "DATE", "dd.MM.yyyy", {});
+    unit("a pattern with words", "DATE", "d 'of' MMMM", {});
+    unit("a pattern of a time", "TIME", "hh:mm:ss t", {});
+    unit("a pattern of minutes", "TIME", "m", {});
+    unit("a pattern of an elapsed time", "VIDEO_TIME_COUNTER", "h:mm:ss.zzz", {});
+    unit("a unit of a text, which shows none", "PAN AND TILT", "8", {});
+    unit("a number of a unit", "SPEED", "18", {"2:55: UNIT: \"18\" is no unit of SPEED"});
+    unit("a unit of another quantity", "SPEED", "16",
+         {"2:55: UNIT: \"16\" (\xC2\xB0"
+          "C) is no unit of SPEED"});
+    unit("an unknown unit", "CRAWLER_PITCH", "furlong",
+         {"2:63: UNIT: \"furlong\" is no unit of CRAWLER_PITCH"});
+    unit("a mark of something else than a distance", "SPEED", "m/min[.x]",
+         {"2:55: UNIT: \"m/min[.x]\" is no unit of SPEED"});
+    unit("a unit for a date", "DATE", "4", {"2:54: UNIT: \"4\" (m/min) is no unit of DATE"});
+    unit("a pattern that shows nothing", "DATE", "hh:mm",
+         {"2:54: UNIT: \"hh:mm\" is no unit of DATE"});
     row("unknown value", "<SYSTEMTEXT><COL_Bound_Column>SPED</COL_Bound_Column></SYSTEMTEXT>",
         {"2:13: no system value is called \"SPED\""});
     row("a system text without a value", "<SYSTEMTEXT/>", {"2:1: no system value is called \"\""});
@@ -131,10 +165,29 @@ void tst_ProfileCheck::findings_data()
         "<INSPSTATICTEXT><COL_Bound_Column>OBJ_Kez</COL_Bound_Column>"
         "<TDIR_Key>SECTION</TDIR_Key></INSPSTATICTEXT>",
         {"2:17: no catalog has a column \"OBJ_Kez\" in a table \"SECTION\""});
+    row("a column of the project",
+        "<STATICTEXT><COL_Bound_Column>PRJ_Name</COL_Bound_Column></STATICTEXT>", {});
+    row("a static text of an unknown column",
+        "<STATICTEXT><COL_Bound_Column>PRJ_Nmae</COL_Bound_Column></STATICTEXT>",
+        {"2:13: no catalog has a column \"PRJ_Nmae\""});
+    row("alignments",
+        "<SYSTEMTEXT><COL_Bound_Column>SPEED</COL_Bound_Column><ALIGN>CENTER</ALIGN></SYSTEMTEXT>"
+        "<SYSTEMTEXT><COL_Bound_Column>SPEED</COL_Bound_Column><ALIGN>center</ALIGN></SYSTEMTEXT>",
+        {"2:143: ALIGN: \"center\" is none of LEFT, RIGHT and CENTER"});
+    row("a source that is none",
+        "<SYSTEMTEXT><COL_Bound_Column>SPEED</COL_Bound_Column><SOURCE>FILE</SOURCE></SYSTEMTEXT>",
+        {"2:55: SOURCE: \"FILE\" is not DB, and there is no other source"});
+    row("a text of the inspection without a source",
+        "<INSPTEXT><COL_Bound_Column>OBJ_Key</COL_Bound_Column>"
+        "<TDIR_Key>SECTION</TDIR_Key><SOURCE></SOURCE></INSPTEXT>",
+        {"2:83: SOURCE: \"\" is not DB, and there is no other source"});
     row("favourites",
         "<FREETEXT><FAVORITES><TEXT><LINE1>a</LINE1><LINE15>b</LINE15><X/></TEXT>"
         "</FAVORITES></FREETEXT>",
         {"2:44: unknown element LINE15 in a favourite", "2:62: unknown element X in a favourite"});
+    row("a line that is not found by its name",
+        "<FREETEXT><FAVORITES><TEXT><LINE01>a</LINE01></TEXT></FAVORITES></FREETEXT>",
+        {"2:28: unknown element LINE01 in a favourite"});
     row("general settings", "<GENERAL><GLOBAL_TRANSPARENCY>40%</GLOBAL_TRANSPARENCY></GENERAL>",
         {"2:10: GLOBAL_TRANSPARENCY: \"40%\" is no whole number"});
 
@@ -152,8 +205,11 @@ void tst_ProfileCheck::findings_data()
         "<SHOWCAPTION>false</SHOWCAPTION></SYSTEMTEXT>",
         {});
     row("a long text breaks its lines",
-        "<STATICTEXT><ROW>26</ROW><COL>50</COL><TEXT>12345678</TEXT></STATICTEXT>",
+        "<STATICTEXT><ROW>26</ROW><COL>50</COL><TEXT>1234 678</TEXT></STATICTEXT>",
         {"2:1: STATICTEXT leaves the grid: it reaches row 27, column 53"});
+    row("a word does not break",
+        "<STATICTEXT><ROW>26</ROW><COL>50</COL><TEXT>12345</TEXT></STATICTEXT>",
+        {"2:1: STATICTEXT is cut off: it has a word for more than the 4 columns that are left"});
 
     const QByteArray box = "<STATICTEXT><ROW>1</ROW><COL>1</COL><TEXT>abc</TEXT>"
                            "<VISIBLE>true</VISIBLE></STATICTEXT>\n";
@@ -172,6 +228,27 @@ void tst_ProfileCheck::findings_data()
             + "<STATICTEXT><ROW>1</ROW><COL>1</COL><TEXT>d</TEXT>"
               "<VISIBLE>false</VISIBLE></STATICTEXT>",
         {});
+    const auto inspection = [](const char *column, const QByteArray &rest) {
+        return "<INSPSTATICTEXT><COL_Bound_Column>OBJ_Key</COL_Bound_Column>"
+               "<TDIR_Key>SECTION</TDIR_Key><ROW>1</ROW><VISIBLE>true</VISIBLE><COL>"
+            + QByteArray(column) + "</COL>" + rest + "</INSPSTATICTEXT>\n";
+    };
+    row("texts of the inspection in one place", inspection("9", {}) + inspection("9", {}),
+        {"3:1: INSPSTATICTEXT overlaps INSPSTATICTEXT of line 2"});
+    row("texts of the inspection beside each other", inspection("9", {}) + inspection("10", {}),
+        {});
+    const QByteArray captioned = "<SHOWCAPTION>true</SHOWCAPTION>";
+    row("a caption of the inspection counts", inspection("9", captioned) + inspection("16", {}),
+        {"3:1: INSPSTATICTEXT overlaps INSPSTATICTEXT of line 2"}); // "Speed: " and one letter
+    row("what is beyond a caption does not", inspection("9", captioned) + inspection("17", {}), {});
+    row("a width of the inspection counts",
+        inspection("9", captioned + "<WIDTH>3</WIDTH>") + inspection("18", {}),
+        {"3:1: INSPSTATICTEXT overlaps INSPSTATICTEXT of line 2"});
+    row("a text of the project has its place",
+        box
+            + "<STATICTEXT><ROW>1</ROW><COL>3</COL><COL_Bound_Column>PRJ_Name</COL_Bound_Column>"
+              "<VISIBLE>true</VISIBLE></STATICTEXT>",
+        {"3:1: STATICTEXT overlaps STATICTEXT of line 2"});
     row("lines count",
         box
             + "<STATICTEXT><ROW>0</ROW><COL>1</COL><TEXT>d\ne</TEXT>"
@@ -199,6 +276,12 @@ void tst_ProfileCheck::pictures()
     QCOMPARE(picture(folder + "/text.png", ""),
              QByteArrayList {"1:17: \"" + folder + "/text.png\" cannot be read as a picture"});
     QCOMPARE(picture("", "<SCREENSNIP>true</SCREENSNIP>"), QByteArrayList());
+    // Beside the profile, where that is known.
+    ProfileCheckContext beside = context();
+    const QByteArray document = "<PROFILE><IMAGE><PATH>picture.png</PATH></IMAGE></PROFILE>";
+    QCOMPARE(checkProfile(document, beside).size(), 1);
+    beside.directory = m_directory.path();
+    QCOMPARE(checkProfile(document, beside).size(), 0);
     // 100 x 60 pixels twice as large on cells of 25 x 40: 8 columns, 3 rows
     QCOMPARE(picture(folder + "/picture.png", "<SCALE>2</SCALE><COL>46</COL><ROW>24</ROW>"),
              QByteArrayList());

@@ -346,6 +346,38 @@ private Q_SLOTS:
         QVERIFY(session.errorText().contains(QStringLiteral("OBS_Distance")));
         QCOMPARE(announced.take(), QStringList());
     }
+
+    void runThatIsPlayedAgain()
+    {
+        ProjectSession session;
+        session.createDemo(file("demo.db"), demoFile);
+        ProjectSession::Observation entry;
+        entry.code = QStringLiteral("BAB");
+        entry.distance = 23.456;
+        session.open(file("demo.db"));
+        QVERIFY(!session.repeatObservation(entry));
+        QVERIFY(session.errorText().contains(QStringLiteral("no inspection is active")));
+        const RecordPointer inspection = session.inspections().constFirst();
+        const auto count = [&] {
+            using Kind = Velmar::Database::DomainRecord::Kind;
+            return session.database()->children(inspection, Kind::Observation).size();
+        };
+        const int before = count();
+        for (int run = 0; run < 3; ++run) {
+            QVERIFY(session.startInspection(inspection));
+            Announcements announced;
+            entry.remark = QStringLiteral("seen from both sides");
+            QVERIFY(session.repeatObservation(entry));
+            QVERIFY(session.repeatObservation(entry)); // a run may say the same twice
+            entry.remark.clear();
+            const RecordPointer last = session.repeatObservation(entry);
+            QCOMPARE(read(last, "OBS_Memo"), QString());
+            QCOMPARE(announced.take(),
+                     (QStringList {QStringLiteral("observation"), QStringLiteral("observation"),
+                                   QStringLiteral("observation")}));
+            QCOMPARE(count(), before + 3);
+        }
+    }
 };
 
 QTEST_GUILESS_MAIN(tst_ProjectSession)

@@ -124,7 +124,8 @@ void tst_xqosd_profiles::profilesRefuse_data()
         "\"Halvo push camera system - default\" is read-only");
     row("rename|Halvo push camera system - default|New", 1,
         "\"Halvo push camera system - default\" is read-only");
-    row("rename|Lean|Sewer inspection", 1, "\"Lean\" cannot be called \"Sewer inspection\"");
+    row("rename|Lean|Sewer inspection", 1,
+        "\"Lean\" cannot be called \"Sewer inspection\": there is a profile of that name");
     row("copy|Lean", 2, "profiles: \"copy\" is none of list, select, clone, rename and remove");
     row("rename|Lean", 2, "profiles rename: wrong number of names");
 }
@@ -146,6 +147,11 @@ void tst_xqosd_profiles::shippedProfilesAreFine()
     QCOMPARE(outcome.out, QStringList());
     QCOMPARE(outcome.err, QStringList());
     QCOMPARE(outcome.status, 0);
+    // As they are delivered: their pictures are named from where they lie themselves.
+    const Outcome delivered
+        = run({QStringLiteral("check"), QStringLiteral(DATA_DIRECTORY "/profiles")});
+    QCOMPARE(delivered.out, QStringList());
+    QCOMPARE(delivered.status, 0);
 }
 
 void tst_xqosd_profiles::checkTellsFileLineAndColumn()
@@ -172,7 +178,7 @@ void tst_xqosd_profiles::checkTellsFileLineAndColumn()
 void tst_xqosd_profiles::editedProfileIsOnThePicture()
 {
     const QString settings = path(QStringLiteral("settings"));
-    const QString project = path(QStringLiteral("demo.xqproj"));
+    const QString project = path(QStringLiteral("demo.xqproject"));
     QCOMPARE(run({QStringLiteral("project"), QStringLiteral("--file"), project,
                   QStringLiteral("--create-demo")})
                  .status,
@@ -254,13 +260,15 @@ void tst_xqosd_profiles::editRefuses_data()
     row("--profile|Lean|--set|row=1", 2, "Either --element NAME or --add-text TEXT is needed");
     row("--profile|Lean|--element|SPEED", 2, "--set PROPERTY=VALUE is missing");
     row("--profile|Lean|--element|SPEED|--set|row", 2, "--set: \"row\" is not PROPERTY=VALUE");
-    row("--profile|Lean|--element|SPEED|--set|row=x", 1, "--set: row: \"x\" is not a value of it");
+    row("--profile|Lean|--element|SPEED|--set|row=x", 1,
+        "--set: row: \"x\" is not a whole number from 0 to 26");
     row("--profile|Lean|--element|SPEED|--set|enabled=1", 1,
-        "--set: enabled: \"1\" is not a value of it");
+        "--set: enabled: \"1\" is not true or false");
     row("--profile|Lean|--element|SPEED|--set|textColor=bluish", 1,
-        "--set: textColor: \"bluish\" is not a value of it");
+        "--set: textColor: \"bluish\" is not a colour: #rrggbb, #aarrggbb or its name");
     row("--profile|Lean|--element|SPEED|--set|id=7", 1,
-        "--set: this element has no property \"id\"");
+        "--set: a profile keeps no \"id\" of this element, but row, column, enabled, "
+        "captionVisible, unit, textColor, backgroundColor");
     row("--profile|Lean|--element|DATE|--set|row=1", 1, "Lean: has no element \"DATE\"");
     row("--profile|Halvo push camera system - default|--element|DATE|--set|row=1", 1,
         "Halvo push camera system - default: is read-only; clone it and edit the copy");
@@ -284,7 +292,7 @@ void tst_xqosd_profiles::editRefuses()
 
 void tst_xqosd_profiles::projectIsMadeAndListed()
 {
-    const QString project = path(QStringLiteral("p.xqproj"));
+    const QString project = path(QStringLiteral("p.xqproject"));
     const QStringList list {QStringLiteral("project"), QStringLiteral("--file"), project};
     const QStringList inspections {
         QStringLiteral("  inspection 1: 2026-03-09 08:05:30, 4711-4712"),

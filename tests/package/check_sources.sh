@@ -1,6 +1,7 @@
 #!/bin/sh
 # SPDX-License-Identifier: Apache-2.0
 # Every source file names its licence within its first lines and is formatted as .clang-format says.
+# What is said of projects agrees with the files that the touch screens look for.
 # usage: check_sources.sh SOURCE_DIR CLANG_FORMAT
 set -eu
 cd "$1"
@@ -34,6 +35,11 @@ fi
 # shellcheck disable=SC2086
 if ! "$clang_format" --dry-run --Werror $formatted; then
     echo "Format with: $clang_format -i FILE"
+    status=1
+fi
+
+if grep -rnE '\.xqpro[j]([^e]|$)' run README.md docs host tests; then
+    echo "Projects end in .xqproject"
     status=1
 fi
 exit $status

@@ -167,12 +167,23 @@ private Q_SLOTS:
         QVERIFY(takeQtWarnings().isEmpty());
     }
 
-    void anEmptyFileGetsItsTables()
+    void anEmptyFileStaysOne()
     {
         write({});
         InspectionDatabase db;
-        QVERIFY2(db.open(file()), qPrintable(db.errorText()));
-        QVERIFY(db.add(Kind::Project, {}));
+        QVERIFY(!db.open(file()));
+        QCOMPARE(
+            db.errorText(),
+            QStringLiteral("Cannot open project database \"%1\": the file is empty").arg(file()));
+        QCOMPARE(QFileInfo(file()).size(), qint64(0));
+        // A database without a table is no less somebody else's.
+        OtherProgram(file()).run("VACUUM");
+        const qint64 size = QFileInfo(file()).size();
+        QVERIFY(size > 0);
+        QVERIFY(!db.open(file()));
+        QVERIFY2(db.errorText().endsWith(QStringLiteral(": it holds nothing")),
+                 qPrintable(db.errorText()));
+        QCOMPARE(QFileInfo(file()).size(), size);
     }
 
     void cannotOpen_data()
@@ -338,8 +349,10 @@ private Q_SLOTS:
 
     void readOnlyCannotMigrate()
     {
-        write({});
         InspectionDatabase db;
+        QVERIFY(db.create(file()));
+        db.close();
+        OtherProgram(file()).run("PRAGMA user_version = 0");
         QVERIFY(!db.open(file(), InspectionDatabase::Access::ReadOnly));
         QVERIFY(db.errorText().endsWith(QStringLiteral("because the file is read-only")));
     }

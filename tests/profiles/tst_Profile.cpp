@@ -379,6 +379,7 @@ private Q_SLOTS:
         QTest::newRow("empty") << QString();
         QTest::newRow("blank") << QStringLiteral("  ");
         QTest::newRow("hidden") << QStringLiteral(".p");
+        QTest::newRow("two lines") << QStringLiteral("p\np");
         QTest::newRow("another directory") << QStringLiteral("../p");
         QTest::newRow("a directory that is there") << QStringLiteral("sub/p");
         QTest::newRow("half a character, which files cannot have") << QString(QChar(0xd83d));

@@ -338,6 +338,7 @@ private Q_SLOTS:
 
         QTest::newRow("another directory") << QStringLiteral("../B");
         QTest::newRow("hidden") << QStringLiteral(".B");
+        QTest::newRow("two lines") << QStringLiteral("B\nB");
         QTest::newRow("all copies taken") << QStringLiteral("Many");
         QTest::newRow("would overwrite the source") << QStringLiteral("A");
     }

@@ -151,6 +151,7 @@ private Q_SLOTS:
     void overlayOff();
     void resizesPicture_data();
     void resizesPicture();
+    void quickTouchesOfAnArrow();
     void heldArrowIsOneStep();
     void textOfSeveralLines();
     void liveInput();
@@ -171,6 +172,7 @@ private Q_SLOTS:
     void noInspectionIsTold();
     void undoByKeys();
     void picturesOfAFolderThatIsNotThere();
+    void pictureFolders();
     void longNamesDiffer();
     void renamedToItself();
     void questionAfterQuestion();
@@ -1171,6 +1173,33 @@ void tst_LiveApplication::resizesPicture()
     editor.revert();
 }
 
+/// Each one moves, whether by finger or by mouse, and each is a step to undo.
+void tst_LiveApplication::quickTouchesOfAnArrow()
+{
+    QVERIFY(select(QStringLiteral("Bench")));
+    QVERIFY(m_robot.click(QStringLiteral("navEditor")));
+    const CVideoOverlayElement *speed = elementOf(ElementParam::NAME_SPEED);
+    m_live->editor().select(manager().rowIndexByID(speed->id()));
+    QVERIFY(m_robot.click(QStringLiteral("arrowRight"))); // nothing moves on the screen any more
+    QCOMPARE(speed->column(), 11);
+    QVERIFY(m_robot.tap(QStringLiteral("arrowRight"), 3));
+    QCOMPARE(speed->column(), 14);
+    const auto twice = [this](const char *name) { // presses, releases, presses again, releases
+        const QQuickItem *item = m_robot.find(QString::fromLatin1(name));
+        const QPointF centre(item->width() / 2, item->height() / 2);
+        QTest::mouseDClick(m_live->window(), Qt::LeftButton, Qt::NoModifier,
+                           item->mapToScene(centre).toPoint());
+    };
+    twice("arrowRight");
+    QCOMPARE(speed->column(), 16);
+    twice("undo");
+    QCOMPARE(speed->column(), 14);
+    twice("redo");
+    QCOMPARE(speed->column(), 16);
+    twice("arrowDown");
+    QCOMPARE(speed->row(), 22);
+}
+
 void tst_LiveApplication::heldArrowIsOneStep()
 {
     QVERIFY(select(QStringLiteral("Bench")));
@@ -1499,11 +1528,16 @@ void tst_LiveApplication::neverHides()
     QVERIFY(m_robot.click(QStringLiteral("navEditor")));
     m_live->editor().select(manager().rowIndexByID(elementOf(ElementParam::NAME_SPEED)->id()));
     QVERIFY(m_robot.click(QStringLiteral("panel1")));
-    const QQuickItem *row = m_robot.find(QStringLiteral("propertyTimeout"));
+    QVERIFY(m_robot.await(QStringLiteral("propertyCaption")));
+    QVERIFY(!m_robot.find(QStringLiteral("propertyTimeout"))); // no profile would keep it
+
+    const CVideoOverlayElement *text = elementOf(QStringLiteral("OBS_Observation"));
+    m_live->editor().select(manager().rowIndexByID(text->id()));
+    const QQuickItem *row = m_robot.await(QStringLiteral("propertyTimeout"));
     QVERIFY(row);
-    QCOMPARE(row->property("label").toString(), QStringLiteral("Never hide"));
-    QVERIFY(m_robot.click(QStringLiteral("propertyTimeoutMore")));
-    QTRY_COMPARE(row->property("label").toString(), QStringLiteral("Hide after"));
+    QCOMPARE(row->property("label").toString(), QStringLiteral("Hide after"));
+    QVERIFY(m_robot.click(QStringLiteral("propertyTimeoutLess")));
+    QTRY_COMPARE(row->property("label").toString(), QStringLiteral("Never hide"));
     m_live->editor().revert();
 }
 
@@ -1645,6 +1679,39 @@ void tst_LiveApplication::picturesOfAFolderThatIsNotThere()
     QVERIFY(m_robot.click(QStringLiteral("addPicture")));
     QVERIFY(m_robot.await(QStringLiteral("picturesettings"))); // a folder beside
     QCOMPARE(m_robot.text(QStringLiteral("pictureFolder")), m_root->path());
+}
+
+/// What is chosen from stays where it is, whatever folder is looked into.
+void tst_LiveApplication::pictureFolders()
+{
+    const QString folder = m_root->filePath(QStringLiteral("pictures"));
+    const QString deep = folder + QStringLiteral("/of the inspections of this year");
+    QVERIFY(QDir().mkpath(deep));
+    QImage picture(64, 48, QImage::Format_RGB32);
+    picture.fill(Qt::red);
+    QVERIFY(picture.save(folder + QStringLiteral("/a.png")));
+    QVERIFY(picture.save(deep + QStringLiteral("/b.png")));
+    restart([&](LiveApplication::Setup &setup) { setup.pictureDirectory = folder; });
+    QVERIFY(m_robot.click(QStringLiteral("navEditor")));
+    QVERIFY(m_robot.click(QStringLiteral("addPicture")));
+    const auto places = [this] {
+        QVector<QRectF> all;
+        for (const char *name : {"pictureUp", "pictureList", "picturePreview", "pictureAdd"}) {
+            const QQuickItem *item = m_robot.find(QString::fromLatin1(name));
+            if (item)
+                all.append(item->mapRectToScene(QRectF(0, 0, item->width(), item->height())));
+        }
+        return all;
+    };
+    QVERIFY(m_robot.click(QStringLiteral("picturea.png"))); // when nothing moves any more
+    const QVector<QRectF> before = places();
+    QCOMPARE(before.size(), 4);
+    QVERIFY(m_robot.click(QStringLiteral("pictureof the inspections of this year")));
+    QVERIFY(m_robot.click(QStringLiteral("pictureb.png")));
+    QCOMPARE(places(), before);
+    QVERIFY(m_robot.click(QStringLiteral("pictureUp")));
+    QVERIFY(m_robot.click(QStringLiteral("picturea.png")));
+    QCOMPARE(places(), before);
 }
 
 void tst_LiveApplication::longNamesDiffer()

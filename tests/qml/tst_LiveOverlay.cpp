@@ -6,6 +6,7 @@
 #include "host/platform/LocaleSettings.h"
 #include "host/platform/TranslationStore.h"
 #include "tests/support/LoggedTest.h"
+#include "tests/support/TextFile.h"
 
 #include <videooverlay/display/CVideoOverlayManager.h>
 #include <videooverlay/elements/CVideoOverlayText.h>
@@ -58,6 +59,8 @@ protected:
 private Q_SLOTS:
     void firstStart();
     void dateAndTimeAreTheWalls();
+    void dateFromOutsideStays();
+    void dateOfTheRunStays();
 
 private:
     std::unique_ptr<QTemporaryDir> m_root;
@@ -93,6 +96,42 @@ void tst_LiveOverlay::dateAndTimeAreTheWalls()
     // A round moment as a floating-point number would be read as 1970.
     for (const QString &name : {ElementParam::NAME_DATE, ElementParam::NAME_TIME})
         QCOMPARE(overlay.value(name).userType(), int(QMetaType::LongLong));
+    takeLog();
+}
+
+void tst_LiveOverlay::dateFromOutsideStays()
+{
+    LiveOverlay overlay(QSize(1280, 720));
+    CVideoOverlayText *date = textOf(overlay, ElementParam::NAME_DATE);
+    date->setUnit(QStringLiteral("yyyy-MM-dd"));
+    overlay.setValue(ElementParam::NAME_DATE, QVariant()); // no value
+    const qint64 thatDay = QDateTime(QDate(2001, 2, 3), QTime(12, 0)).toMSecsSinceEpoch();
+    overlay.advanceTo(0);
+    QVERIFY(overlay.value(ElementParam::NAME_DATE).toLongLong() > thatDay);
+    overlay.setValue(ElementParam::NAME_DATE, QVariant::fromValue(thatDay));
+    const qint64 shown = overlay.value(ElementParam::NAME_TIME).toLongLong();
+    QTRY_VERIFY((overlay.advanceTo(0), // until the clock has gone on
+                 overlay.value(ElementParam::NAME_TIME).toLongLong() > shown));
+    QCOMPARE(date->text().trimmed(), QStringLiteral("2001-02-03"));
+    takeLog();
+}
+
+void tst_LiveOverlay::dateOfTheRunStays()
+{
+    const QString path = m_root->filePath(QStringLiteral("run.csv"));
+    Test::writeFile(path, "t_ms,DATE\n0,2001-02-03\n");
+    TelemetryFile run;
+    QString error;
+    QVERIFY2(run.load(path, &error), qPrintable(error));
+    LiveOverlay overlay(QSize(1280, 720));
+    overlay.setTelemetry(run);
+    CVideoOverlayText *date = textOf(overlay, ElementParam::NAME_DATE);
+    date->setUnit(QStringLiteral("yyyy-MM-dd"));
+    overlay.advanceTo(0);
+    const qint64 shown = overlay.value(ElementParam::NAME_TIME).toLongLong();
+    QTRY_VERIFY((overlay.advanceTo(1), // until the clock has gone on
+                 overlay.value(ElementParam::NAME_TIME).toLongLong() > shown));
+    QCOMPARE(date->text().trimmed(), QStringLiteral("2001-02-03"));
     takeLog();
 }
 

@@ -43,10 +43,14 @@ QString ProfilesManager::profilesDirectory()
 bool ProfilesManager::isProfileName(const QString &name)
 {
     constexpr int maximumBytes = 255; // what file systems allow
+    // Lists show and print a name in one line.
+    const bool hasControls = std::any_of(name.begin(), name.end(), [](QChar letter) {
+        return letter.category() == QChar::Other_Control;
+    });
     const QByteArray encoded = QFile::encodeName(name + xmlSuffix);
     return !name.trimmed().isEmpty() && !name.startsWith(QLatin1Char('.')) // a hidden file
-        && !name.contains(QLatin1Char('/')) && !name.contains(QDir::separator())
-        && !name.contains(QChar::Null) && encoded.size() <= maximumBytes
+        && !name.contains(QLatin1Char('/')) && !name.contains(QDir::separator()) && !hasControls
+        && encoded.size() <= maximumBytes
         && QFile::decodeName(encoded) == name + xmlSuffix; // else it would be another name
 }
 

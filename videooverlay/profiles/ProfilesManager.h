@@ -21,7 +21,7 @@ public:
     static QString profilesDirectory();
 
     /// Whether a file of this name, with the suffix ".xml", would lie in the profile directory and
-    /// be listed there.
+    /// be listed there, in one line.
     static bool isProfileName(const QString &name);
 
     /// Reads all profiles of the profile directory.

@@ -11,6 +11,7 @@ Button {
     property color ink: Theme.text
     property string symbol: ""
     property int align: Text.AlignHCenter
+    property bool everyTouchCounts: autoRepeat   ///< also the second of two quick ones
 
     implicitHeight: Theme.touch
     implicitWidth: Math.max(Theme.touch, implicitContentWidth + 2 * Theme.gap)
@@ -22,6 +23,8 @@ Button {
     // A held key is one press, unless a held finger is more than one, too.
     Keys.onReturnPressed: { if (!event.isAutoRepeat || autoRepeat) clicked() }
     Keys.onEnterPressed: { if (!event.isAutoRepeat || autoRepeat) clicked() }
+    // Where a finger comes as a mouse, the second of two quick touches would be no click.
+    onDoubleClicked: { if (everyTouchCounts) clicked() }
     // Being checked makes a button checkable; touched again, it would look as if it were not chosen.
     onCheckableChanged: checkable = false
 

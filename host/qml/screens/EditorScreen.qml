@@ -61,6 +61,7 @@ Item {
                 objectName: "undo"
                 symbol: "\u21B6"
                 text: texts.undo
+                everyTouchCounts: true
                 enabled: editor.history.canUndo
                 onClicked: editor.history.undo()
             }
@@ -68,6 +69,7 @@ Item {
                 objectName: "redo"
                 symbol: "\u21B7"
                 text: texts.redo
+                everyTouchCounts: true
                 enabled: editor.history.canRedo
                 onClicked: editor.history.redo()
             }

@@ -52,7 +52,7 @@ Flickable {
         SwitchRow {
             objectName: "propertyCaption"
             Layout.fillWidth: true
-            visible: panel.textElement !== null && !editor.selectedHasOwnText
+            visible: editor.selectedKeeps.indexOf("captionVisible") >= 0
             text: texts.showCaption
             checked: panel.element ? panel.element.captionVisible : false
             onToggled: editor.set("captionVisible", checked)
@@ -129,6 +129,7 @@ Flickable {
         NumberRow {
             objectName: "propertyTimeout"
             Layout.fillWidth: true
+            visible: editor.selectedKeeps.indexOf("timeout") >= 0
             label: value > 0 ? texts.timeout : texts.timeoutOff
             suffix: " s"
             to: 600
