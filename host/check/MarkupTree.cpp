@@ -2,6 +2,7 @@
 #include "host/check/MarkupTree.h"
 
 #include <QDomDocument>
+#include <QRegularExpression>
 #include <QTextCodec>
 #include <QXmlStreamReader>
 
@@ -15,16 +16,34 @@ namespace {
 constexpr int MostLevels = 64;
 constexpr int MostBytes = 16 * 1024 * 1024;
 
-/// The characters of the document; the encoding is taken from its mark or declaration.
+/// The encoding that the document names itself; null when it names none that is known.
+QTextCodec *namedCodec(const QByteArray &document)
+{
+    constexpr int longestDeclaration = 200;
+    static const QRegularExpression declaration(
+        QStringLiteral("^<\\?xml[^>]*\\sencoding\\s*=\\s*[\"']([A-Za-z0-9._:-]+)[\"']"));
+    const QString start = QString::fromLatin1(document.left(longestDeclaration));
+    const QString name = declaration.match(start).captured(1);
+    return name.isEmpty() ? nullptr : QTextCodec::codecForName(name.toLatin1());
+}
+
+/// The encoding as the overlay finds it: from the mark or the first bytes, else from the
+/// declaration, even where that cannot be true.
+QTextCodec *codecOf(const QByteArray &document)
+{
+    if (QTextCodec *marked = QTextCodec::codecForUtfText(document, nullptr))
+        return marked;
+    if (document.startsWith(QByteArray("<\0", 2)))
+        return QTextCodec::codecForName("UTF-16LE");
+    if (document.startsWith(QByteArray("\0<", 2)))
+        return QTextCodec::codecForName("UTF-16BE");
+    QTextCodec *named = namedCodec(document);
+    return named ? named : QTextCodec::codecForName("UTF-8");
+}
+
 QString decoded(const QByteArray &document)
 {
-    QXmlStreamReader probe(document);
-    while (!probe.atEnd() && !probe.isStartElement())
-        probe.readNext();
-    QTextCodec *codec = QTextCodec::codecForName(probe.documentEncoding().toString().toLatin1());
-    codec
-        = QTextCodec::codecForUtfText(document, codec ? codec : QTextCodec::codecForName("UTF-8"));
-    QString text = codec->toUnicode(document);
+    QString text = codecOf(document)->toUnicode(document);
     text.replace(QLatin1String("\r\n"), QLatin1String("\n"));
     return text;
 }

@@ -90,6 +90,9 @@ void tst_ProfileCheck::findings_data()
     QTest::newRow("a letter that no name has")
         << QByteArray("<PROFILE>\n <GENERAL n\x01=\"\"/></PROFILE>")
         << QByteArrayList {"2:12: unexpected character"};
+    QTest::newRow("another encoding than it says")
+        << QByteArray("<?xml version=\"1.0\" encoding=\"UTF-16\"?>\n<PROFILE/>")
+        << QByteArrayList {"1:2: Start tag expected."};
     QTest::newRow("windows line ends")
         << QByteArray("<PROFILE>\r\n  <A/>\r\n   <B/>\r\n</PROFILE>")
         << QByteArrayList({"2:3: unknown element A", "3:4: unknown element B"});
