@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "videooverlay/profiles/ReadXml_p.h"
 
+#include <QFile>
 #include <QIODevice>
 #include <QtTest>
 
@@ -70,6 +71,17 @@ private Q_SLOTS:
         QVERIFY(readXml(source, document, &message));
         QVERIFY2(source.mostAskedFor() <= 64 * 1024,
                  qPrintable(QString::number(source.mostAskedFor())));
+    }
+
+    /// It is no short file: who fills it up would lose the rest.
+    void tellsAFailedReading()
+    {
+        QFile file(QStringLiteral("/proc/self/mem")); // nothing is mapped at its start
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        QDomDocument document;
+        QString message;
+        QVERIFY(!readXml(file, document, &message));
+        QCOMPARE(message, QStringLiteral("Input/output error"));
     }
 
     void readsNoFurtherThanTheLimit()

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "videooverlay/profiles/ReadXml_p.h"
 
+#include <QFileDevice>
 #include <QIODevice>
 #include <QRegularExpression>
 #include <QTextCodec>
@@ -147,6 +148,11 @@ QByteArray readBytes(QIODevice &device)
 bool readXml(QIODevice &device, QDomDocument &document, QString *message)
 {
     const QByteArray bytes = readBytes(device);
+    const auto *file = qobject_cast<const QFileDevice *>(&device);
+    if (file && file->error() != QFileDevice::NoError) { // else it looks like a shorter file
+        *message = file->errorString();
+        return false;
+    }
     if (bytes.size() > maximumXmlBytes) {
         *message = QStringLiteral("larger than %1 bytes").arg(maximumXmlBytes);
         return false;
