@@ -14,7 +14,6 @@ namespace Velmar::Host {
 namespace {
 
 constexpr int MostLevels = 64;
-constexpr int MostBytes = 16 * 1024 * 1024;
 
 /// The encoding that the document names itself; null when it names none that is known.
 QTextCodec *namedCodec(const QByteArray &document)

@@ -32,6 +32,8 @@ struct MarkupNode
 /// A whole XML file as nodes that know where they stand; DOM classes forget it.
 struct MarkupTree
 {
+    static constexpr int MostBytes = 16 * 1024 * 1024;
+
     MarkupNode root;
     QString error; ///< empty when the file was read
     TextPlace errorPlace;

@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/cli/Report.h"
 
+#include "host/platform/WholeFile.h"
+
 #include <QBuffer>
-#include <QFile>
 
 #include <cstdio>
 
@@ -42,13 +43,12 @@ bool savePng(const QImage &picture, const QString &path, QString *error)
         *error = QStringLiteral("%1: the picture cannot be made").arg(path);
         return false;
     }
-    QFile file(path);
     // Not the picture's own save(): that one tells nobody of a full disk.
-    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.flush()) {
-        *error = QStringLiteral("%1: cannot be written: %2").arg(path, file.errorString());
-        return false;
-    }
-    return true;
+    QString reason;
+    if (WholeFile::write(path, bytes, WholeFile::Existing::Replace, &reason))
+        return true;
+    *error = QStringLiteral("%1: cannot be written: %2").arg(path, reason);
+    return false;
 }
 
 } // namespace Velmar::Host

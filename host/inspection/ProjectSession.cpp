@@ -7,7 +7,6 @@
 #include "platform/database/CDomainObjectHelper.h"
 
 #include <QDir>
-#include <QFile>
 #include <QFileInfo>
 
 #include <utility>
@@ -98,14 +97,10 @@ bool ProjectSession::createDemo(const QString &path, const QString &demoFile,
 {
     m_errorText.clear();
     InspectionDatabase database;
-    if (!database.create(path))
-        return fail(database.errorText());
     ProjectFile file(database);
-    if (file.load(demoFile, catalogId))
+    if (database.create(path, [&] { return file.load(demoFile, catalogId); }))
         return true;
-    database.close();
-    QFile::remove(path);
-    return fail(file.errorText());
+    return fail(file.errorText().isEmpty() ? database.errorText() : file.errorText());
 }
 
 QVector<ProjectSession::RecordPointer> ProjectSession::inspections()

@@ -2,6 +2,7 @@
 #include "host/platform/InspectionDatabase.h"
 
 #include "host/platform/InspectionSchema.h"
+#include "host/platform/WholeFile.h"
 
 #include <QDate>
 #include <QDir>
@@ -419,40 +420,62 @@ bool InspectionDatabase::fail(const QString &what, const QString &why)
     return false;
 }
 
-bool InspectionDatabase::connectTo(const QString &path, Access access)
+bool InspectionDatabase::connectTo(const QString &path, Access access, const QString &what)
 {
     const auto connection = std::make_shared<Connection>(path, access);
     if (!connection->open(m_busyTimeoutMs) || !connection->prepareSchema())
-        return fail(QStringLiteral("open project database \"%1\"").arg(path), connection->error());
+        return fail(what, connection->error());
     m_connection = connection;
     return true;
 }
 
 bool InspectionDatabase::create(const QString &path)
 {
+    return create(path, [] { return true; });
+}
+
+bool InspectionDatabase::create(const QString &path, const std::function<bool()> &fill)
+{
     m_errorText.clear();
-    if (path == inMemory)
-        return connectTo(path, Access::ReadWrite);
     const QString what = QStringLiteral("create project database \"%1\"").arg(path);
     const QFileInfo file(path);
-    if (path.isEmpty())
+    const bool isFile = path != inMemory;
+    if (isFile && path.isEmpty())
         return fail(what, QStringLiteral("the name is empty"));
-    if (file.exists() || file.isSymLink())
+    if (isFile && (file.exists() || file.isSymLink()))
         return fail(what, QStringLiteral("there is such a file already"));
-    if (!file.absoluteDir().exists())
+    if (isFile && !file.absoluteDir().exists())
         return fail(what, QStringLiteral("there is no directory \"%1\"").arg(file.absolutePath()));
-    if (connectTo(file.absoluteFilePath(), Access::ReadWrite))
+
+    const std::shared_ptr<Connection> before = m_connection;
+    const QString target = file.absoluteFilePath();
+    const QString unfinished = isFile ? WholeFile::nameBeside(target) : path;
+    bool isDone = connectTo(unfinished, Access::ReadWrite, what);
+    if (isDone && !transaction(fill))
+        isDone = !m_errorText.isEmpty() && fail(what, m_errorText);
+    if (isDone && !isFile)
         return true;
-    QFile::remove(path); // made by us a moment ago, and useless
+    if (isDone) {
+        m_connection.reset(); // closes it: it is whole
+        QString reason;
+        isDone = WholeFile::rename(unfinished, target, &reason) || fail(what, reason);
+    }
+    if (isDone && connectTo(target, Access::ReadWrite, what))
+        return true;
+    m_connection = before;
+    if (isFile && !isDone) {
+        QFile::remove(unfinished);
+        QFile::remove(unfinished + QStringLiteral("-journal"));
+    }
     return false;
 }
 
 bool InspectionDatabase::open(const QString &path, Access access)
 {
     m_errorText.clear();
-    if (path == inMemory)
-        return connectTo(path, Access::ReadWrite);
     const QString what = QStringLiteral("open project database \"%1\"").arg(path);
+    if (path == inMemory)
+        return connectTo(path, Access::ReadWrite, what);
     const QFileInfo file(path);
     if (!file.exists())
         return fail(what, QStringLiteral("there is no such file"));
@@ -460,7 +483,7 @@ bool InspectionDatabase::open(const QString &path, Access access)
         return fail(what, QStringLiteral("this is not a file"));
     if (!file.isReadable())
         return fail(what, QStringLiteral("no permission to read it"));
-    return connectTo(file.absoluteFilePath(), file.isWritable() ? access : Access::ReadOnly);
+    return connectTo(file.absoluteFilePath(), file.isWritable() ? access : Access::ReadOnly, what);
 }
 
 void InspectionDatabase::close()

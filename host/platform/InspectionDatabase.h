@@ -37,6 +37,11 @@ public:
     /// that ends with close(). What was open before is closed when this succeeded.
     bool create(const QString &path);
 
+    /// Makes a new database with the records that @p fill adds, in one step: when it returns false,
+    /// or the program ends meanwhile, there is no file at @p path. Records of @p fill are invalid
+    /// afterwards, unless the database is in memory.
+    bool create(const QString &path, const std::function<bool()> &fill);
+
     /// Opens a file, which is brought to the present schema when it is older (not read-only) and
     /// gets its tables when it is empty. A file without permission to write opens read-only.
     bool open(const QString &path, Access access = Access::ReadWrite);
@@ -74,7 +79,7 @@ private:
     class Connection;
     class Record;
 
-    bool connectTo(const QString &path, Access access);
+    bool connectTo(const QString &path, Access access, const QString &what);
     bool fail(const QString &what, const QString &why);
     bool checkOpen(const QString &what);
     const Record *own(const CDomainObjectPointer &record, const QString &what);

@@ -7,6 +7,11 @@ namespace Velmar::Logging {
 
 LogSink::~LogSink() = default;
 
+bool LogSink::isForPeople() const
+{
+    return false;
+}
+
 LogRouter &LogRouter::instance()
 {
     // Never destroyed: static objects may log while the process ends.
@@ -49,13 +54,41 @@ void LogRouter::write(const LogEntry &entry)
     const std::lock_guard lock(m_mutex);
     if (entry.level > m_categoryLevels.value(entry.category, m_level))
         return;
-    if (m_sinks.isEmpty()) {
-        if (entry.level <= LogLevel::Warning)
-            StderrLogSink().write(entry);
-        return;
+    bool isHeld = false;
+    for (HeldLog *held : qAsConst(m_held)) {
+        if (held->m_thread != std::this_thread::get_id())
+            continue;
+        isHeld = true;
+        if (entry.level == LogLevel::Error)
+            held->m_errors.append(entry.message);
     }
-    for (const std::shared_ptr<LogSink> &sink : qAsConst(m_sinks))
-        sink->write(entry);
+    if (m_sinks.isEmpty() && !isHeld && entry.level <= LogLevel::Warning)
+        StderrLogSink().write(entry);
+    for (const std::shared_ptr<LogSink> &sink : qAsConst(m_sinks)) {
+        if (!isHeld || !sink->isForPeople())
+            sink->write(entry);
+    }
+}
+
+HeldLog::HeldLog()
+    : m_thread(std::this_thread::get_id())
+{
+    LogRouter &router = LogRouter::instance();
+    const std::lock_guard lock(router.m_mutex);
+    router.m_held.append(this);
+}
+
+HeldLog::~HeldLog()
+{
+    LogRouter &router = LogRouter::instance();
+    const std::lock_guard lock(router.m_mutex);
+    router.m_held.removeOne(this);
+}
+
+QStringList HeldLog::errors() const
+{
+    const std::lock_guard lock(LogRouter::instance().m_mutex);
+    return m_errors;
 }
 
 } // namespace Velmar::Logging

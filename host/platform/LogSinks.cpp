@@ -72,6 +72,11 @@ void StderrLogSink::write(const LogEntry &entry)
     std::fprintf(stderr, "%s\n", oneLine(line).constData());
 }
 
+bool StderrLogSink::isForPeople() const
+{
+    return true;
+}
+
 void RecordingLogSink::write(const LogEntry &entry)
 {
     const std::lock_guard lock(m_mutex);

@@ -32,6 +32,7 @@ class VELMAR_PLATFORM_EXPORT StderrLogSink : public LogSink
 {
 public:
     void write(const LogEntry &entry) override;
+    bool isForPeople() const override;
 };
 
 /// Keeps what was logged, so that a test can compare it. Safe to read while others log.

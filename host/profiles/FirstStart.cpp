@@ -1,14 +1,23 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/profiles/FirstStart.h"
 
+#include "host/check/ProfileProblem.h"
+#include "host/platform/LogRouter.h"
+#include "host/platform/WholeFile.h"
+#include "host/profiles/ProfileDirectory.h"
+#include "host/profiles/ProfilesLock.h"
+
 #include <platform/directories/CApplicationDirectories.h>
+#include <platform/logging/CLogger.h>
+#include <videooverlay/profiles/Profile.h>
 
 #include <QDir>
 #include <QFile>
 #include <QRegularExpression>
-#include <QSaveFile>
 
 namespace Velmar::Host {
+
+using VideoOverlay::Profile;
 
 namespace {
 
@@ -29,13 +38,12 @@ bool readAll(const QString &path, QByteArray *content, QString *error)
     return file.error() == QFileDevice::NoError || fail(error, path, file.errorString());
 }
 
-/// Whole or not at all.
-bool writeAll(const QString &path, const QByteArray &content, QString *error)
+/// What comes meanwhile stays.
+bool writeNew(const QString &path, const QByteArray &content, QString *error)
 {
-    QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size() || !file.commit())
-        return fail(error, path, file.errorString());
-    return true;
+    QString reason;
+    return WholeFile::write(path, content, WholeFile::Existing::Keep, &reason)
+        || fail(error, path, reason);
 }
 
 /// Copies the pictures that @p profile names relative to @p shipped and names the copies instead.
@@ -53,7 +61,7 @@ bool takePictures(QByteArray *profile, const QDir &shipped, const QDir &settings
         const QString target = settings.absoluteFilePath(QFileInfo(source).fileName());
         QByteArray picture;
         if (!QFile::exists(target)
-            && (!readAll(source, &picture, error) || !writeAll(target, picture, error)))
+            && (!readAll(source, &picture, error) || !writeNew(target, picture, error)))
             return false;
         result.replace(QStringLiteral("<PATH>%1</PATH>").arg(named),
                        QStringLiteral("<PATH>%1</PATH>").arg(target.toHtmlEscaped()));
@@ -62,16 +70,140 @@ bool takePictures(QByteArray *profile, const QDir &shipped, const QDir &settings
     return true;
 }
 
-bool takeProfile(const QString &name, const QDir &shipped, const QDir &profiles,
-                 const QDir &settings, QString *error)
+bool isThere(const QString &path)
 {
-    const QString target = profiles.filePath(name);
-    if (QFile::exists(target))
-        return true;
-    QByteArray profile;
-    return readAll(shipped.filePath(name), &profile, error)
-        && takePictures(&profile, shipped, settings, error) && writeAll(target, profile, error);
+    const QFileInfo file(path);
+    return file.exists() || file.isSymLink();
 }
+
+/// The shipped profiles that were brought here once. One that is not here any more was removed.
+class Deliveries
+{
+public:
+    explicit Deliveries(const QDir &profiles)
+        : m_path(profiles.filePath(QStringLiteral(".delivered")))
+    {
+    }
+
+    bool read(QString *error)
+    {
+        QByteArray content;
+        if (QFile::exists(m_path) && !readAll(m_path, &content, error))
+            return false;
+        m_names = QString::fromUtf8(content).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+        return true;
+    }
+
+    bool contain(const QString &name) const { return m_names.contains(name); }
+
+    void note(const QString &name)
+    {
+        m_isChanged = m_isChanged || !contain(name);
+        m_names.append(name);
+    }
+
+    bool write(QString *error)
+    {
+        m_names.removeDuplicates();
+        const QString text = m_names.join(QLatin1Char('\n')) + QLatin1Char('\n');
+        QString reason;
+        return !m_isChanged
+            || WholeFile::write(m_path, text.toUtf8(), WholeFile::Existing::Replace, &reason)
+            || fail(error, m_path, reason);
+    }
+
+private:
+    QString m_path;
+    QStringList m_names;
+    bool m_isChanged = false;
+};
+
+/// One that says another name is not found as the default one.
+bool isUsableDefault(const QString &path, const QString &shippedPath)
+{
+    const Logging::HeldLog log;
+    Profile profile;
+    Profile shipped;
+    return profile.load(path) && (!shipped.load(shippedPath) || profile.name() == shipped.name());
+}
+
+/// Moves the file out of the way, to a name that is not listed.
+bool keepAside(const QString &path, QString *error)
+{
+    QString kept;
+    for (int number = 1; number == 1 || isThere(kept); ++number) {
+        kept = path + QStringLiteral(".damaged");
+        if (number > 1)
+            kept += QLatin1Char('.') + QString::number(number);
+    }
+    const QString problem = profileProblem(path);
+    QString reason;
+    if (!WholeFile::rename(path, kept, &reason))
+        return fail(error, path, reason);
+    Logging::CLogger::logMessage(
+        Logging::LogLevel::Warning, QStringLiteral("Host"),
+        QStringLiteral("%1; the delivered one takes its place, it is kept as %2")
+            .arg(problem.isEmpty() ? QStringLiteral("%1: has lost its name").arg(path) : problem,
+                 kept));
+    return true;
+}
+
+/// Brings what is shipped to where the library looks for it.
+class Delivery
+{
+public:
+    Delivery(const QDir &shipped, const QDir &settings, const QDir &profiles)
+        : m_shipped(shipped)
+        , m_settings(settings)
+        , m_profiles(profiles)
+        , m_deliveries(profiles)
+    {
+    }
+
+    bool run(QString *error)
+    {
+        QStringList names;
+        if (!listProfileFiles(m_shipped.path(), &names, error) || !m_deliveries.read(error))
+            return false;
+        names.removeOne(defaultProfile);
+        for (const QString &name : qAsConst(names)) {
+            if (!isThere(m_profiles.filePath(name)) && !m_deliveries.contain(name)
+                && !take(name, error))
+                return false;
+            m_deliveries.note(name);
+        }
+        // A device whose settings cannot be written is complete already, or has failed by now.
+        return takeDefault(error) && (m_deliveries.write(error) || !m_hasTaken);
+    }
+
+private:
+    bool takeDefault(QString *error)
+    {
+        const QString path = m_profiles.filePath(defaultProfile);
+        if (isThere(path)) {
+            if (isUsableDefault(path, m_shipped.filePath(defaultProfile)))
+                return true;
+            if (!keepAside(path, error))
+                return false;
+        }
+        return take(defaultProfile, error);
+    }
+
+    bool take(const QString &name, QString *error)
+    {
+        m_hasTaken = true;
+        QByteArray profile;
+        return readAll(m_shipped.filePath(name), &profile, error)
+            && takePictures(&profile, m_shipped, m_settings, error)
+            && writeNew(m_profiles.filePath(name), profile, error);
+    }
+
+    const QDir m_shipped;
+    const QDir m_settings;
+    const QDir m_profiles;
+    Deliveries m_deliveries;
+    bool m_hasTaken = false;
+};
 
 } // namespace
 
@@ -79,17 +211,10 @@ bool prepareProfiles(const QString &shippedDirectory, QString *error)
 {
     const QDir settings(CApplicationDirectories::settingsDirectory());
     const QDir profiles(settings.filePath(QStringLiteral("osd")));
-    const QDir shipped(shippedDirectory);
-    const bool isFirst = !profiles.exists();
     if (!profiles.mkpath(QStringLiteral(".")))
         return fail(error, profiles.path(), QStringLiteral("cannot be made"));
-    const QStringList names = isFirst ? shipped.entryList({QStringLiteral("*.xml")}, QDir::Files)
-                                      : QStringList {defaultProfile};
-    for (const QString &name : names) {
-        if (!takeProfile(name, shipped, profiles, settings, error))
-            return false;
-    }
-    return true;
+    ProfilesLock lock;
+    return lock.take(error) && Delivery(QDir(shippedDirectory), settings, profiles).run(error);
 }
 
 } // namespace Velmar::Host

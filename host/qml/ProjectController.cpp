@@ -16,7 +16,6 @@
 
 #include <QDate>
 #include <QDir>
-#include <QFile>
 #include <QRegularExpression>
 
 namespace Velmar::Host {
@@ -218,14 +217,9 @@ bool ProjectController::create(const QString &name, const QString &section,
     const QString path = QDir(m_directory).filePath(trimmed + suffix);
     {
         InspectionDatabase database;
-        if (!database.create(path))
+        if (!database.create(path,
+                             [&] { return fill(database, trimmed, section.trimmed(), catalogId); }))
             return fail(database.errorText());
-        if (!fill(database, trimmed, section.trimmed(), catalogId)) {
-            const QString reason = database.errorText();
-            database.close();
-            QFile::remove(path);
-            return fail(reason);
-        }
     }
     Q_EMIT filesChanged();
     return open(path) && startInspection(0);

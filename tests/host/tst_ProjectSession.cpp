@@ -11,6 +11,9 @@
 #include <QTest>
 
 #include <memory>
+#include <sys/syscall.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 using Velmar::AppState;
 using Velmar::AppStateControl;
@@ -18,6 +21,21 @@ using Velmar::CATManagement::CatalogStore;
 using Velmar::Database::CDomainObjectPointer;
 using Velmar::Host::ProjectSession;
 using RecordPointer = ProjectSession::RecordPointer;
+
+namespace {
+
+int writesUntilKilled = 0; ///< 0: any number
+constexpr int killed = 77;
+
+} // namespace
+
+/// Stands in for that of the system.
+extern "C" Q_DECL_EXPORT ssize_t pwrite64(int file, const void *bytes, size_t size, off64_t offset)
+{
+    if (writesUntilKilled > 0 && --writesUntilKilled == 0)
+        ::_exit(killed);
+    return ::syscall(SYS_pwrite64, file, bytes, size, offset);
+}
 
 namespace {
 
@@ -138,6 +156,26 @@ private Q_SLOTS:
         QVERIFY(session.errorText().contains(QStringLiteral("there is such a file already")));
         session.open(file("demo.db"));
         QCOMPARE(read(session.project(), "PRJ_CatalogId"), QStringLiteral("EN13508-2-DEU-DE"));
+    }
+
+    /// What a killed program left under the name would refuse it for good.
+    void killedWhileItIsMade()
+    {
+        int status = -1;
+        const pid_t child = ::fork();
+        if (child == 0) {
+            ProjectSession session;
+            writesUntilKilled = 20; // in the middle of the records
+            session.createDemo(file("demo.db"), demoFile);
+            ::_exit(0);
+        }
+        QVERIFY(child > 0 && ::waitpid(child, &status, 0) == child && WIFEXITED(status));
+        QCOMPARE(WEXITSTATUS(status), killed);
+        QVERIFY(!QFile::exists(file("demo.db")));
+        ProjectSession session;
+        QVERIFY2(session.createDemo(file("demo.db"), demoFile), qPrintable(session.errorText()));
+        QVERIFY(session.open(file("demo.db")));
+        QCOMPARE(session.inspections().size(), 2);
     }
 
     void brokenDemo_data()

@@ -146,7 +146,8 @@ private Q_SLOTS:
         QTest::newRow("list model")
             << "VideoOverlayElementListModel" << words("m_manager m_freeText");
         QTest::newRow("profile") << "Profile"
-                                 << words("m_name m_path m_readOnly m_elements m_changed");
+                                 << words("m_name m_path m_readOnly m_elements m_changed "
+                                          "m_damaged");
         QTest::newRow("profiles manager") << "ProfilesManager" << words("m_directory m_profiles");
         QTest::newRow("profiles model")
             << "VideoOverlayProfilesModel"

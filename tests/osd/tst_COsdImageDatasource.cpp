@@ -4,6 +4,7 @@
 #include "host/platform/Directories.h"
 #include "tests/support/LoggedTest.h"
 #include "tests/support/MetaListing.h"
+#include "tests/support/ProfileFolders.h"
 #include "videooverlay/elements/CVideoOverlayImage.h"
 
 #include <QDir>
@@ -237,6 +238,53 @@ private Q_SLOTS:
         QCOMPARE(takeLog(), QStringList {copyError(m_source, m_target)});
         QCOMPARE(QImage(m_target).pixelColor(0, 0), QColor(Qt::red));
         QCOMPARE(storedFiles(), QStringList {QStringLiteral("pipe.png")});
+    }
+
+    void aFullDiskLeavesNoPartOfACopy()
+    {
+        for (bool isThere : {false, true}) {
+            if (isThere)
+                COsdImageDatasource::storeFile(QFileInfo(m_source));
+            const QStringList before = storedFiles();
+            {
+                const Velmar::Test::FullDisk full;
+                QVERIFY(!COsdImageDatasource::storeFile(QFileInfo(m_source)).exists());
+            }
+            QCOMPARE(takeLog(), QStringList {copyError(m_source, m_target)});
+            QCOMPARE(storedFiles(), before);
+        }
+        QCOMPARE(QImage(m_target).pixelColor(0, 0), QColor(Qt::red));
+    }
+
+    void whatIsNoPictureKeepsItsName_data()
+    {
+        QTest::addColumn<QString>("name");
+        QTest::newRow("settings file") << QStringLiteral("OsdSettings.xml");
+        QTest::newRow("where letter case does not count") << QStringLiteral("osdsettings.XML");
+        QTest::newRow("folder of profiles") << QStringLiteral("osd");
+    }
+
+    /// The settings file is in the same directory, and the profiles' folder comes there.
+    void whatIsNoPictureKeepsItsName()
+    {
+        QFETCH(QString, name);
+        QVERIFY(QDir().mkpath(m_store));
+        const QString settings = m_store + QStringLiteral("/OsdSettings.xml");
+        Velmar::Test::ProfileFolders::write(settings, "the settings");
+        const QString source = m_directory->filePath(QStringLiteral("other/") + name);
+        writePicture(source, Qt::red);
+        ElementParam param = record(source);
+        CVideoOverlayImage image;
+
+        const Datasource datasource(&image, param);
+
+        QCOMPARE(
+            takeLog(),
+            (QStringList {copyError(source, m_store + QLatin1Char('/') + name), missing(source)}));
+        QCOMPARE(Velmar::Test::ProfileFolders::read(settings), QByteArray("the settings"));
+        QCOMPARE(storedFiles(), QStringList {QStringLiteral("OsdSettings.xml")});
+        QCOMPARE(image.imageSrc(), QString());
+        QCOMPARE(image.getParamObject().value(pathKey), QVariant(source)); // nothing is lost
     }
 
     void aStoredCopyIsNotCopiedAgain_data()

@@ -130,6 +130,34 @@ private Q_SLOTS:
         QCOMPARE(m_sink->entries().size(), 8);
     }
 
+    /// What a program tells people otherwise; the rest of the log stays complete.
+    void heldFromPeople()
+    {
+        class Console : public RecordingLogSink
+        {
+        public:
+            bool isForPeople() const override { return true; }
+        };
+        const auto console = std::make_shared<Console>();
+        LogRouter::instance().addSink(console);
+        {
+            const HeldLog held;
+            logAllLevels(QStringLiteral("Any"));
+            std::thread([] { logAllLevels(QStringLiteral("Other")); }).join();
+            QCOMPARE(held.errors(), QStringList(QStringLiteral("error")));
+        }
+        logAllLevels(QStringLiteral("Later"));
+        LogRouter::instance().removeSink(console);
+
+        QCOMPARE(m_sink->entries().size(), 12);
+        const QVector<LogEntry> shown = console->entries();
+        QCOMPARE(shown.size(), 8);
+        for (const LogEntry &entry : shown)
+            QVERIFY(entry.category != QLatin1String("Any"));
+        QVERIFY(StderrLogSink().isForPeople());
+        QVERIFY(!m_sink->isForPeople());
+    }
+
     void levelNames()
     {
         QCOMPARE(levelName(LogLevel::Error), QStringLiteral("error"));

@@ -10,15 +10,32 @@
 #include <QFileInfo>
 #include <QTest>
 
+#include <functional>
 #include <optional>
 #include <sys/stat.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
+#include <utility>
 
 using Velmar::Directories;
 using Velmar::Test::FullDisk;
 using Velmar::Test::ProfileFolders;
 using Velmar::VideoOverlay::COsdSettings;
+
+namespace {
+
+std::function<void()> duringNextFlush;
+
+} // namespace
+
+/// Stands in for that of the system: what is copied is complete, but has not got its name yet.
+extern "C" Q_DECL_EXPORT int fsync(int file)
+{
+    if (const std::function<void()> work = std::exchange(duringNextFlush, nullptr))
+        work();
+    return int(::syscall(SYS_fsync, file));
+}
 
 namespace {
 
@@ -122,6 +139,32 @@ private Q_SLOTS:
 
         QCOMPARE(ProfileFolders::read(settingsPath()), settingsXml("b"));
         QCOMPARE(modeOf(settingsPath()), 0600);
+    }
+
+    /// Half a template would stay for good: what is there is never overwritten by it.
+    void aFullDiskLeavesNoPartOfTheTemplate()
+    {
+        for (int size : {100, 100000}) { // one fits a buffer
+            ProfileFolders::write(templatePath(), QByteArray(size, 'x'));
+            {
+                const FullDisk full;
+                QVERIFY(!COsdSettings::copySettingsFile());
+            }
+            QCOMPARE(QDir(m_folders->settings()).entryList(QDir::Files | QDir::Hidden),
+                     QStringList());
+        }
+    }
+
+    void whatAnotherStoresMeanwhileStays()
+    {
+        ProfileFolders::write(templatePath(), settingsXml("the template's"));
+        duringNextFlush = [this] { ProfileFolders::write(settingsPath(), "the other's"); };
+
+        QVERIFY(!COsdSettings::copySettingsFile());
+
+        QCOMPARE(ProfileFolders::read(settingsPath()), QByteArray("the other's"));
+        QCOMPARE(QDir(m_folders->settings()).entryList(QDir::Files | QDir::Hidden),
+                 QStringList {QStringLiteral("OsdSettings.xml")});
     }
 
     void withoutATemplateNothingIsMade()

@@ -11,8 +11,12 @@
 #include <QSignalSpy>
 #include <QTest>
 
+#include <cerrno>
+#include <cstring>
 #include <memory>
 #include <optional>
+#include <sys/syscall.h>
+#include <unistd.h>
 
 using Velmar::Test::FullDisk;
 using Velmar::Test::methodsOf;
@@ -20,6 +24,23 @@ using Velmar::Test::ProfileFolders;
 using Velmar::Test::propertiesOf;
 using Velmar::VideoOverlay::ElementParam;
 using Velmar::VideoOverlay::Profile;
+
+namespace {
+
+int renameError = 0; ///< 0: as the system does
+
+} // namespace
+
+/// Stands in for that of the system: files of one directory may lie on several disks.
+extern "C" Q_DECL_EXPORT int renameat2(int fromPlace, const char *from, int toPlace, const char *to,
+                                       unsigned int flags) noexcept
+{
+    const bool isCopy = std::strstr(from, "/.") != nullptr;
+    if (renameError == 0 || isCopy)
+        return int(::syscall(SYS_renameat2, fromPlace, from, toPlace, to, flags));
+    errno = renameError;
+    return -1;
+}
 
 namespace {
 
@@ -319,6 +340,29 @@ private Q_SLOTS:
         QCOMPARE(ProfileFolders::read(profile.path()), QByteArray("x"));
     }
 
+    /// As from a mounted file, or another file system.
+    void aMoveBetweenDisksLosesNothing()
+    {
+        const QByteArray content = ProfileFolders::profileXml("");
+        Profile profile;
+        profile.setPath(m_folders->writeProfile(QStringLiteral("p.xml"), content));
+        renameError = EXDEV;
+        {
+            const FullDisk full;
+            QVERIFY(!profile.rename(QStringLiteral("q")));
+        }
+        QCOMPARE(profile.path(), pathOf(QStringLiteral("p.xml")));
+        QCOMPARE(ProfileFolders::read(profile.path()), content);
+        QCOMPARE(QDir(m_folders->profiles()).entryList(QDir::Files | QDir::Hidden),
+                 QStringList {QStringLiteral("p.xml")});
+
+        QVERIFY(profile.rename(QStringLiteral("q")));
+        renameError = 0;
+        QCOMPARE(ProfileFolders::read(profile.path()), content);
+        QCOMPARE(QDir(m_folders->profiles()).entryList(QDir::Files | QDir::Hidden),
+                 QStringList {QStringLiteral("q.xml")});
+    }
+
     void theLongestName()
     {
         Profile profile;
@@ -337,6 +381,7 @@ private Q_SLOTS:
         QTest::newRow("hidden") << QStringLiteral(".p");
         QTest::newRow("another directory") << QStringLiteral("../p");
         QTest::newRow("a directory that is there") << QStringLiteral("sub/p");
+        QTest::newRow("half a character, which files cannot have") << QString(QChar(0xd83d));
         QTest::newRow("a zero in it") << QString(QStringLiteral("p") + QChar::Null);
         QTest::newRow("a byte too long") << QString(252, QLatin1Char('p'));
         QTest::newRow("a byte too long, in 84 letters") << QString(84, QChar(0x20AC));

@@ -4,12 +4,11 @@
 #include "platform/directories/CApplicationDirectories.h"
 #include "videooverlay/Log_p.h"
 #include "videooverlay/elements/CVideoOverlayImage.h"
+#include "videooverlay/profiles/COsdSettings.h"
+#include "videooverlay/profiles/ProfilesManager.h"
+#include "videooverlay/profiles/ReplaceFile_p.h"
 
 #include <QDir>
-#include <QFile>
-#include <QUuid>
-
-#include <cstdio>
 
 namespace Velmar::VideoOverlay {
 
@@ -31,22 +30,14 @@ bool isSamePlace(const QString &one, const QString &other)
                                : canonical == QFileInfo(other).canonicalFilePath();
 }
 
-/// Copied beside the target first: whatever fails, an older target stays whole.
-bool replaceWithCopy(const QFileInfo &source, const QString &target)
+/// The settings directory is not the pictures' alone. Where letter case does not count, "OSD" is
+/// the folder of the profiles, too.
+bool isTaken(const QString &fileName)
 {
-    if (!source.isFile()) // reading from a pipe would wait for its writer
-        return false;
-    const QString unfinished = QFileInfo(target).dir().filePath(
-        QStringLiteral(".unfinished-") + QUuid::createUuid().toString(QUuid::WithoutBraces));
-    if (!QFile::copy(source.filePath(), unfinished))
-        return false;
-    // QFile::rename() never replaces.
-    if (std::rename(QFile::encodeName(unfinished).constData(),
-                    QFile::encodeName(target).constData())
-        == 0)
-        return true;
-    QFile::remove(unfinished);
-    return false;
+    const QString settings = QFileInfo(COsdSettings::xmlSettingsPath()).fileName();
+    const QString profiles = QFileInfo(ProfilesManager::profilesDirectory()).fileName();
+    return fileName.compare(settings, Qt::CaseInsensitive) == 0
+        || fileName.compare(profiles, Qt::CaseInsensitive) == 0;
 }
 
 } // namespace
@@ -87,7 +78,7 @@ QFileInfo COsdImageDatasource::storeFile(const QFileInfo &source)
         || isSamePlace(source.absoluteFilePath(), target))
         return source;
     store.mkpath(QStringLiteral("."));
-    if (replaceWithCopy(source, target))
+    if (!isTaken(source.fileName()) && copyFile(source.filePath(), target, Existing::Replace))
         return QFileInfo(target);
     log(LogLevel::Error,
         QStringLiteral("COsdElementDatasource file copy error (") + source.filePath()

@@ -57,11 +57,7 @@ QString COsdSettings::xmlConfigPath()
 bool COsdSettings::copySettingsFile()
 {
     const QString path = xmlSettingsPath();
-    if (QFile::exists(path) || !QFile::copy(xmlConfigPath(), path))
-        return false;
-    // The copy takes over the permissions of the template, which mostly nobody may write.
-    QFile::setPermissions(path, QFile::permissions(path) | QFile::ReadOwner | QFile::WriteOwner);
-    return true;
+    return !QFile::exists(path) && copyFile(xmlConfigPath(), path, Existing::Keep);
 }
 
 QString COsdSettings::getDefaultProfile()

@@ -2,12 +2,13 @@
 #include "videooverlay/profiles/Profile.h"
 
 #include "videooverlay/Log_p.h"
+#include "videooverlay/profiles/DamagedFile_p.h"
 #include "videooverlay/profiles/ProfileXmlReader.h"
 #include "videooverlay/profiles/ProfileXmlWriter.h"
 #include "videooverlay/profiles/ProfilesManager.h"
+#include "videooverlay/profiles/ReplaceFile_p.h"
 
 #include <QDir>
-#include <QFile>
 #include <QFileInfo>
 #include <QHash>
 #include <QQmlEngine>
@@ -40,6 +41,7 @@ QString Profile::path() const
 void Profile::setPath(const QString &path)
 {
     m_path = path;
+    m_damaged = false; // that was another file
 }
 
 bool Profile::readOnly() const
@@ -55,6 +57,11 @@ void Profile::setReadOnly(bool readOnly)
 bool Profile::changed() const
 {
     return m_changed;
+}
+
+bool Profile::damaged() const
+{
+    return m_damaged;
 }
 
 QString Profile::caption() const
@@ -77,18 +84,29 @@ bool Profile::load(const QString &path)
     ProfileXmlReader reader;
     QHash<QString, QVariant> header;
     const bool hasHeader = reader.readHeader(path, header);
+    const bool wasEmpty = m_elements.isEmpty();
     const bool hasElements = reader.readElements(path, m_elements);
     // Also when it could not be read: such a profile is listed, and has to say which file it is.
     m_path = path;
     m_name = header.value(QStringLiteral("caption")).toString();
     m_readOnly = header.value(QStringLiteral("readonly")).toBool();
+    m_damaged = !hasHeader || (wasEmpty && !hasElements);
     return hasHeader && hasElements;
 }
 
 bool Profile::save()
 {
+    // What the records never held would be lost. Looked at again: files may be damaged later, too.
+    if (QFileInfo(m_path).isFile() && (m_damaged || !isProfileFile(m_path))
+        && !keepDamagedFile(m_path)) {
+        log(LogLevel::Error, QStringLiteral("Cannot open profile file for save:") + m_path);
+        return false;
+    }
     ProfileXmlWriter writer;
-    return writer.writeElements(m_path, m_elements);
+    if (!writer.writeElements(m_path, m_elements))
+        return false;
+    m_damaged = false;
+    return true;
 }
 
 Profile *Profile::clone() const
@@ -108,7 +126,7 @@ bool Profile::rename(const QString &newName)
         return false;
     const QString newPath = ProfilesManager::profilesDirectory() + QDir::separator() + newName
         + QStringLiteral(".xml");
-    if (!QFile::rename(m_path, newPath))
+    if (!moveFile(m_path, newPath))
         return false;
     const QFileInfo file(newPath);
     m_path = file.absoluteFilePath();

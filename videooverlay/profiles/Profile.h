@@ -36,6 +36,10 @@ public:
     void setReadOnly(bool readOnly); ///< emits nothing
     bool changed() const;            ///< always false: nothing in the library sets it
 
+    /// Whether the file at path() could not be read when it was loaded: the records are not what it
+    /// holds. Ask before such a profile is saved.
+    bool damaged() const;
+
     /// For people: the name, or the file's base name while the name is empty.
     QString caption() const;
 
@@ -46,8 +50,9 @@ public:
     /// the reader logs; path, name and flag are set all the same.
     bool load(const QString &path);
 
-    /// Writes the records to path(). False when that fails, which the writer logs. The file holds
-    /// no name and is never read-only.
+    /// Writes the records to path(). False, and a line in the log, when that fails. The file holds
+    /// no name and is never read-only. A file that could not be read when it was loaded, or cannot
+    /// be read now, is kept beside it first, as "NAME.xml.damaged".
     bool save();
 
     /// A copy with the same name, path, flag and records. The caller owns it; QML never deletes it.
@@ -71,6 +76,7 @@ private:
     bool m_readOnly = false;
     QList<ElementParam> m_elements;
     bool m_changed = false;
+    bool m_damaged = false;
 };
 
 } // namespace Velmar::VideoOverlay

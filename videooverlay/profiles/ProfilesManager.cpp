@@ -43,10 +43,11 @@ QString ProfilesManager::profilesDirectory()
 bool ProfilesManager::isProfileName(const QString &name)
 {
     constexpr int maximumBytes = 255; // what file systems allow
+    const QByteArray encoded = QFile::encodeName(name + xmlSuffix);
     return !name.trimmed().isEmpty() && !name.startsWith(QLatin1Char('.')) // a hidden file
         && !name.contains(QLatin1Char('/')) && !name.contains(QDir::separator())
-        && !name.contains(QChar::Null)
-        && QFile::encodeName(name + xmlSuffix).size() <= maximumBytes;
+        && !name.contains(QChar::Null) && encoded.size() <= maximumBytes
+        && QFile::decodeName(encoded) == name + xmlSuffix; // else it would be another name
 }
 
 ProfilesManager::ProfilesManager(QObject *parent)

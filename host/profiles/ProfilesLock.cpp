@@ -1,0 +1,44 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "host/profiles/ProfilesLock.h"
+
+#include <videooverlay/profiles/ProfilesManager.h>
+
+#include <QDir>
+#include <QLockFile>
+
+namespace Velmar::Host {
+
+namespace {
+
+/// Of one that does not say whose it is, because its program was killed while it wrote it.
+constexpr int StaleMs = 10000;
+
+} // namespace
+
+ProfilesLock::ProfilesLock() = default;
+
+ProfilesLock::~ProfilesLock() = default;
+
+bool ProfilesLock::take(QString *error, int waitMs)
+{
+    const QDir directory(VideoOverlay::ProfilesManager::profilesDirectory());
+    m_file = std::make_unique<QLockFile>(directory.filePath(QStringLiteral(".lock")));
+    m_file->setStaleLockTime(StaleMs);
+    if (m_file->tryLock(waitMs))
+        return true;
+    const QLockFile::LockError problem = m_file->error();
+    qint64 process = 0;
+    QString machine;
+    QString program;
+    m_file->getLockInfo(&process, &machine, &program);
+    m_file.reset();
+    if (problem == QLockFile::PermissionError)
+        return true;
+    *error = problem == QLockFile::LockFailedError
+        ? QStringLiteral("%1: another program (%2, process %3) is changing the profiles; try again")
+              .arg(directory.path(), program, QString::number(process))
+        : QStringLiteral("%1: cannot be locked against other programs").arg(directory.path());
+    return false;
+}
+
+} // namespace Velmar::Host
