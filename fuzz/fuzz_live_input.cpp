@@ -1,22 +1,16 @@
 // SPDX-License-Identifier: Apache-2.0
 // Whatever bytes come as live input, in whatever portions: reading ends, every value has a name
 // that is known, and a sound line afterwards is read.
+#include "fuzz/Require.h"
 #include "host/feed/LiveInputParser.h"
 #include "host/feed/SystemValues.h"
 
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 
 using namespace Velmar::Host;
 
 namespace {
-
-void require(bool condition)
-{
-    if (!condition)
-        std::abort();
-}
 
 void check(const LiveInputParser::Batch &batch)
 {

@@ -1,30 +1,16 @@
 // SPDX-License-Identifier: Apache-2.0
 // Whatever bytes a profile file holds: reading ends, and what was read can be written and read
 // again with the same number of records.
+#include "fuzz/ScratchFile.h"
 #include "host/platform/LogRouter.h"
 #include "videooverlay/profiles/ProfileXmlReader.h"
 #include "videooverlay/profiles/ProfileXmlWriter.h"
 
-#include <QDir>
-#include <QFile>
-#include <QTemporaryDir>
-
-#include <cstdint>
-#include <cstdlib>
 #include <memory>
 
 using namespace Velmar::VideoOverlay;
 
 namespace {
-
-/// In memory where the system offers that: thousands of files are written each second.
-QString scratch(const char *name)
-{
-    static const QTemporaryDir directory(
-        (QDir(QStringLiteral("/dev/shm")).exists() ? QStringLiteral("/dev/shm") : QDir::tempPath())
-        + QStringLiteral("/xq-fuzz-XXXXXX"));
-    return directory.filePath(QLatin1String(name));
-}
 
 /// Most inputs are refused, each with a line that nobody reads.
 class SilentLogSink : public Velmar::Logging::LogSink
@@ -32,12 +18,6 @@ class SilentLogSink : public Velmar::Logging::LogSink
 public:
     void write(const Velmar::Logging::LogEntry & /*entry*/) override { }
 };
-
-void require(bool condition)
-{
-    if (!condition)
-        std::abort();
-}
 
 } // namespace
 
@@ -49,11 +29,9 @@ extern "C" int LLVMFuzzerInitialize(int * /*argc*/, char *** /*argv*/)
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
 {
-    const QString path = scratch("input.xml");
-    QFile file(path);
-    require(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
-    require(file.write(reinterpret_cast<const char *>(data), qint64(size)) == qint64(size));
-    file.close();
+    static ScratchFile scratch;
+    scratch.fill(data, size);
+    const QString path = scratch.path();
 
     QHash<QString, QVariant> header;
     const bool parsed = ProfileXmlReader().readHeader(path, header);
@@ -66,7 +44,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     }
     require(parsed);
 
-    const QString written = scratch("written.xml");
+    const QString written = scratchFolder() + QStringLiteral("/written.xml");
     require(ProfileXmlWriter().writeElements(written, records));
     QList<ElementParam> again;
     require(ProfileXmlReader().readElements(written, again));

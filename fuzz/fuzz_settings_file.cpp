@@ -1,41 +1,23 @@
 // SPDX-License-Identifier: Apache-2.0
 // Whatever bytes the settings file holds: reading ends and changes nothing, and afterwards a path
 // can be stored and read back.
+#include "fuzz/ScratchFile.h"
 #include "host/platform/Directories.h"
 #include "videooverlay/profiles/COsdSettings.h"
 
-#include <QDir>
 #include <QFile>
-#include <QTemporaryDir>
-
-#include <cstdint>
-#include <cstdlib>
 
 using namespace Velmar::VideoOverlay;
 
-namespace {
-
-/// In memory where the system offers that: thousands of files are written each second.
-void useScratchDirectory()
+extern "C" int LLVMFuzzerInitialize(int * /*argc*/, char *** /*argv*/)
 {
-    static const QTemporaryDir directory(
-        (QDir(QStringLiteral("/dev/shm")).exists() ? QStringLiteral("/dev/shm") : QDir::tempPath())
-        + QStringLiteral("/xq-fuzz-XXXXXX"));
-    Velmar::Directories::setSettingsDirectory(directory.path());
-    Velmar::Directories::setReadonlyConfigDirectory(directory.filePath(QStringLiteral("none")));
+    Velmar::Directories::setSettingsDirectory(scratchFolder());
+    Velmar::Directories::setReadonlyConfigDirectory(scratchFolder() + QStringLiteral("/none"));
+    return 0;
 }
-
-void require(bool condition)
-{
-    if (!condition)
-        std::abort();
-}
-
-} // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
 {
-    useScratchDirectory();
     const auto bytes = QByteArray::fromRawData(reinterpret_cast<const char *>(data), int(size));
     QFile file(COsdSettings::xmlSettingsPath());
     require(file.open(QIODevice::WriteOnly | QIODevice::Truncate));

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/check/MarkupTree.h"
 
+#include <QDomDocument>
+#include <QRegularExpression>
 #include <QTextCodec>
 #include <QXmlStreamReader>
 
@@ -13,16 +15,34 @@ namespace {
 
 constexpr int MostLevels = 64;
 
-/// The characters of the document; the encoding is taken from its mark or declaration.
+/// The encoding that the document names itself; null when it names none that is known.
+QTextCodec *namedCodec(const QByteArray &document)
+{
+    constexpr int longestDeclaration = 200;
+    static const QRegularExpression declaration(
+        QStringLiteral("^<\\?xml[^>]*\\sencoding\\s*=\\s*[\"']([A-Za-z0-9._:-]+)[\"']"));
+    const QString start = QString::fromLatin1(document.left(longestDeclaration));
+    const QString name = declaration.match(start).captured(1);
+    return name.isEmpty() ? nullptr : QTextCodec::codecForName(name.toLatin1());
+}
+
+/// The encoding as the overlay finds it: from the mark or the first bytes, else from the
+/// declaration, even where that cannot be true.
+QTextCodec *codecOf(const QByteArray &document)
+{
+    if (QTextCodec *marked = QTextCodec::codecForUtfText(document, nullptr))
+        return marked;
+    if (document.startsWith(QByteArray("<\0", 2)))
+        return QTextCodec::codecForName("UTF-16LE");
+    if (document.startsWith(QByteArray("\0<", 2)))
+        return QTextCodec::codecForName("UTF-16BE");
+    QTextCodec *named = namedCodec(document);
+    return named ? named : QTextCodec::codecForName("UTF-8");
+}
+
 QString decoded(const QByteArray &document)
 {
-    QXmlStreamReader probe(document);
-    while (!probe.atEnd() && !probe.isStartElement())
-        probe.readNext();
-    QTextCodec *codec = QTextCodec::codecForName(probe.documentEncoding().toString().toLatin1());
-    codec
-        = QTextCodec::codecForUtfText(document, codec ? codec : QTextCodec::codecForName("UTF-8"));
-    QString text = codec->toUnicode(document);
+    QString text = codecOf(document)->toUnicode(document);
     text.replace(QLatin1String("\r\n"), QLatin1String("\n"));
     return text;
 }
@@ -114,6 +134,13 @@ private:
     TextPlace m_place;
 };
 
+/// The overlay reads its profiles with another parser, which takes less: no odd letters in names.
+void askOtherParser(const QString &text, MarkupTree *tree)
+{
+    QDomDocument document;
+    document.setContent(text, &tree->error, &tree->errorPlace.line, &tree->errorPlace.column);
+}
+
 } // namespace
 
 const MarkupNode *MarkupNode::child(const QString &childName) const
@@ -132,6 +159,8 @@ MarkupTree MarkupTree::read(const QByteArray &document)
     }
     const QString text = decoded(document);
     Reader(text).read(&tree);
+    if (tree.error.isEmpty())
+        askOtherParser(text, &tree);
     return tree;
 }
 

@@ -73,6 +73,15 @@ QString checkHeader(const QStringList &cells)
     return QString();
 }
 
+/// From @p before at 0 to @p after at 1. The difference of two finite numbers may be none: of two
+/// on either side of zero, each gets its weight instead.
+double between(double before, double after, double share)
+{
+    if ((before <= 0 && after >= 0) || (before >= 0 && after <= 0))
+        return share * after + (1 - share) * before;
+    return before + (after - before) * share;
+}
+
 /// A time is digits only: no sign, no blank, no fraction.
 bool parseTime(const QString &cell, qint64 &timeMs)
 {
@@ -223,7 +232,7 @@ double TelemetryFile::interpolated(const QString &name, qint64 timeMs, double fa
     if (timeMs <= from)
         return before;
     const double share = double(timeMs - from) / double(*next - from);
-    return before + (track->values.at(index + 1) - before) * share;
+    return between(before, track->values.at(index + 1), share);
 }
 
 } // namespace Velmar::Host

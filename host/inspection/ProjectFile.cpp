@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/inspection/ProjectFile.h"
 
-#include <QFile>
+#include "host/platform/SmallFile.h"
+
 #include <QJsonDocument>
 
 namespace Velmar::Host {
@@ -41,11 +42,12 @@ bool ProjectFile::load(const QString &path, const QString &catalogId)
     m_errorText.clear();
     m_named.clear();
     const QString what = QStringLiteral("Cannot read project file \"%1\": ").arg(path);
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        return fail(what + file.errorString());
+    QString unreadable;
+    const QByteArray bytes = readSmallFile(path, &unreadable);
+    if (!unreadable.isEmpty())
+        return fail(what + unreadable);
     QJsonParseError error;
-    const QJsonDocument document = QJsonDocument::fromJson(file.readAll(), &error);
+    const QJsonDocument document = QJsonDocument::fromJson(bytes, &error);
     if (error.error != QJsonParseError::NoError)
         return fail(what
                     + QStringLiteral("%1 at byte %2").arg(error.errorString()).arg(error.offset));

@@ -2,8 +2,8 @@
 #include "host/platform/CatalogFile.h"
 
 #include "host/platform/CatalogTemplate.h"
+#include "host/platform/SmallFile.h"
 
-#include <QFile>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QRegularExpression>
@@ -19,7 +19,6 @@ using Templates::CatalogTemplate;
 using Templates::CListItem;
 using Type = Templates::CTemplateColumn::Type;
 
-constexpr int maximumSize = 16 * 1024 * 1024; // [bytes]
 constexpr int maximumProblems = 20;
 
 Type typeByName(const QString &name)
@@ -220,14 +219,10 @@ private:
 CatalogFile::CatalogFile(const QString &path)
     : m_path(path)
 {
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly)) {
-        report(QString(), file.errorString());
-        return;
-    }
-    m_json = file.read(maximumSize + 1);
-    if (m_json.size() > maximumSize) {
-        report(QString(), QStringLiteral("larger than 16 MiB"));
+    QString unreadable;
+    m_json = readSmallFile(path, &unreadable);
+    if (!unreadable.isEmpty()) {
+        report(QString(), unreadable);
         return;
     }
     QJsonParseError error;

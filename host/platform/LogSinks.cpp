@@ -9,11 +9,21 @@ namespace Velmar::Logging {
 
 namespace {
 
-/// One entry is one line, whatever line feeds its message holds.
-QByteArray oneLine(QString text)
+/// One entry is one line, whatever its message quotes from a file: line feeds, carriage returns,
+/// and what a terminal takes as a command.
+QByteArray oneLine(const QString &text)
 {
-    text.replace(QLatin1Char('\n'), QLatin1String("\\n"));
-    return text.toUtf8();
+    QString line;
+    line.reserve(text.size());
+    for (const QChar character : text) {
+        if (character == QLatin1Char('\n'))
+            line += QLatin1String("\\n");
+        else if (character.category() == QChar::Other_Control)
+            line += QStringLiteral("\\x%1").arg(character.unicode(), 2, 16, QLatin1Char('0'));
+        else
+            line += character;
+    }
+    return line.toUtf8();
 }
 
 } // namespace

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/platform/TranslationFile.h"
 
+#include "host/platform/SmallFile.h"
 #include "platform/translation/CTranslator.h"
 
-#include <QFile>
 #include <QJsonDocument>
 #include <QJsonObject>
 
@@ -11,12 +11,12 @@ namespace Velmar::Translation {
 
 bool TranslationFile::load(const QString &filePath, QString *error)
 {
-    QFile file(filePath);
-    if (!file.open(QIODevice::ReadOnly)) {
-        *error = file.errorString();
+    QString unreadable;
+    const QByteArray bytes = readSmallFile(filePath, &unreadable);
+    if (!unreadable.isEmpty()) {
+        *error = unreadable;
         return false;
     }
-    const QByteArray bytes = file.readAll();
     QJsonParseError parseError;
     const QJsonObject root = QJsonDocument::fromJson(bytes, &parseError).object();
     if (parseError.error != QJsonParseError::NoError) {

@@ -93,6 +93,13 @@ void tst_ProfileCheck::findings_data()
                                                   << QByteArrayList {"2:11: unknown element A"};
     QTest::newRow("entities") << QByteArray("<!DOCTYPE P [<!ENTITY a 'b'>]>\n<PROFILE/>")
                               << QByteArrayList {"1:1: entities are declared"};
+    // One parser takes it, the other, which the overlay reads with, does not.
+    QTest::newRow("a letter that no name has")
+        << QByteArray("<PROFILE>\n <GENERAL n\x01=\"\"/></PROFILE>")
+        << QByteArrayList {"2:12: unexpected character"};
+    QTest::newRow("another encoding than it says")
+        << QByteArray("<?xml version=\"1.0\" encoding=\"UTF-16\"?>\n<PROFILE/>")
+        << QByteArrayList {"1:2: Start tag expected."};
     QTest::newRow("windows line ends")
         << QByteArray("<PROFILE>\r\n  <A/>\r\n   <B/>\r\n</PROFILE>")
         << QByteArrayList({"2:3: unknown element A", "3:4: unknown element B"});

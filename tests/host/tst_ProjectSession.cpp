@@ -201,6 +201,8 @@ private Q_SLOTS:
             R"({"project": {}, "nodes": [{"OBJ_Key": "1"}],
                 "inspections": [{"object": "1", "INS_Date": "tomorrow"}]})",
             "column INS_Date cannot hold \"tomorrow\"");
+        QTest::newRow("far larger than any") << R"({"project": {}})" + QByteArray(16 << 20, ' ')
+                                             << QStringLiteral("larger than 16 MiB");
     }
 
     void brokenDemo()

@@ -254,6 +254,17 @@ private Q_SLOTS:
         QCOMPARE(file.interpolated(name, timeMs, -1.0), value);
     }
 
+    /// Whose difference is no number any more: the camera of the drawn run must not leave the pipe.
+    void interpolated_betweenNumbersFarApart()
+    {
+        write("t_ms,A\n0,-1.5e308\n1000,1.5e308\n");
+        TelemetryFile file;
+        QVERIFY(file.load(m_path, nullptr));
+        QCOMPARE(file.interpolated(QStringLiteral("A"), 250), -0.75e308);
+        QCOMPARE(file.interpolated(QStringLiteral("A"), 500), 0.0);
+        QCOMPARE(file.interpolated(QStringLiteral("A"), 999), 1.497e308);
+    }
+
     void demoRunIsPlausible()
     {
         TelemetryFile file;

@@ -175,7 +175,8 @@ private Q_SLOTS:
         QVERIFY(sink.isOpen());
         const QDateTime before = QDateTime::currentDateTimeUtc();
         sink.write({LogLevel::Warning, QStringLiteral("Overlay"), QStringLiteral("21 \u00b0C")});
-        sink.write({LogLevel::Debug, QStringLiteral("Overlay"), QStringLiteral("two\nlines")});
+        sink.write(
+            {LogLevel::Debug, QStringLiteral("Overlay"), QStringLiteral("two\nlines\r\033[2J")});
 
         // while the sink is still open: every line is out before the call returns
         const QList<QByteArray> lines = linesOf(path);
@@ -188,7 +189,7 @@ private Q_SLOTS:
         QCOMPARE(lines.at(0).mid(blank),
                  QByteArray(" warning Overlay: 21 \xc2\xb0"
                             "C"));
-        QVERIFY(lines.at(1).endsWith(" debug Overlay: two\\nlines"));
+        QVERIFY(lines.at(1).endsWith(" debug Overlay: two\\nlines\\x0d\\x1b[2J"));
     }
 
     void fileSinkAppends()

@@ -197,6 +197,9 @@ private Q_SLOTS:
         QTest::newRow("a list") << QByteArray("[]") << "\"language\" or \"locale\" is missing";
         QTest::newRow("a number for a text")
             << texts("ESP", "es", "\"SPEED\": 5") << "\"SPEED\" of \"Some.Context\" is not a text";
+        QTest::newRow("far larger than any")
+            << texts("ESP", "es", "\"SPEED\": \"Velocidad\"") + QByteArray(16 * 1024 * 1024, ' ')
+            << "larger than 16 MiB";
     }
 
     void brokenFile()

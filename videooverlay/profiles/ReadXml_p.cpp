@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "videooverlay/profiles/ReadXml_p.h"
 
+#include <QFileDevice>
 #include <QIODevice>
 #include <QRegularExpression>
 #include <QTextCodec>
@@ -126,12 +127,32 @@ QString reasonToRefuse(const QString &text)
     return TagWalk(text).reasonToRefuse();
 }
 
+/// What is left of @p device, but no more than the first byte beyond what is allowed: it tells a
+/// file that is too large, also one that cannot tell its size. In portions, because one call for
+/// that many bytes asks for room for all of them first, 16 MiB for each small file.
+QByteArray readBytes(QIODevice &device)
+{
+    constexpr qint64 portion = 64 * 1024;
+    QByteArray bytes;
+    while (bytes.size() <= maximumXmlBytes) {
+        const QByteArray next = device.read(qMin(portion, maximumXmlBytes + 1 - bytes.size()));
+        if (next.isEmpty())
+            break;
+        bytes += next;
+    }
+    return bytes;
+}
+
 } // namespace
 
 bool readXml(QIODevice &device, QDomDocument &document, QString *message)
 {
-    // One byte more tells a file that is too large, also one that cannot tell its size.
-    const QByteArray bytes = device.read(maximumXmlBytes + 1);
+    const QByteArray bytes = readBytes(device);
+    const auto *file = qobject_cast<const QFileDevice *>(&device);
+    if (file && file->error() != QFileDevice::NoError) { // else it looks like a shorter file
+        *message = file->errorString();
+        return false;
+    }
     if (bytes.size() > maximumXmlBytes) {
         *message = QStringLiteral("larger than %1 bytes").arg(maximumXmlBytes);
         return false;
