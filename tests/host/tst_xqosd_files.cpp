@@ -69,6 +69,7 @@ private Q_SLOTS:
     void lockedProfiles();
     void pictureThatCannotBeCopied_data();
     void pictureThatCannotBeCopied();
+    void nameThatIsNoText();
 
 private:
     QString path(const QString &name) const { return m_directory->filePath(name); }
@@ -321,6 +322,21 @@ void tst_xqosd_files::pictureThatCannotBeCopied()
     if (status != 0)
         QCOMPARE(outcome.err,
                  QStringList(s("xqosd: %1: cannot be copied to %2").arg(path(name), copy)));
+}
+
+/// It would be written under another name.
+void tst_xqosd_files::nameThatIsNoText()
+{
+    QProcess shell;
+    shell.setWorkingDirectory(m_directory->path());
+    shell.start(s("/bin/sh"),
+                {s("-c"),
+                 s("exec \"$0\" snapshot --transparent --output \"$(printf 'a\\377.png')\""),
+                 QStringLiteral(XQOSD_PROGRAM)});
+    const Outcome outcome = outcomeOf(shell);
+    QCOMPARE(outcome.status, 2);
+    QCOMPARE(outcome.err, QStringList(s("xqosd: \"a\uFFFD.png\": is not UTF-8, as names must be")));
+    QCOMPARE(QDir(m_directory->path()).entryList(QDir::Files), QStringList());
 }
 
 QTEST_GUILESS_MAIN(tst_xqosd_files)
