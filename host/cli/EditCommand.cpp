@@ -4,6 +4,7 @@
 #include "host/OverlaySession.h"
 #include "host/cli/ElementProperties.h"
 #include "host/cli/Report.h"
+#include "host/profiles/ProfilesLock.h"
 
 #include <videooverlay/display/CVideoOverlayManager.h>
 #include <videooverlay/elements/CVideoOverlayElement.h>
@@ -54,6 +55,9 @@ QList<CVideoOverlayElement *> elementsNamed(const OverlaySession &session, const
 int runEdit(const Options &options)
 {
     QString error;
+    ProfilesLock lock; // from reading to saving
+    if (!lock.take(&error))
+        return reportError(error);
     OverlaySession session(PictureSize);
     if (!session.openProfiles(options.profile, &error))
         return reportError(error);
