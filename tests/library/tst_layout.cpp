@@ -101,7 +101,7 @@ private Q_SLOTS:
                                           "m_height m_timeout m_enabled m_timer m_remaining "
                                           "m_timeoutDisabled m_transparency m_temporaryHide "
                                           "m_maxLineNumber m_settings m_params m_groupMutex "
-                                          "m_runningEdits");
+                                          "m_runningEdits m_deleteWhenIdle");
         QTest::newRow("text") << "CVideoOverlayText"
                               << words("m_text m_lines m_unit m_textColor m_backgroundColor m_font "
                                        "m_fontMetrics m_alignment m_gridConnection");

@@ -16,6 +16,7 @@
 #include <QString>
 #include <QStringList>
 
+#include <functional>
 #include <memory>
 
 namespace Velmar::Shared {
@@ -153,6 +154,12 @@ public Q_SLOTS:
     void onChildDestroyed(Velmar::VideoOverlay::CVideoOverlayElement *obj);
 
 private:
+    friend class VideoOverlayElementListModel; ///< walks over the elements, too
+
+    /// Comes to every element, in order and under the lock. Handlers and displays may delete
+    /// elements meanwhile, this one or another: what has left is passed over.
+    void forEachElement(const std::function<void(CVideoOverlayElement &)> &visit);
+    bool isHere(const CVideoOverlayElement &element) const; ///< also the watermark
     void adopt(CVideoOverlayElement *element);
     /// Destroys it, at once or, in the middle of its own operation, when that is over.
     void discard(CVideoOverlayElement *element);
@@ -161,6 +168,8 @@ private:
     void connectText(CVideoOverlayText *text);
     void connectImage(CVideoOverlayImage *image);
     void onElementChanged(CVideoOverlayElement *element);
+    /// The colour that all texts have; false when there is none or more than one.
+    bool commonColor(QColor (CVideoOverlayText::*colorOf)() const, QColor &color);
     template <typename Value> void setKx70(Value &stored, const Value &value);
     ElementParam generalSettingsGetChanges();
     /// Takes the favourites into the record of a free text; false when there is nothing to take.
