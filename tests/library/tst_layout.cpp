@@ -142,7 +142,8 @@ private Q_SLOTS:
                                           "m_elementListModel m_elementAccessor m_profilesModel "
                                           "m_favoritesModel m_settings m_globalTransparency "
                                           "m_emitKx70Changes m_generalSettings m_analogVideo "
-                                          "m_kx70iiState m_kx70iiCol m_kx70iiRow m_kx70iiUnits");
+                                          "m_kx70iiState m_kx70iiCol m_kx70iiRow m_kx70iiUnits "
+                                          "m_idsInOrder");
         QTest::newRow("list model")
             << "VideoOverlayElementListModel" << words("m_manager m_freeText");
         QTest::newRow("profile") << "Profile"

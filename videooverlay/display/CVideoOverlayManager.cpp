@@ -181,6 +181,10 @@ void CVideoOverlayManager::adopt(CVideoOverlayElement *element)
     element->m_groupMutex = &m_mutex;
     element->setParent(this);
     element->setId(++lastElementId);
+    // At once, in whatever thread: who changes an id holds the lock.
+    connect(
+        element, &CVideoOverlayElement::idChanged, this, [this] { m_idsInOrder = false; },
+        Qt::DirectConnection);
     element->setTransparency(m_globalTransparency);
     m_elements.append(element);
     adjustElementPosition(element); // in its place when it is first shown
@@ -320,20 +324,18 @@ QList<CVideoOverlayElement *> CVideoOverlayManager::getElementList()
 int CVideoOverlayManager::rowIndexByID(int id)
 {
     QMutexLocker lock(&m_mutex);
-    // Ids grow with the rows, and every change of an element asks for its row: a walk would make
-    // the loading of a profile grow with the square of its size. They are read without the
-    // elements' locks, because they change under this one only; the caller may hold one of those
-    // already.
+    // Every change of an element asks for its row: a walk would make the loading of a profile grow
+    // with the square of its size. So they are searched by halves, as long as nobody gave an
+    // element another id. Ids are read without the elements' locks, because they change under this
+    // one only; the caller may hold one of those already.
     const auto begin = m_elements.cbegin();
     const auto end = m_elements.cend();
-    auto found
-        = std::lower_bound(begin, end, id, [](const CVideoOverlayElement *element, int wanted) {
-              return element->m_id < wanted;
-          });
+    const auto isBefore
+        = [](const CVideoOverlayElement *element, int wanted) { return element->m_id < wanted; };
     const auto hasId = [id](const CVideoOverlayElement *element) { return element->m_id == id; };
-    if (found == end || !hasId(*found))
-        found = std::find_if(begin, end, hasId); // somebody gave an element another id
-    return found == end ? -1 : int(found - begin);
+    const auto found = m_idsInOrder ? std::lower_bound(begin, end, id, isBefore)
+                                    : std::find_if(begin, end, hasId);
+    return found == end || !hasId(*found) ? -1 : int(found - begin);
 }
 
 bool CVideoOverlayManager::deleteElement(int index)
@@ -350,6 +352,7 @@ bool CVideoOverlayManager::deleteElement(int index)
         if (row < 0)
             return true;
         m_elements.removeAt(row);
+        m_idsInOrder = m_idsInOrder || m_elements.isEmpty();
         if (m_elementAccessor)
             m_elementAccessor->unregisterElement(element);
     }

@@ -89,7 +89,7 @@ public:
     /// Null for an index out of range.
     Q_INVOKABLE Velmar::VideoOverlay::CVideoOverlayElement *getElement(int index);
     QList<CVideoOverlayElement *> getElementList();
-    int rowIndexByID(int id); ///< -1 when no element has the id
+    int rowIndexByID(int id); ///< of the first element with the id; -1 when none has it
     bool deleteElement(int index);
     bool deleteElementFromModel(CVideoOverlayElement *element);
     void removeElements();
@@ -193,6 +193,7 @@ private:
     int m_kx70iiRow = 1;
     // Not "metric" as in the default record: replaced as soon as general settings are applied.
     QString m_kx70iiUnits = QStringLiteral("metrics");
+    bool m_idsInOrder = true; ///< all ids are the manager's own, which grow with the rows
 };
 
 } // namespace Velmar::VideoOverlay
