@@ -167,6 +167,64 @@ private Q_SLOTS:
         overlay.manager.registerElementAccessor(nullptr);
     }
 
+    void rowsByIdsGivenByOthers_data()
+    {
+        QTest::addColumn<QVector<int>>("ids");
+
+        QTest::newRow("one among others twice") << QVector<int> {5, 1, 5};
+        QTest::newRow("twice at the end") << QVector<int> {1, 5, 5};
+        QTest::newRow("twice at the start") << QVector<int> {5, 5, 1};
+        QTest::newRow("all the same") << QVector<int> {3, 3, 3, 3, 3};
+        QTest::newRow("falling") << QVector<int> {9, 8, 7, 6, 5, 4};
+        QTest::newRow("mixed") << QVector<int> {2, 9, 4, 4, 1, 9, 2, 7};
+        QTest::newRow("below zero") << QVector<int> {-1, -5, -1};
+        QTest::newRow("as they are given") << QVector<int> {1000000, 1000001, 1000002};
+    }
+
+    /// The first of equal ids, whatever order they come in; the same for elements that come later
+    /// and after some have left.
+    void rowsByIdsGivenByOthers()
+    {
+        QFETCH(QVector<int>, ids);
+        CVideoOverlayManager &manager = m_overlay->manager;
+        const auto compareAll = [&] {
+            QVector<int> live;
+            for (int row = 0; row < manager.elementsCount(); ++row)
+                live.append(manager.getElement(row)->id());
+            for (int wanted : ids + live + QVector<int> {0, -7, 123456789})
+                QCOMPARE(manager.rowIndexByID(wanted), live.indexOf(wanted));
+        };
+        for (int id : qAsConst(ids))
+            manager.createText()->setId(id);
+        compareAll();
+        manager.createText(); // with an id of the manager's own
+        compareAll();
+        QVERIFY(manager.deleteElement(0));
+        compareAll();
+        manager.getElement(1)->setId(manager.getElement(0)->id());
+        compareAll();
+        manager.removeElements();
+        QCOMPARE(manager.rowIndexByID(ids.first()), -1);
+        const int id = manager.createText()->id();
+        manager.createText();
+        QCOMPARE(manager.rowIndexByID(id), 0);
+        compareAll();
+    }
+
+    /// The row of the first one is announced, as that is the one that is found by the id.
+    void theChangedRowOfEqualIds()
+    {
+        LiveOverlay &overlay = *m_overlay;
+        CVideoOverlayText *first = overlay.manager.createText();
+        overlay.manager.createText();
+        CVideoOverlayText *last = overlay.manager.createText();
+        last->setId(first->id());
+        QSignalSpy changed(&overlay.model, &QAbstractItemModel::dataChanged);
+        last->setRow(5);
+        QCOMPARE(changed.count(), 1);
+        QCOMPARE(changed.first().first().toModelIndex().row(), 0);
+    }
+
     void textChanges_data()
     {
         QTest::addColumn<TextEdit>("edit");

@@ -101,7 +101,7 @@ private Q_SLOTS:
                                           "m_height m_timeout m_enabled m_timer m_remaining "
                                           "m_timeoutDisabled m_transparency m_temporaryHide "
                                           "m_maxLineNumber m_settings m_params m_groupMutex "
-                                          "m_runningEdits");
+                                          "m_runningEdits m_deleteWhenIdle");
         QTest::newRow("text") << "CVideoOverlayText"
                               << words("m_text m_lines m_unit m_textColor m_backgroundColor m_font "
                                        "m_fontMetrics m_alignment m_gridConnection");
@@ -142,7 +142,8 @@ private Q_SLOTS:
                                           "m_elementListModel m_elementAccessor m_profilesModel "
                                           "m_favoritesModel m_settings m_globalTransparency "
                                           "m_emitKx70Changes m_generalSettings m_analogVideo "
-                                          "m_kx70iiState m_kx70iiCol m_kx70iiRow m_kx70iiUnits");
+                                          "m_kx70iiState m_kx70iiCol m_kx70iiRow m_kx70iiUnits "
+                                          "m_idsInOrder");
         QTest::newRow("list model")
             << "VideoOverlayElementListModel" << words("m_manager m_freeText");
         QTest::newRow("profile") << "Profile"

@@ -24,6 +24,8 @@ bool RecordingDisplayBackend::isActive()
 bool RecordingDisplayBackend::displayElement(CVideoOverlayElement &element)
 {
     m_calls.append(QStringLiteral("displayElement %1").arg(element.id()));
+    if (whileDisplaying)
+        whileDisplaying(element);
     return displayResult;
 }
 

@@ -30,6 +30,8 @@ public:
     bool enabled = false; ///< also changed by setVideoOverlayEnabled()
     bool displayResult = true;
     bool deleteResult = true;
+    /// Runs inside displayElement().
+    std::function<void(VideoOverlay::CVideoOverlayElement &)> whileDisplaying;
     /// Runs inside deleteElement().
     std::function<void(VideoOverlay::CVideoOverlayElement &)> whileDeleting;
 

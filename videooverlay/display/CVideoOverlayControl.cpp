@@ -39,13 +39,17 @@ bool CVideoOverlayControl::displayElement(CVideoOverlayElement &element)
 {
     if (!controlActive())
         return false;
-    return m_renderDisabled || m_backend->displayElement(element);
+    if (m_renderDisabled)
+        return true;
+    const CVideoOverlayElement::Use use(element); // a backend may have elements deleted
+    return m_backend->displayElement(element);
 }
 
 bool CVideoOverlayControl::deleteElement(CVideoOverlayElement &element)
 {
     if (!controlActive())
         return false;
+    const CVideoOverlayElement::Use use(element);
     QMutexLocker lock(&element.m_mutex);
     return m_backend->deleteElement(element);
 }

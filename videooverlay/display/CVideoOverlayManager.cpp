@@ -16,6 +16,7 @@
 #include <QVector>
 
 #include <algorithm>
+#include <utility>
 
 namespace Velmar::VideoOverlay {
 
@@ -28,39 +29,9 @@ const QString favoritesKey = QStringLiteral("favorites");
 /// One counter for the whole library, so that ids are unique across managers and never come again.
 int lastElementId = 0;
 
-/// The colour that @p colorOf gives for every text among @p elements; false when there is none or
-/// more than one. The colour itself is returned, never one made from its name: an invalid colour
-/// has the name of opaque black.
-template <typename ColorOf>
-bool commonColor(const QList<CVideoOverlayElement *> &elements, ColorOf colorOf, QColor &color)
-{
-    QSet<QString> names;
-    QColor found;
-    for (CVideoOverlayElement *element : elements) {
-        if (const auto *text = qobject_cast<CVideoOverlayText *>(element)) {
-            found = colorOf(*text);
-            names.insert(found.name(QColor::HexArgb));
-        }
-    }
-    if (names.size() != 1)
-        return false;
-    color = found;
-    return true;
-}
-
 QList<COsdElementDatasource *> datasourcesOf(const CVideoOverlayElement &element)
 {
     return element.findChildren<COsdElementDatasource *>(QString(), Qt::FindDirectChildrenOnly);
-}
-
-/// For walks in which handlers of signals may delete elements.
-QVector<QPointer<CVideoOverlayElement>> guarded(const QList<CVideoOverlayElement *> &elements)
-{
-    QVector<QPointer<CVideoOverlayElement>> result;
-    result.reserve(elements.size());
-    for (CVideoOverlayElement *element : elements)
-        result.append(element);
-    return result;
 }
 
 } // namespace
@@ -96,10 +67,9 @@ CVideoOverlayManager::~CVideoOverlayManager()
         m_control.deleteElement(*element);
         discard(element);
     }
-    if (m_watermark) {
-        m_control.deleteElement(*m_watermark);
-        discard(m_watermark);
-        m_watermark = nullptr;
+    if (CVideoOverlayImage *mark = std::exchange(m_watermark, nullptr)) {
+        m_control.deleteElement(*mark);
+        discard(mark);
     }
 }
 
@@ -211,26 +181,49 @@ void CVideoOverlayManager::adopt(CVideoOverlayElement *element)
     element->m_groupMutex = &m_mutex;
     element->setParent(this);
     element->setId(++lastElementId);
+    // At once, in whatever thread: who changes an id holds the lock.
+    connect(
+        element, &CVideoOverlayElement::idChanged, this, [this] { m_idsInOrder = false; },
+        Qt::DirectConnection);
     element->setTransparency(m_globalTransparency);
     m_elements.append(element);
     adjustElementPosition(element); // in its place when it is first shown
 }
 
+void CVideoOverlayManager::forEachElement(const std::function<void(CVideoOverlayElement &)> &visit)
+{
+    QMutexLocker lock(&m_mutex);
+    QVector<QPointer<CVideoOverlayElement>> elements;
+    elements.reserve(m_elements.size());
+    for (CVideoOverlayElement *element : qAsConst(m_elements))
+        elements.append(element);
+    for (const QPointer<CVideoOverlayElement> &element : qAsConst(elements)) {
+        if (element && isHere(*element))
+            visit(*element);
+    }
+}
+
+bool CVideoOverlayManager::isHere(const CVideoOverlayElement &element) const
+{
+    return element.m_groupMutex == &m_mutex; // until silence()
+}
+
 void CVideoOverlayManager::createWatermark(const QString &path)
 {
     QMutexLocker lock(&m_mutex);
-    if (m_watermark) {
-        m_control.deleteElement(*m_watermark);
-        silence(m_watermark);
-        m_watermark->deleteLater(); // a screen may still show it
+    if (CVideoOverlayImage *old = std::exchange(m_watermark, nullptr)) {
+        m_control.deleteElement(*old);
+        silence(old);
+        old->deleteLater(); // a screen may still show it
     }
-    m_watermark = new CVideoOverlayImage;
-    m_watermark->m_groupMutex = &m_mutex;
-    m_watermark->setId(++lastElementId);
-    m_watermark->setImageSrc(path);
-    m_watermark->setType(CVideoOverlayElement::Watermark);
-    connectImage(m_watermark);
-    m_control.displayElement(*m_watermark);
+    auto *mark = new CVideoOverlayImage;
+    m_watermark = mark;
+    mark->m_groupMutex = &m_mutex;
+    mark->setId(++lastElementId);
+    mark->setImageSrc(path);
+    mark->setType(CVideoOverlayElement::Watermark);
+    connectImage(mark);
+    m_control.displayElement(*mark);
 
     ElementParam param;
     param.insert(QStringLiteral("type"), int(CVideoOverlayElement::Watermark));
@@ -239,7 +232,7 @@ void CVideoOverlayManager::createWatermark(const QString &path)
     param.insert(QStringLiteral("imagePath"), path);
     param.insert(QStringLiteral("enabled"), true);
     param.insert(QStringLiteral("scale"), 1.0);
-    new COsdImageDatasource(m_watermark, param); // a child of the watermark
+    new COsdImageDatasource(mark, param); // a child of the watermark
 }
 
 void CVideoOverlayManager::showWatermark()
@@ -260,10 +253,17 @@ void CVideoOverlayManager::connectText(CVideoOverlayText *text)
     using Text = CVideoOverlayText;
     using Manager = CVideoOverlayManager;
     // Not with the slot that asks who called: finding that out looks through the connections of all
-    // elements.
-    const auto changed = [this, text] { onElementChanged(text); };
+    // elements. An edit in another thread calls later, when the element may be gone or have left.
+    const QPointer<Element> alive(text);
+    const auto changed = [this, alive] {
+        if (alive && isHere(*alive))
+            onElementChanged(alive);
+    };
     // The base's signals: the text class repeats some of them, and each change must count once.
-    connect(text, &Element::deleteRequest, this, &Manager::onChildDestroyed);
+    connect(text, &Element::deleteRequest, this, [this, alive](Element *asking) {
+        if (alive && isHere(*alive))
+            onChildDestroyed(asking);
+    });
     connect(text, &Text::textColorChanged, this, changed);
     connect(text, &Text::textColorChanged, this, &Manager::globalTextColorChanged);
     connect(text, &Text::backgroundColorChanged, this, changed);
@@ -285,9 +285,15 @@ void CVideoOverlayManager::connectImage(CVideoOverlayImage *image)
 {
     using Element = CVideoOverlayElement;
     using Image = CVideoOverlayImage;
-    using Manager = CVideoOverlayManager;
-    const auto changed = [this, image] { onElementChanged(image); };
-    connect(image, &Element::deleteRequest, this, &Manager::onChildDestroyed);
+    const QPointer<Element> alive(image);
+    const auto changed = [this, alive] {
+        if (alive && isHere(*alive))
+            onElementChanged(alive);
+    };
+    connect(image, &Element::deleteRequest, this, [this, alive](Element *asking) {
+        if (alive && isHere(*alive))
+            onChildDestroyed(asking);
+    });
     connect(image, &Image::imageSrcChanged, this, changed);
     connect(image, &Element::visibleChanged, this, changed);
     connect(image, &Image::scaleFactorChanged, this, changed);
@@ -318,20 +324,18 @@ QList<CVideoOverlayElement *> CVideoOverlayManager::getElementList()
 int CVideoOverlayManager::rowIndexByID(int id)
 {
     QMutexLocker lock(&m_mutex);
-    // Ids grow with the rows, and every change of an element asks for its row: a walk would make
-    // the loading of a profile grow with the square of its size. They are read without the
-    // elements' locks, because they change under this one only; the caller may hold one of those
-    // already.
+    // Every change of an element asks for its row: a walk would make the loading of a profile grow
+    // with the square of its size. So they are searched by halves, as long as nobody gave an
+    // element another id. Ids are read without the elements' locks, because they change under this
+    // one only; the caller may hold one of those already.
     const auto begin = m_elements.cbegin();
     const auto end = m_elements.cend();
-    auto found
-        = std::lower_bound(begin, end, id, [](const CVideoOverlayElement *element, int wanted) {
-              return element->m_id < wanted;
-          });
+    const auto isBefore
+        = [](const CVideoOverlayElement *element, int wanted) { return element->m_id < wanted; };
     const auto hasId = [id](const CVideoOverlayElement *element) { return element->m_id == id; };
-    if (found == end || !hasId(*found))
-        found = std::find_if(begin, end, hasId); // somebody gave an element another id
-    return found == end ? -1 : int(found - begin);
+    const auto found = m_idsInOrder ? std::lower_bound(begin, end, id, isBefore)
+                                    : std::find_if(begin, end, hasId);
+    return found == end || !hasId(*found) ? -1 : int(found - begin);
 }
 
 bool CVideoOverlayManager::deleteElement(int index)
@@ -340,10 +344,18 @@ bool CVideoOverlayManager::deleteElement(int index)
     CVideoOverlayElement *element = m_elements.value(index);
     if (!element)
         return false;
-    m_control.deleteElement(*element);
-    m_elements.removeAt(index);
-    if (m_elementAccessor)
-        m_elementAccessor->unregisterElement(element);
+    {
+        const CVideoOverlayElement::Use use(*element);
+        m_control.deleteElement(*element);
+        // The display may have had elements deleted, this one or others before it.
+        const int row = m_elements.value(index) == element ? index : m_elements.indexOf(element);
+        if (row < 0)
+            return true;
+        m_elements.removeAt(row);
+        m_idsInOrder = m_idsInOrder || m_elements.isEmpty();
+        if (m_elementAccessor)
+            m_elementAccessor->unregisterElement(element);
+    }
     discard(element);
     return true;
 }
@@ -393,25 +405,22 @@ void CVideoOverlayManager::onChildDestroyed(CVideoOverlayElement *obj)
 {
     if (!obj)
         return;
-    // What asks to be destroyed is in the middle of asking.
-    const QPointer<CVideoOverlayElement> asking(obj);
-    asking->countEdit(1);
+    const CVideoOverlayElement::Use use(*obj); // it is in the middle of asking
     deleteElementFromModel(obj);
-    if (asking)
-        asking->countEdit(-1);
 }
 
 void CVideoOverlayManager::removeElements()
 {
     QMutexLocker lock(&m_mutex);
     Q_EMIT beforeRemoveElements();
-    for (const QPointer<CVideoOverlayElement> &element : guarded(m_elements)) {
-        if (!element || element->type() == CVideoOverlayElement::Watermark
-            || deleteElementFromModel(element))
-            continue;
+    forEachElement([this](CVideoOverlayElement &element) {
+        const QPointer<CVideoOverlayElement> alive(&element);
+        if (element.type() == CVideoOverlayElement::Watermark || deleteElementFromModel(&element))
+            return;
         // What may not be deleted by hand goes all the same: all belong to the old profile.
-        m_elementListModel->removeAlways(m_elements.indexOf(element.data()));
-    }
+        if (alive)
+            m_elementListModel->removeAlways(m_elements.indexOf(alive));
+    });
 }
 
 void CVideoOverlayManager::adjustElementPosition(CVideoOverlayElement *element)
@@ -450,10 +459,12 @@ void CVideoOverlayManager::onElementChanged(CVideoOverlayElement *element)
     adjustElementPosition(element);
     const int row = rowIndexByID(element->id());
     if (row >= 0) { // the watermark has no row
+        const QPointer<CVideoOverlayElement> alive(element);
+        const bool wasHere = isHere(*element);
         const QModelIndex index = m_elementListModel->index(row);
         Q_EMIT m_elementListModel->dataChanged(index, index);
         // A handler may have deleted it, and then its box must not come back.
-        if (rowIndexByID(element->id()) < 0)
+        if (!alive || isHere(*element) != wasHere)
             return;
     }
     m_control.displayElement(*element);
@@ -463,11 +474,10 @@ void CVideoOverlayManager::onSettingsChanged()
 {
     QMutexLocker lock(&m_mutex);
     m_control.setPaintMargins(m_settings->marginRect());
-    const QList<CVideoOverlayElement *> elements = m_elements;
-    for (CVideoOverlayElement *element : elements) {
-        adjustElementPosition(element);
-        m_control.displayElement(*element);
-    }
+    forEachElement([this](CVideoOverlayElement &element) {
+        adjustElementPosition(&element);
+        m_control.displayElement(element);
+    });
 }
 
 int CVideoOverlayManager::getGlobalTransparency()
@@ -496,10 +506,10 @@ QColor CVideoOverlayManager::getTextColor()
 void CVideoOverlayManager::setTextColor(QColor color)
 {
     QMutexLocker lock(&m_mutex);
-    for (const QPointer<CVideoOverlayElement> &element : guarded(m_elements)) {
-        if (auto *text = qobject_cast<CVideoOverlayText *>(element))
+    forEachElement([&color](CVideoOverlayElement &element) {
+        if (auto *text = qobject_cast<CVideoOverlayText *>(&element))
             text->setTextColor(color);
-    }
+    });
     Q_EMIT globalTextColorChanged(color);
 }
 
@@ -514,25 +524,37 @@ QColor CVideoOverlayManager::getBackgroundColor()
 void CVideoOverlayManager::setBackgroundColor(QColor color)
 {
     QMutexLocker lock(&m_mutex);
-    for (const QPointer<CVideoOverlayElement> &element : guarded(m_elements)) {
-        if (auto *text = qobject_cast<CVideoOverlayText *>(element))
+    forEachElement([&color](CVideoOverlayElement &element) {
+        if (auto *text = qobject_cast<CVideoOverlayText *>(&element))
             text->setBackgroundColor(color);
-    }
+    });
     Q_EMIT globalBackgroundColorChanged(color);
 }
 
 bool CVideoOverlayManager::textsHaveSameColors(QColor &color)
 {
-    QMutexLocker lock(&m_mutex);
-    return commonColor(
-        m_elements, [](const CVideoOverlayText &text) { return text.textColor(); }, color);
+    return commonColor(&CVideoOverlayText::textColor, color);
 }
 
 bool CVideoOverlayManager::backgroundsHaveSameColors(QColor &color)
 {
-    QMutexLocker lock(&m_mutex);
-    return commonColor(
-        m_elements, [](const CVideoOverlayText &text) { return text.backgroundColor(); }, color);
+    return commonColor(&CVideoOverlayText::backgroundColor, color);
+}
+
+bool CVideoOverlayManager::commonColor(QColor (CVideoOverlayText::*colorOf)() const, QColor &color)
+{
+    QSet<QString> names;
+    QColor found;
+    forEachElement([&](CVideoOverlayElement &element) {
+        if (const auto *text = qobject_cast<CVideoOverlayText *>(&element)) {
+            found = (text->*colorOf)();
+            names.insert(found.name(QColor::HexArgb));
+        }
+    });
+    if (names.size() != 1)
+        return false;
+    color = found; // never one made from its name: an invalid colour has that of opaque black
+    return true;
 }
 
 bool CVideoOverlayManager::analogVideo() const
@@ -607,11 +629,10 @@ void CVideoOverlayManager::setFavorites(QStringList &favorites, int maxLineNumbe
 
 void CVideoOverlayManager::temporaryHideInspTexts(bool hide)
 {
-    QMutexLocker lock(&m_mutex);
-    for (const QPointer<CVideoOverlayElement> &element : guarded(m_elements)) {
-        if (element && element->type() == CVideoOverlayElement::InspStaticText)
-            element->setTemporaryHide(hide);
-    }
+    forEachElement([hide](CVideoOverlayElement &element) {
+        if (element.type() == CVideoOverlayElement::InspStaticText)
+            element.setTemporaryHide(hide);
+    });
 }
 
 void CVideoOverlayManager::onRecordingStateChanged(State state)
@@ -669,12 +690,12 @@ QList<ElementParam> CVideoOverlayManager::getAllPropertiesWithChanges()
 {
     QMutexLocker lock(&m_mutex);
     QList<ElementParam> all;
-    for (CVideoOverlayElement *element : qAsConst(m_elements)) {
-        ElementParam param = element->getAllProperties();
-        if (element->type() == CVideoOverlayElement::FreeText)
+    forEachElement([this, &all](CVideoOverlayElement &element) {
+        ElementParam param = element.getAllProperties();
+        if (element.type() == CVideoOverlayElement::FreeText)
             param.insert(favoritesKey, m_favoritesModel->stringList());
         all.append(param);
-    }
+    });
     all.append(generalSettingsGetAllProperties());
     return all;
 }
@@ -683,14 +704,14 @@ QList<ElementParam> CVideoOverlayManager::getPropertiesWithChanges()
 {
     QMutexLocker lock(&m_mutex);
     QList<ElementParam> all;
-    for (CVideoOverlayElement *element : qAsConst(m_elements)) {
-        ElementParam changed = element->getChangedProperties();
+    forEachElement([this, &all](CVideoOverlayElement &element) {
+        ElementParam changed = element.getChangedProperties();
         // Once reported, the favourites count as saved.
-        if (storeFavorites(*element))
+        if (storeFavorites(element))
             changed.insert(favoritesKey, m_favoritesModel->stringList());
         if (!changed.isEmpty())
             all.append(changed);
-    }
+    });
     const ElementParam general = generalSettingsGetChanges();
     if (!general.isEmpty())
         all.append(general);
@@ -718,10 +739,10 @@ ElementParam CVideoOverlayManager::generalSettingsGetChanges()
 void CVideoOverlayManager::resetChanges()
 {
     QMutexLocker lock(&m_mutex);
-    for (CVideoOverlayElement *element : qAsConst(m_elements)) {
-        element->applyChangesToOrigParams();
-        storeFavorites(*element);
-    }
+    forEachElement([this](CVideoOverlayElement &element) {
+        element.applyChangesToOrigParams();
+        storeFavorites(element);
+    });
     m_generalSettings = generalSettingsGetAllProperties();
 }
 

@@ -16,6 +16,7 @@
 #include <QString>
 #include <QStringList>
 
+#include <functional>
 #include <memory>
 
 namespace Velmar::Shared {
@@ -118,7 +119,7 @@ public:
     /// The elements in order of creation, which is the order of the list model. A copy: handlers
     /// may delete elements.
     QList<CVideoOverlayElement *> getElementList();
-    int rowIndexByID(int id); ///< -1 when no element has the id
+    int rowIndexByID(int id); ///< of the first element with the id; -1 when none has it
     /// Takes the element of a row off display, list and accessor and destroys it, at once or when
     /// its own running operation is over. No row signals: the list model's remove() gives them.
     /// False when there is no such row.
@@ -234,6 +235,12 @@ public Q_SLOTS:
     void onChildDestroyed(Velmar::VideoOverlay::CVideoOverlayElement *obj);
 
 private:
+    friend class VideoOverlayElementListModel; ///< walks over the elements, too
+
+    /// Comes to every element, in order and under the lock. Handlers and displays may delete
+    /// elements meanwhile, this one or another: what has left is passed over.
+    void forEachElement(const std::function<void(CVideoOverlayElement &)> &visit);
+    bool isHere(const CVideoOverlayElement &element) const; ///< also the watermark
     void adopt(CVideoOverlayElement *element);
     /// Destroys it, at once or, in the middle of its own operation, when that is over.
     void discard(CVideoOverlayElement *element);
@@ -242,6 +249,8 @@ private:
     void connectText(CVideoOverlayText *text);
     void connectImage(CVideoOverlayImage *image);
     void onElementChanged(CVideoOverlayElement *element);
+    /// The colour that all texts have; false when there is none or more than one.
+    bool commonColor(QColor (CVideoOverlayText::*colorOf)() const, QColor &color);
     template <typename Value> void setKx70(Value &stored, const Value &value);
     ElementParam generalSettingsGetChanges();
     /// Takes the favourites into the record of a free text; false when there is nothing to take.
@@ -265,6 +274,7 @@ private:
     int m_kx70iiRow = 1;
     // Not "metric" as in the default record: replaced as soon as general settings are applied.
     QString m_kx70iiUnits = QStringLiteral("metrics");
+    bool m_idsInOrder = true; ///< all ids are the manager's own, which grow with the rows
 };
 
 } // namespace Velmar::VideoOverlay

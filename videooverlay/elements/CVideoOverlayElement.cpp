@@ -5,10 +5,12 @@
 #include "videooverlay/ToInt_p.h"
 #include "videooverlay/display/VideoOverlaySettings.h"
 
+#include <QEvent>
 #include <QMutexLocker>
 
 #include <algorithm>
 #include <limits>
+#include <utility>
 
 namespace Velmar::VideoOverlay {
 
@@ -47,7 +49,22 @@ CVideoOverlayElement::EditLock::EditLock(CVideoOverlayElement *element)
 
 CVideoOverlayElement::EditLock::~EditLock()
 {
-    --m_element->m_runningEdits;
+    m_element->endUse();
+}
+
+CVideoOverlayElement::Use::Use(CVideoOverlayElement &element)
+    : m_element(&element)
+{
+    QMutexLocker lock(&m_element->m_mutex);
+    ++m_element->m_runningEdits;
+}
+
+CVideoOverlayElement::Use::~Use()
+{
+    if (!m_element)
+        return;
+    QMutexLocker lock(&m_element->m_mutex);
+    m_element->endUse();
 }
 
 bool CVideoOverlayElement::isBusy() const
@@ -56,10 +73,22 @@ bool CVideoOverlayElement::isBusy() const
     return m_runningEdits > 0;
 }
 
-void CVideoOverlayElement::countEdit(int difference)
+void CVideoOverlayElement::endUse()
 {
-    QMutexLocker lock(&m_mutex);
-    m_runningEdits += difference;
+    if (--m_runningEdits == 0 && std::exchange(m_deleteWhenIdle, false))
+        deleteLater();
+}
+
+bool CVideoOverlayElement::event(QEvent *event)
+{
+    if (event->type() == QEvent::DeferredDelete) {
+        QMutexLocker lock(&m_mutex);
+        if (m_runningEdits > 0) {
+            m_deleteWhenIdle = true;
+            return true;
+        }
+    }
+    return QObject::event(event);
 }
 
 double CVideoOverlayElement::height()
@@ -489,6 +518,7 @@ void CVideoOverlayElement::handleTimeout()
 {
     // A receiver may destroy this element, though a manager waits until this function is left.
     const QPointer<CVideoOverlayElement> alive(this);
+    const Use use(*this);
     setVisible(false);
     if (!alive)
         return;
@@ -497,13 +527,10 @@ void CVideoOverlayElement::handleTimeout()
         QMutexLocker lock(&m_mutex);
         deleteOnExpiry = m_deleteOnExpiry;
     }
-    countEdit(1);
     if (deleteOnExpiry) // no lock is held
         Q_EMIT deleteRequest(this);
     if (alive)
         Q_EMIT timerExpired();
-    if (alive)
-        countEdit(-1);
 }
 
 } // namespace Velmar::VideoOverlay

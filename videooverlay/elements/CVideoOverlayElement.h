@@ -169,6 +169,10 @@ public:
     /// False only where the record says so; an element without that key may be deleted.
     bool canDelete() const;
 
+    /// A deletion that was asked for by deleteLater() waits until no operation of the element runs,
+    /// also where a handler of its signals turns an event loop of its own.
+    bool event(QEvent *event) override;
+
     /// Hides the element for the time being, without touching its own visibility.
     /// Always emits visibleChanged.
     void setTemporaryHide(bool hide);
@@ -263,13 +267,25 @@ protected:
     bool m_deleteOnExpiry = false;
 
 private:
-    friend class CVideoOverlayControl; ///< holds the lock while a backend removes the element
+    friend class CVideoOverlayControl; ///< locks and uses the element while a backend has it
     friend class CVideoOverlayManager; ///< sets the group's lock, and asks before it destroys
 
-    /// One of the element's own operations is running, and would return into a destroyed object.
-    bool isBusy() const;
-    void countEdit(int difference); ///< 1 when such an operation begins, -1 when it ends
-    int wholeX() const;             ///< x() as QML reads it: cut off, and never beyond an int
+    /// Says that somebody is at work with the element and will come back to it: an operation of its
+    /// own, or a display. Others may destroy it meanwhile all the same.
+    class Use
+    {
+    public:
+        explicit Use(CVideoOverlayElement &element);
+        ~Use();
+
+    private:
+        Q_DISABLE_COPY(Use)
+        QPointer<CVideoOverlayElement> m_element;
+    };
+
+    bool isBusy() const; ///< somebody is at work with it
+    void endUse();       ///< with the lock held
+    int wholeX() const;  ///< x() as QML reads it: cut off, and never beyond an int
     int wholeY() const;
 
     std::atomic<double> m_x {0.0}; ///< written without the lock, hence atomic
@@ -294,7 +310,8 @@ private:
     QPointer<VideoOverlaySettings> m_settings;
     ElementParam m_params;
     QMutex *m_groupMutex = nullptr; ///< the manager's; null while nobody manages the element
-    int m_runningEdits = 0;         ///< operations of this element on the stack
+    int m_runningEdits = 0;         ///< who is at work with this element
+    bool m_deleteWhenIdle = false;  ///< its deletion came while somebody was
 };
 
 } // namespace Velmar::VideoOverlay

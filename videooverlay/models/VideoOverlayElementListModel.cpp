@@ -8,7 +8,6 @@
 
 #include <QMutexLocker>
 #include <QQmlEngine>
-#include <QVector>
 
 namespace Velmar::VideoOverlay {
 
@@ -170,19 +169,6 @@ void VideoOverlayElementListModel::setKx70Col(int column)
     m_manager.setKx70iiCol(column);
 }
 
-template <typename Visit> void VideoOverlayElementListModel::forEachElement(Visit visit)
-{
-    QMutexLocker lock(m_manager.mutex());
-    // Handlers of the elements' signals may delete elements.
-    QVector<QPointer<CVideoOverlayElement>> elements;
-    for (CVideoOverlayElement *element : m_manager.getElementList())
-        elements.append(element);
-    for (const QPointer<CVideoOverlayElement> &element : qAsConst(elements)) {
-        if (element)
-            visit(*element);
-    }
-}
-
 bool VideoOverlayElementListModel::remove(int index)
 {
     {
@@ -244,7 +230,7 @@ QVariant VideoOverlayElementListModel::createImage(QString path)
 
 void VideoOverlayElementListModel::hideNotPermanentElements()
 {
-    forEachElement([](CVideoOverlayElement &element) {
+    m_manager.forEachElement([](CVideoOverlayElement &element) {
         const CVideoOverlayElement::Type type = element.type();
         if (element.timeout() < 1 && type != CVideoOverlayElement::InspText
             && type != CVideoOverlayElement::FreeText)
@@ -275,7 +261,7 @@ void VideoOverlayElementListModel::endReset()
 
 void VideoOverlayElementListModel::showObservationElements()
 {
-    forEachElement([](CVideoOverlayElement &element) {
+    m_manager.forEachElement([](CVideoOverlayElement &element) {
         if (element.getParamObject().value(tableKey) == QVariant(observationTable))
             element.setVisible(true);
     });
@@ -283,7 +269,7 @@ void VideoOverlayElementListModel::showObservationElements()
 
 void VideoOverlayElementListModel::showSecInspElements()
 {
-    forEachElement([](CVideoOverlayElement &element) {
+    m_manager.forEachElement([](CVideoOverlayElement &element) {
         const ElementParam param = element.getParamObject();
         const auto it = param.constFind(tableKey);
         if (it != param.cend() && *it != QVariant(observationTable))
@@ -293,7 +279,7 @@ void VideoOverlayElementListModel::showSecInspElements()
 
 void VideoOverlayElementListModel::hideStartUpInspElements()
 {
-    forEachElement([](CVideoOverlayElement &element) {
+    m_manager.forEachElement([](CVideoOverlayElement &element) {
         if (element.type() == CVideoOverlayElement::InspText)
             element.setVisible(false);
     });

@@ -135,8 +135,6 @@ Q_SIGNALS:
     void kx70Changed();
 
 private:
-    template <typename Visit> void forEachElement(Visit visit);
-
     CVideoOverlayManager &m_manager;
     QPointer<CVideoOverlayText> m_freeText;
 };
