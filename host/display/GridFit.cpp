@@ -6,29 +6,28 @@
 #include <QFont>
 #include <QRectF>
 
-#include <algorithm>
 #include <cmath>
 
 namespace Velmar::Host {
 
 namespace {
 
-constexpr int designPixelSize = 35;
-constexpr double designWidth = 1920.0;
-constexpr double designHeight = 1080.0;
+constexpr int rows = 27;
+constexpr int mostBelowLetters = 2; ///< [px] by which a row is lower than its letters' size
 
 } // namespace
 
 bool fitGrid(VideoOverlay::VideoOverlaySettings &settings)
 {
     const QRectF picture(0.0, 0.0, settings.width(), settings.height());
-    const double scale = std::min(picture.width() / designWidth, picture.height() / designHeight);
+    const int largest = int(picture.height() / rows) + mostBelowLetters;
     const QFont before = settings.font();
     QFont font = before;
-    // Hinting makes letters of some sizes wider than their share, so look instead of computing.
+    // The picture's shape decides whether its width or its height is the limit, and hinting makes
+    // letters of some sizes wider than their share: so look instead of computing.
     // Rows of an even height first: boxes then end where the video's colour samples do.
     for (const bool evenRows : {true, false}) {
-        for (int size = qRound(designPixelSize * scale); size >= 1; --size) {
+        for (int size = largest; size >= 1; --size) {
             font.setPixelSize(size);
             if (!settings.setFont(font))
                 break;

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/OverlaySession.h"
-#include "host/display/GridFit.h"
 #include "host/platform/Directories.h"
 #include "host/platform/LocaleSettings.h"
 #include "host/platform/TranslationStore.h"
@@ -125,16 +124,6 @@ private Q_SLOTS:
             QVERIFY(settings.marginRect().width() > 0.55 * size.width());
         QVERIFY(settings.font().fixedPitch());
         QCOMPARE(settings.font().letterSpacing(), 122.0);
-    }
-
-    void noRoomForTheGrid()
-    {
-        SceneCapabilities backend(QSize(20, 10));
-        CVideoOverlayCapabilities capabilities;
-        capabilities.setBackend(&backend);
-        VideoOverlaySettings settings(capabilities);
-        QVERIFY(!fitGrid(settings));
-        QCOMPARE(settings.font().pixelSize(), 35);
     }
 
     void elementsStandOnTheGrid()
