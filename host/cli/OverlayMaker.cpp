@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/cli/OverlayMaker.h"
 
+#include "host/LiveValue.h"
 #include "host/video/TelemetryView.h"
 #include "platform/logging/CLogger.h"
 
@@ -17,6 +18,11 @@ constexpr qint64 Never = std::numeric_limits<qint64>::max();
 constexpr int PictureRow = 5;
 constexpr int PictureColumn = 42;
 constexpr int PictureRows = 6;
+
+void warn(const QString &text)
+{
+    Logging::CLogger::logMessage(Logging::LogLevel::Warning, QStringLiteral("Host"), text);
+}
 
 } // namespace
 
@@ -87,7 +93,8 @@ bool OverlayMaker::openProject(QString *error)
 bool OverlayMaker::fillSession(QString *error)
 {
     for (auto it = m_liveValues.cbegin(); it != m_liveValues.cend(); ++it)
-        m_session->feed().setValue(it.key(), it.value());
+        showLiveValue(*m_session, it.key(), it.value(), error);
+    error->clear(); // what could not be shown was told when it came
     const QString picture = m_options.picturePath;
     if (!picture.isEmpty()
         && !m_session->addPicture(picture, PictureRow, PictureColumn, PictureRows)) {
@@ -106,7 +113,7 @@ FrameGate::Answer OverlayMaker::at(qint64 timeNs, QSize size)
 {
     QString error;
     if (!size.isEmpty() && size != m_size && !makeSession(size, &error))
-        Logging::CLogger::logMessage(Logging::LogLevel::Warning, QStringLiteral("Host"), error);
+        warn(error);
     m_session->advanceTo(timeNs / NsPerMs);
     if (m_live) // the next value may come at any moment
         return {m_session->scene()->snapshot(), timeNs + 1};
@@ -117,7 +124,9 @@ FrameGate::Answer OverlayMaker::at(qint64 timeNs, QSize size)
 void OverlayMaker::setLiveValue(const QString &name, const QVariant &value)
 {
     m_liveValues.insert(name, value);
-    m_session->feed().setValue(name, value);
+    QString error;
+    if (!showLiveValue(*m_session, name, value, &error))
+        warn(error);
 }
 
 void OverlayMaker::expectLiveValues()

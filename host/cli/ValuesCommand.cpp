@@ -15,7 +15,7 @@ namespace {
 QString captionOf(const SystemValueDatasourceFactory &factory, const SystemValue &value)
 {
     // Texts of their own have no caption.
-    return value.quantity == SystemValue::Quantity::Text ? QString() : factory.caption(value.name);
+    return factory.converter(value.name) ? factory.caption(value.name) : QString();
 }
 
 QStringList linesOf(const SystemValueDatasourceFactory &factory, const SystemValue &value)
@@ -45,7 +45,7 @@ QString valuesText()
     const SystemValueDatasourceFactory factory(CATManagement::CatalogStore::instance());
     QStringList blocks;
     QStringList all;
-    for (const SystemValue &value : SystemValues::all()) {
+    for (const SystemValue &value : SystemValues::all() + QVector {SystemValues::screenSnip()}) {
         blocks.append(linesOf(factory, value).join(QLatin1Char('\n')));
         all.append(QStringLiteral("\"%1\": %2").arg(value.name, value.example));
     }

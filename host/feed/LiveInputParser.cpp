@@ -101,7 +101,7 @@ void LiveInputParser::readLine(const QByteArray &line, Batch *batch)
 
 void LiveInputParser::readValue(const QString &name, const QVariant &input, Batch *batch)
 {
-    const SystemValue *known = SystemValues::find(name);
+    const SystemValue *known = SystemValues::findInput(name);
     if (!known) {
         if (m_unknown.size() < MostUnknownNames && !m_unknown.contains(name)) {
             m_unknown.insert(name);

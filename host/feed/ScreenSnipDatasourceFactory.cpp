@@ -6,9 +6,19 @@
 #include <videooverlay/elements/ElementParam.h>
 #include <videooverlay/osd/COsdScreenSnipDatasource.h>
 
+#include <QImageReader>
+
+#include <cmath>
+
 namespace Velmar::Host {
 
 using namespace VideoOverlay;
+
+namespace {
+
+constexpr qint64 mostPixels = qint64(128) * 1024 * 1024; ///< as much as the library takes of a file
+
+} // namespace
 
 ScreenSnipDatasourceFactory::ScreenSnipDatasourceFactory()
     : CAbstractOsdDatasourceFactory(QSharedPointer<TemplateCaptionResolver>())
@@ -47,6 +57,22 @@ void ScreenSnipDatasourceFactory::setPicture(const QImage &picture)
         if (snip)
             snip->update(picture);
     }
+}
+
+bool ScreenSnipDatasourceFactory::showFile(const QString &path)
+{
+    if (path.isEmpty()) // nothing that Qt should warn about
+        return false;
+    QImageReader reader(path);
+    reader.setDecideFormatFromContent(true);
+    const QSize size = reader.size(); // from the header
+    if (std::abs(qint64(size.width()) * size.height()) > mostPixels)
+        return false;
+    const QImage picture = reader.read();
+    if (picture.isNull())
+        return false;
+    setPicture(picture);
+    return true;
 }
 
 } // namespace Velmar::Host

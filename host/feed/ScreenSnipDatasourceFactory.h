@@ -27,8 +27,12 @@ public:
     buildDatasource(VideoOverlay::CVideoOverlayElement *element, VideoOverlay::ElementParam &param,
                     QSharedPointer<VideoOverlay::TemplateCaptionResolver> resolver) override;
 
-    /// Shows @p picture in every such element, and in those that are made later.
+    /// Shows @p picture in every such element, and in those that are made later. A null one takes
+    /// the last away.
     void setPicture(const QImage &picture);
+    bool hasPicture() const { return !m_picture.isNull(); }
+    /// The same with the picture in a file. False, and nothing changes, for what is none.
+    bool showFile(const QString &path);
 
 private:
     QVector<QPointer<VideoOverlay::COsdScreenSnipDatasource>> m_snips;

@@ -68,6 +68,7 @@ std::unique_ptr<SystemValueConverter> SystemValueConverter::make(const SystemVal
     case Quantity::ElapsedTime:
         return make(std::make_unique<ElapsedTimeConverter>());
     case Quantity::Text:
+    case Quantity::Picture:
         break;
     }
     return nullptr;

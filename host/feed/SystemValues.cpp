@@ -44,6 +44,7 @@ std::optional<LocaleSettings::Quantity> userQuantity(Quantity quantity)
     case Quantity::Time:
     case Quantity::ElapsedTime:
     case Quantity::Text:
+    case Quantity::Picture:
         break;
     }
     return std::nullopt;
@@ -158,6 +159,19 @@ const SystemValue *SystemValues::find(const QString &name)
     return it == values.cend() ? nullptr : &*it;
 }
 
+const SystemValue &SystemValues::screenSnip()
+{
+    static const SystemValue value {text("SCREEN_SNIP"), Quantity::Picture,
+                                    text("Picture in the screen snips of the profile"),
+                                    text("\"/tmp/map.png\"")};
+    return value;
+}
+
+const SystemValue *SystemValues::findInput(const QString &name)
+{
+    return name == screenSnip().name ? &screenSnip() : find(name);
+}
+
 QVariant SystemValues::read(const SystemValue &value, const QVariant &input, QString *error)
 {
     const auto refuse = [&]() -> QVariant {
@@ -176,7 +190,7 @@ QVariant SystemValues::read(const SystemValue &value, const QVariant &input, QSt
     }
     if (input.userType() == QMetaType::QString)
         return input.isNull() ? QVariant(QString::fromLatin1("")) : input;
-    if (isNumber(input) && std::isfinite(input.toDouble()))
+    if (value.quantity != Quantity::Picture && isNumber(input) && std::isfinite(input.toDouble()))
         return input;
     return refuse();
 }
@@ -202,6 +216,8 @@ QString SystemValues::quantityName(Quantity quantity)
         return QStringLiteral("elapsed time");
     case Quantity::Text:
         return QStringLiteral("text");
+    case Quantity::Picture:
+        return QStringLiteral("picture");
     }
     return {};
 }
@@ -229,6 +245,8 @@ QString SystemValues::inputFormat(Quantity quantity)
         return QStringLiteral("a duration (hh:mm:ss) or milliseconds");
     case Quantity::Text:
         return QStringLiteral("a text or a number");
+    case Quantity::Picture:
+        return QStringLiteral("the name of a picture file; an empty text takes the picture away");
     }
     return {};
 }

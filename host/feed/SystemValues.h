@@ -21,6 +21,7 @@ struct SystemValue
         Time,        ///< a moment
         ElapsedTime, ///< a duration [ms]
         Text,        ///< shown as it comes
+        Picture,     ///< the path of a file; no text shows it
     };
 
     QString name; ///< what "columnBound" of the text says
@@ -39,6 +40,11 @@ public:
 
     static const QVector<SystemValue> &all();
     static const SystemValue *find(const QString &name); ///< null for any other name
+
+    /// The picture for the screen snips: the live input takes it besides the values of texts.
+    static const SystemValue &screenSnip();
+    /// What the live input takes; null for any other name.
+    static const SystemValue *findInput(const QString &name);
 
     /// A reading as the texts want it: moments and durations as 64-bit integers, the others as
     /// numbers or texts. Moments and durations may come as ISO 8601 texts. Invalid, with the reason

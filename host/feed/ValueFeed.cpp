@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/feed/ValueFeed.h"
 
-#include <videooverlay/elements/CVideoOverlayElement.h>
+#include <videooverlay/elements/CVideoOverlayText.h>
 #include <videooverlay/elements/ElementParam.h>
 #include <videooverlay/osd/COsdValueDatasource.h>
 
@@ -11,13 +11,33 @@ namespace Velmar::Host {
 
 using VideoOverlay::COsdValueDatasource;
 using VideoOverlay::CVideoOverlayElement;
+using VideoOverlay::CVideoOverlayText;
 using VideoOverlay::ElementParam;
+
+namespace {
+
+/// Without the lines that a free text has no room for; nobody else cuts them.
+QVariant fitted(const QVariant &value, const CVideoOverlayElement &element)
+{
+    const int lines = element.getMaxLineNumber();
+    const QString text = value.toString();
+    if (element.type() != CVideoOverlayElement::FreeText || lines < 1
+        || text.count(QLatin1Char('\n')) < lines)
+        return value;
+    return text.section(QLatin1Char('\n'), 0, lines - 1);
+}
+
+} // namespace
 
 ValueFeed::~ValueFeed() = default;
 
 QString ValueFeed::makeKey(const ElementParam &param)
 {
-    return param.value(ElementParam::NAME_COLUMNBOUND).toString();
+    const QString bound = param.value(ElementParam::NAME_COLUMNBOUND).toString();
+    const auto type = param.value(QStringLiteral("type")).value<CVideoOverlayElement::Type>();
+    return bound.isEmpty() && type == CVideoOverlayElement::FreeText
+        ? ElementParam::NAME_OSD_FREE_TEXT_BOX
+        : bound;
 }
 
 void ValueFeed::registerElement(const QString &key, CVideoOverlayElement *element)
@@ -40,6 +60,9 @@ void ValueFeed::unregisterElement(CVideoOverlayElement *element)
 {
     const QVector<Place> places = m_places.take(element);
     for (const Place &place : places) {
+        if (place.name == ElementParam::NAME_OSD_FREE_TEXT_BOX
+            && m_elements.value(place.name).value(place.number) == element)
+            noteFreeText(*element);
         Elements &elements = m_elements[place.name];
         elements.remove(place.number);
         if (elements.isEmpty())
@@ -52,6 +75,8 @@ void ValueFeed::setValue(const QString &name, const QVariant &value)
     if (value.isNull())
         return;
     m_values.insert(name, value);
+    if (name == ElementParam::NAME_OSD_FREE_TEXT_BOX)
+        m_freeTextIsOver = false;
     deliver(name, value);
 }
 
@@ -63,8 +88,21 @@ QVariant ValueFeed::value(const QString &name) const
 void ValueFeed::replay()
 {
     const QHash<QString, QVariant> values = m_values;
-    for (auto it = values.cbegin(); it != values.cend(); ++it)
-        deliver(it.key(), it.value());
+    for (auto it = values.cbegin(); it != values.cend(); ++it) {
+        if (!m_freeTextIsOver || it.key() != ElementParam::NAME_OSD_FREE_TEXT_BOX)
+            deliver(it.key(), it.value());
+    }
+}
+
+/// What it says at the end, whoever wrote it; and whether it still says it.
+void ValueFeed::noteFreeText(const CVideoOverlayElement &element)
+{
+    const auto *text = qobject_cast<const CVideoOverlayText *>(&element);
+    if (!text || text->type() != CVideoOverlayElement::FreeText || !text->enabled())
+        return; // one that is switched off tells nothing
+    m_freeTextIsOver = !text->visible();
+    if (text->visible())
+        m_values.insert(ElementParam::NAME_OSD_FREE_TEXT_BOX, text->text());
 }
 
 void ValueFeed::clearValues()
@@ -99,7 +137,7 @@ void ValueFeed::deliver(const QString &name, const QVariant &value)
         auto *datasource
             = element->findChild<COsdValueDatasource *>(QString(), Qt::FindDirectChildrenOnly);
         if (datasource)
-            datasource->update(value);
+            datasource->update(fitted(value, *element));
     }
 }
 

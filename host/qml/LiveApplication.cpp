@@ -75,6 +75,7 @@ bool LiveApplication::start(const Setup &setup, QString *error)
     m_overlay = std::make_unique<LiveOverlay>(video.source.size.isEmpty() ? DefaultSize
                                                                           : video.source.size);
     m_overlay->setTelemetry(telemetry);
+    connect(m_overlay.get(), &LiveOverlay::problemFound, m_messages.get(), &Messages::error);
     m_video = std::make_unique<VideoController>(video, *m_overlay, *m_messages, *m_texts);
     m_editor = std::make_unique<EditorController>(*m_overlay, *m_messages, *m_texts);
     m_filter

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/qml/LiveOverlay.h"
 
+#include "host/LiveValue.h"
+#include "host/feed/SystemValues.h"
 #include "host/profiles/FirstStart.h"
 #include "host/qml/OverlayView.h"
 #include "platform/directories/CApplicationDirectories.h"
@@ -14,9 +16,34 @@
 #include <QDateTime>
 #include <QDir>
 
+#include <algorithm>
+
 namespace Velmar::Host {
 
 using namespace VideoOverlay;
+
+namespace {
+
+bool isFreeText(const CVideoOverlayElement &element)
+{
+    return element.type() == CVideoOverlayElement::FreeText;
+}
+
+bool isScreenSnip(const CVideoOverlayElement &element)
+{
+    return element.getParamObject().value(QStringLiteral("screenSnip")).toBool();
+}
+
+bool hasEnabled(CVideoOverlayManager &manager, bool (*isWanted)(const CVideoOverlayElement &))
+{
+    const QList<CVideoOverlayElement *> elements = manager.getElementList();
+    return std::any_of(elements.cbegin(), elements.cend(),
+                       [isWanted](const CVideoOverlayElement *element) {
+                           return element->enabled() && isWanted(*element);
+                       });
+}
+
+} // namespace
 
 LiveOverlay::LiveOverlay(QSize pictureSize, QObject *parent)
     : QObject(parent)
@@ -31,6 +58,8 @@ LiveOverlay::LiveOverlay(QSize pictureSize, QObject *parent)
     // After the session's own handling of it.
     connect(COsdBuilder::instance(), &COsdBuilder::profileLoaded, this,
             &LiveOverlay::profileLoaded);
+    connect(this, &LiveOverlay::profileLoaded, this, &LiveOverlay::followLiveElements);
+    followLiveElements();
 }
 
 LiveOverlay::~LiveOverlay() = default;
@@ -64,7 +93,49 @@ void LiveOverlay::advanceTo(qint64 timeMs)
 
 void LiveOverlay::setValue(const QString &name, const QVariant &value)
 {
-    m_session->feed().setValue(name, value);
+    QString error;
+    if (!showLiveValue(*m_session, name, value, &error))
+        Q_EMIT problemFound(error);
+    if (name == SystemValues::screenSnip().name)
+        Q_EMIT snipChanged();
+}
+
+void LiveOverlay::showSnip(const QImage &picture)
+{
+    m_session->screenSnips().setPicture(picture);
+    Q_EMIT snipChanged();
+}
+
+void LiveOverlay::removeSnip()
+{
+    showSnip(QImage());
+}
+
+void LiveOverlay::showFreeText(const QString &text)
+{
+    // An empty one takes it away; a null one would be no new value.
+    setValue(ElementParam::NAME_OSD_FREE_TEXT_BOX, text.isEmpty() ? QStringLiteral("") : text);
+}
+
+bool LiveOverlay::hasFreeText() const
+{
+    return hasEnabled(manager(), isFreeText);
+}
+
+bool LiveOverlay::hasScreenSnip() const
+{
+    return hasEnabled(manager(), isScreenSnip);
+}
+
+void LiveOverlay::followLiveElements()
+{
+    const QList<CVideoOverlayElement *> elements = manager().getElementList();
+    for (const CVideoOverlayElement *element : elements) {
+        if (isFreeText(*element) || isScreenSnip(*element))
+            connect(element, &CVideoOverlayElement::enabledChanged, this,
+                    &LiveOverlay::liveElementsChanged);
+    }
+    Q_EMIT liveElementsChanged();
 }
 
 QVariant LiveOverlay::value(const QString &name) const

@@ -25,6 +25,12 @@ namespace Velmar::Host {
 class LiveOverlay : public QObject
 {
     Q_OBJECT
+    // clang-format off
+    Q_PROPERTY(bool hasFreeText READ hasFreeText NOTIFY liveElementsChanged)
+    Q_PROPERTY(bool hasScreenSnip READ hasScreenSnip NOTIFY liveElementsChanged)
+    Q_PROPERTY(bool showsSnip READ showsSnip NOTIFY snipChanged)
+    // clang-format on
+
 public:
     /// Reads the profiles of the settings directory, after it put the delivered ones there if it
     /// has none. @p pictureSize is the video picture's [px] until one comes.
@@ -47,6 +53,14 @@ public:
     /// Brings the values to their readings at @p timeMs of the run.
     void advanceTo(qint64 timeMs);
     void setValue(const QString &name, const QVariant &value);
+    void showSnip(const QImage &picture); ///< in the screen snips of the profile
+    bool showsSnip() const { return m_session->screenSnips().hasPicture(); }
+    Q_INVOKABLE void removeSnip();
+
+    bool hasFreeText() const; ///< the profile has one that is switched on
+    bool hasScreenSnip() const;
+    /// As if it came from the live input: the next profile's free text has it as well.
+    Q_INVOKABLE void showFreeText(const QString &text);
     QVariant value(const QString &name) const; ///< the last one; invalid when there was none
 
     /// Makes an OverlayView show this overlay.
@@ -56,8 +70,13 @@ Q_SIGNALS:
     void profileLoaded(); ///< all elements are new
     void pictureSizeChanged();
     void valuesChanged();
+    void liveElementsChanged();
+    void snipChanged();
+    void problemFound(const QString &text); ///< one line, for people
 
 private:
+    void followLiveElements();
+
     QSize m_pictureSize;
     TelemetryFile m_telemetry;
     QString m_startupError;

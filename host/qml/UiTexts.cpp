@@ -29,17 +29,18 @@ QStringList UiTexts::names()
               "errorNoPictureFile errorNotDone errorNotRenamed errorNotSaved "
               "errorProfileUnreadable errorProjectName errorReadOnly errorRecording errorVideo "
               "favorites finishing "
-              "folderUp imperial "
+              "folderUp hideFreeText imperial "
               "inspection kindFreeText kindInspectionStaticText kindInspectionText "
               "kindPicture kindStaticText kindSystemText kx70 kx70Column kx70Row "
               "language live metric mixed modified name newObservation newProject "
               "noElements noInspection noPicture noPictures noPreview noProjects "
               "noWarnings observation ok opacity openFirst osd overlay position "
               "profiles project projectName properties readOnly record recorded "
-              "recording redo remark remove removeText removeTitle rename renameTitle "
+              "recording redo remark remove removeSnip removeText removeTitle rename renameTitle "
               "revert revertText revertTitle save saveAs saveAsTitle saved scale "
-              "search searchCode sectionName select settings showCaption speed stop "
-              "store text textColor timeout timeoutOff transparency undo unit unitOfUser units "
+              "search searchCode sectionName select settings showCaption showFreeText speed stop "
+              "store takeSnip text textColor timeout timeoutOff transparency undo unit unitOfUser "
+              "units "
               "unsavedText unsavedTitle warningClipped warningOutside warningOverlap")
               .split(QLatin1Char(' '));
     return list;

@@ -68,6 +68,7 @@ void VideoController::start()
 
 void VideoController::onFrame(const QImage &picture, qint64 timeNs)
 {
+    m_frame = picture;
     m_overlay.setPictureSize(picture.size());
     // A run that is over starts again, like the tape of a demonstration.
     const qint64 runMs = m_overlay.telemetry().durationMs();
@@ -178,6 +179,12 @@ QString VideoController::newRecordingPath(QString *error) const
     for (int number = 2; QFile::exists(path); ++number)
         path = directory.filePath(QStringLiteral("%1_%2.mkv").arg(stem).arg(number));
     return path;
+}
+
+void VideoController::takeSnip()
+{
+    if (!m_frame.isNull())
+        m_overlay.showSnip(m_frame.copy()); // the source goes on to use the frame's memory
 }
 
 void VideoController::startRecording()

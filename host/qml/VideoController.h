@@ -61,6 +61,8 @@ public:
     Q_INVOKABLE double distanceM() const; ///< 0 while it is not known
 
     Q_INVOKABLE void startRecording();
+    /// Shows the picture as it is now in the screen snips of the profile, without the overlay.
+    Q_INVOKABLE void takeSnip();
     /// Ends the file where the picture is now; it is complete when the state is Idle again.
     Q_INVOKABLE void stopRecording();
 
@@ -91,6 +93,7 @@ private:
     const std::unique_ptr<SystemValueConverter> m_speedConverter;
     std::unique_ptr<LiveVideo> m_video;
     std::unique_ptr<RecordPipeline> m_recording;
+    QImage m_frame; ///< the last one; the screens hold it as well
     QString m_path;
     QString m_failure; ///< of the source, since there was a picture
     State m_state = Idle;

@@ -137,6 +137,7 @@ private Q_SLOTS:
     void formatsAlone();
     void languageAlone();
     void unitsAlone();
+    void freeTextOfEveryOrigin();
     void templateComesLate();
     void loadingIsNoEdit();
     void everyLoadIsTold();
@@ -335,6 +336,38 @@ void tst_HostDay::languageAlone()
     QCOMPARE(inspection.count(), 1);
     QCOMPARE(inspection.at(0).at(0).value<Database::CDomainObjectPointer>(),
              Database::CDomainObjectPointer(session.project().inspection()));
+    takeLog();
+}
+
+/// A free text is what was said last; an observation takes its place, also in the next profile.
+void tst_HostDay::freeTextOfEveryOrigin()
+{
+    const QString notes = QStringLiteral("Pictures and notes");
+    OverlaySession session(QSize(1280, 720));
+    QString error;
+    QVERIFY2(session.openProfiles(notes, &error), qPrintable(error));
+    VideoOverlayProfilesModel &profiles = *session.profiles();
+    const QString text = QStringLiteral("root intrusion");
+    QVERIFY(!shown(session).contains(text));
+    session.feed().setValue(ElementParam::NAME_OSD_FREE_TEXT_BOX, text);
+    QVERIFY(shown(session).contains(text));
+    QVERIFY(!profiles.isCurrentProfileChanged());
+    QVERIFY(profiles.setCurrentProfileByIndex(rowOf(profiles, fullProfile))); // it has none
+    QVERIFY(profiles.setCurrentProfileByIndex(rowOf(profiles, notes)));
+    QVERIFY(shown(session).contains(text));
+
+    QVERIFY(session.project().open(demoProject(QStringLiteral("project"))));
+    QVERIFY(session.project().startInspection(session.project().inspections().at(0)));
+    ProjectSession::Observation crack;
+    crack.code = QStringLiteral("BAB");
+    QVERIFY(session.project().createObservation(crack));
+    QVERIFY(!shown(session).contains(text));
+    profiles.revertCurrentProfile();
+    QVERIFY(!shown(session).contains(text));
+    session.feed().setValue(ElementParam::NAME_OSD_FREE_TEXT_BOX, text);
+    QVERIFY(shown(session).contains(text));
+    session.feed().setValue(ElementParam::NAME_OSD_FREE_TEXT_BOX, QString::fromLatin1(""));
+    QVERIFY(!shown(session).contains(text));
     takeLog();
 }
 

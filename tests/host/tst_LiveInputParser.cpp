@@ -63,6 +63,9 @@ void tst_LiveInputParser::values_data()
                               << one("VIDEO_TIME_COUNTER=3723000 qlonglong");
     QTest::newRow("duration as number") << QByteArray("{\"VIDEO_TIME_COUNTER\":1500.9}")
                                         << one("VIDEO_TIME_COUNTER=1500 qlonglong");
+    QTest::newRow("picture for the screen snips")
+        << QByteArray("{\"SCREEN_SNIP\":\"/tmp/map.png\"}")
+        << one("SCREEN_SNIP=/tmp/map.png QString");
     QTest::newRow("no new value") << QByteArray("{\"SPEED\":null,\"CAMERA_PAN\":1}")
                                   << one("CAMERA_PAN=1 qlonglong");
     QTest::newRow("nothing") << QByteArray("{}") << QStringList();

@@ -65,6 +65,7 @@ protected:
 
 private Q_SLOTS:
     void liveValuesStay();
+    void freeTextAndSnip();
     void picturesFitTheVideo_data();
     void picturesFitTheVideo();
     void projectIsOpenedAfterTheProfile();
@@ -81,6 +82,52 @@ void tst_OverlayMaker::liveValuesStay()
     maker.setLiveValue(QStringLiteral("SPEED"), 6.5);
     QCOMPARE(shown(maker, Expected).size(), 3); // with the heading and the time
     QCOMPARE(shown(maker, Actual).size(), 3);
+}
+
+/// From the live input and from a run; the picture is named, and an unreadable one is told of.
+void tst_OverlayMaker::freeTextAndSnip()
+{
+    m_folders->writeProfile(
+        QStringLiteral("Notes.xml"),
+        Test::ProfileFolders::profileXml(
+            "name=\"Notes\"",
+            "<FREETEXT><COL>0</COL><ROW>0</ROW><FGCOLOR>#ffffffff</FGCOLOR>"
+            "<BGCOLOR>#ff000000</BGCOLOR><VISIBLE>true</VISIBLE><TIMEOUT>2</TIMEOUT>"
+            "<DEFAULT_LINE_NUMBER>2</DEFAULT_LINE_NUMBER></FREETEXT>"
+            "<IMAGE><COL>0</COL><ROW>10</ROW><VISIBLE>true</VISIBLE><SCALE>0.5</SCALE>"
+            "<SCREENSNIP>true</SCREENSNIP></IMAGE>"));
+    const QString run = QDir(m_folders->settings()).filePath(QStringLiteral("run.csv"));
+    Test::ProfileFolders::write(run, "t_ms,OSD_FREE_TEXT_BOX\n0,\n1000,roots\n");
+    Options options;
+    options.profile = QStringLiteral("Notes");
+    options.telemetryPath = run;
+    OverlayMaker maker;
+    QString error;
+    QVERIFY2(maker.load(options, Actual, &error), qPrintable(error));
+    QVERIFY(takeLog().filter(QStringLiteral("no text shows")).isEmpty());
+    const auto sizes = [&maker](qint64 ms) {
+        QVector<QSize> list;
+        for (const OverlayItem &item : maker.at(ms * 1000000, Actual).overlay->items)
+            list.append(item.image.size());
+        return list;
+    };
+    QCOMPARE(sizes(0), QVector<QSize>());
+    QCOMPARE(sizes(1000).size(), 1);
+    QCOMPARE(sizes(3000), QVector<QSize>()); // its two seconds are over
+
+    maker.setLiveValue(QStringLiteral("OSD_FREE_TEXT_BOX"), QStringLiteral("one\ntwo\nthree"));
+    const QVector<QSize> twoLines = sizes(3000);
+    QCOMPARE(twoLines.size(), 1);
+    QCOMPARE(twoLines.first().height() % 2, 0);
+    maker.setLiveValue(QStringLiteral("SCREEN_SNIP"), picturePath());
+    QCOMPARE(sizes(3100), (twoLines + QVector<QSize> {QSize(100, 50)}));
+    QCOMPARE(takeLog().filter(QStringLiteral("2 Host")), QStringList());
+    maker.setLiveValue(QStringLiteral("SCREEN_SNIP"), run);
+    QCOMPARE(takeLog().filter(QStringLiteral("2 Host")),
+             QStringList(QStringLiteral("2 Host: %1: cannot be read as a picture").arg(run)));
+    QCOMPARE(sizes(3200).size(), 2);
+    maker.setLiveValue(QStringLiteral("SCREEN_SNIP"), QString::fromLatin1(""));
+    QCOMPARE(sizes(3300), twoLines);
 }
 
 void tst_OverlayMaker::picturesFitTheVideo_data()

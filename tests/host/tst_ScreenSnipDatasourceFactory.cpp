@@ -8,6 +8,7 @@
 #include "videooverlay/elements/ElementParam.h"
 #include "videooverlay/osd/COsdScreenSnipDatasource.h"
 
+#include <QTemporaryDir>
 #include <QtTest>
 
 #include <memory>
@@ -93,6 +94,43 @@ private Q_SLOTS:
         ElementParam param = record();
         QVERIFY(factory.getDatasource(&third, param));
         QCOMPARE(third.width(), 32.0);
+    }
+
+    void pictureOfAFile()
+    {
+        QTemporaryDir directory;
+        const QString path = directory.filePath(QStringLiteral("map.png"));
+        QVERIFY(picture(16).save(path));
+        ScreenSnipDatasourceFactory factory;
+        CVideoOverlayImage image;
+        ElementParam param = record();
+        QVERIFY(factory.getDatasource(&image, param));
+        QVERIFY(factory.showFile(path));
+        QCOMPARE(image.width(), 16.0);
+        for (const QString &none :
+             {directory.filePath(QStringLiteral("missing.png")), directory.path(), QString()}) {
+            QVERIFY(!factory.showFile(none));
+            QCOMPARE(image.width(), 16.0);
+        }
+        factory.setPicture(QImage());
+        QCOMPARE(image.width(), 0.0);
+        CVideoOverlayImage later;
+        ElementParam other = record();
+        QVERIFY(factory.getDatasource(&later, other));
+        QCOMPARE(later.width(), 0.0);
+    }
+
+    /// Small as a file, and no device should be asked for it.
+    void hugePicture()
+    {
+        QTemporaryDir directory;
+        QFile file(directory.filePath(QStringLiteral("huge.pbm")));
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write("P4 16384 16384\n");
+        QVERIFY(file.resize(15 + 16384 / 8 * 16384));
+        file.close();
+        ScreenSnipDatasourceFactory factory;
+        QVERIFY(!factory.showFile(file.fileName()));
     }
 
     void wrongElement()

@@ -33,7 +33,17 @@ void giveDatasource(CVideoOverlayText *text)
     new COsdValueDatasource(QSharedPointer<TemplateCaptionResolver>(), text, param);
 }
 
+void giveFreeText(CVideoOverlayText *text, int lines)
+{
+    ElementParam param;
+    param.insert(QStringLiteral("type"), int(CVideoOverlayElement::FreeText));
+    param.insert(QStringLiteral("enabled"), true);
+    param.insert(QStringLiteral("maxLineNumber"), lines);
+    new COsdValueDatasource(QSharedPointer<TemplateCaptionResolver>(), text, param);
+}
+
 const QString speed = QStringLiteral("SPEED");
+const QString freeText = QStringLiteral("OSD_FREE_TEXT_BOX");
 
 } // namespace
 
@@ -47,6 +57,71 @@ private Q_SLOTS:
         ValueFeed feed;
         QCOMPARE(feed.makeKey(record(speed)), speed);
         QCOMPARE(feed.makeKey(ElementParam()), QString());
+    }
+
+    /// Its record names no value.
+    void keyOfAFreeText()
+    {
+        ValueFeed feed;
+        ElementParam param;
+        param.insert(QStringLiteral("type"), int(CVideoOverlayElement::FreeText));
+        QCOMPARE(feed.makeKey(param), QStringLiteral("OSD_FREE_TEXT_BOX"));
+        param.insert(ElementParam::NAME_COLUMNBOUND, speed);
+        QCOMPARE(feed.makeKey(param), speed);
+    }
+
+    void freeTextOfManyLines_data()
+    {
+        QTest::addColumn<int>("lines");
+        QTest::addColumn<QString>("shown");
+        QTest::newRow("two") << 2 << QStringLiteral("a\nb");
+        QTest::newRow("as many") << 3 << QStringLiteral("a\nb\nc");
+        QTest::newRow("more") << 4 << QStringLiteral("a\nb\nc");
+        QTest::newRow("no limit") << 0 << QStringLiteral("a\nb\nc");
+    }
+
+    void freeTextOfManyLines()
+    {
+        QFETCH(int, lines);
+        QFETCH(QString, shown);
+        ValueFeed feed;
+        CVideoOverlayText text;
+        giveFreeText(&text, lines);
+        feed.registerElement(freeText, &text);
+        feed.setValue(freeText, QStringLiteral("a\nb\nc"));
+        QCOMPARE(text.text(), shown);
+    }
+
+    /// With a new profile come new elements: they say what the last one said, while it did.
+    void freeTextGoesOnInTheNextProfile()
+    {
+        ValueFeed feed;
+        auto first = std::make_unique<CVideoOverlayText>();
+        giveFreeText(first.get(), 3);
+        feed.registerElement(freeText, first.get());
+        feed.setValue(freeText, QStringLiteral("roots"));
+        first->setText(QStringLiteral("many roots")); // as an editor does
+        feed.unregisterElement(first.get());
+        first.reset();
+
+        CVideoOverlayText second;
+        giveFreeText(&second, 3);
+        feed.registerElement(freeText, &second);
+        feed.replay();
+        QCOMPARE(second.text(), QStringLiteral("many roots"));
+        QVERIFY(second.visible());
+
+        second.setVisible(false); // its time is over, or an observation took its place
+        feed.unregisterElement(&second);
+        CVideoOverlayText third;
+        giveFreeText(&third, 3);
+        third.setVisible(false);
+        feed.registerElement(freeText, &third);
+        feed.replay();
+        QVERIFY(!third.visible());
+        QCOMPARE(third.text(), QString());
+        feed.setValue(freeText, QStringLiteral("more roots"));
+        QVERIFY(third.visible());
     }
 
     void everyTextOfTheNameShowsTheValue()

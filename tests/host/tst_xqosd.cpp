@@ -311,13 +311,14 @@ void tst_xqosd::values()
           "  units     m/min, ft/min, inch/min, m/s, ft/s, inch/s, cm/s\n",
           "  input     a number [m/min]\n", "  example   {\"SPEED\": 6.5}\n"})
         QVERIFY2(speed.contains(QString::fromUtf8(line)), line);
-    QCOMPARE(outcome.out.count(QStringLiteral("  quantity ")), 18);
+    QCOMPARE(outcome.out.count(QStringLiteral("  quantity ")), 19); // with the snips' picture
+    QVERIFY(outcome.out.contains(QStringLiteral("\nSCREEN_SNIP\n")));
     // The example at the end is what the live input takes.
     const QString example = outcome.out.trimmed().section(QLatin1Char('\n'), -1);
     LiveInputParser parser;
     const LiveInputParser::Batch batch = parser.feed(example.toUtf8() + '\n');
     QCOMPARE(batch.problems, QStringList());
-    QCOMPARE(batch.values.size(), 18);
+    QCOMPARE(batch.values.size(), 19);
 }
 
 void tst_xqosd::languageAndUnits()

@@ -126,6 +126,8 @@ private Q_SLOTS:
     void addsPicture();
     void colours();
     void freeTextAndFavourites();
+    void freeTextOfTheLivePicture();
+    void stillOfTheLivePicture();
     void warnings();
     void overlayWideSettings();
     void search();
@@ -617,6 +619,88 @@ void tst_LiveApplication::freeTextAndFavourites()
     QVERIFY(editor.hasUnsavedChanges());
     editor.revert();
     QCOMPARE(editor.favorites(), before + QStringList(QStringLiteral("Roots here")));
+}
+
+void tst_LiveApplication::freeTextOfTheLivePicture()
+{
+    QVERIFY(select(QStringLiteral("Bench"))); // which has none
+    QVERIFY(m_robot.click(QStringLiteral("navLive")));
+    QVERIFY(!m_robot.find(QStringLiteral("freeTextButton")));
+    const QString notes = QStringLiteral("Pictures and notes");
+    QVERIFY(QFile::copy(QStringLiteral(XQ_DATA_DIRECTORY "/profiles/%1.xml").arg(notes),
+                        profilePath(notes)));
+    restart(); // profiles are read at the start
+    QVERIFY(select(notes));
+    QVERIFY(m_robot.click(QStringLiteral("navLive")));
+    auto *freeText = manager().getElementListModel()->freeText();
+    QVERIFY(m_robot.click(QStringLiteral("freeTextButton")));
+    QVERIFY(m_robot.click(QStringLiteral("showFavorite1")));
+    QVERIFY(m_robot.awaitGone(QStringLiteral("showFavorite1")));
+    QCOMPARE(freeText->text(), QStringLiteral("Connection is in use"));
+    QVERIFY(freeText->visible());
+
+    QVERIFY(m_robot.click(QStringLiteral("freeTextButton")));
+    QVERIFY(m_robot.type(QStringLiteral("freeTextField"), QStringLiteral("Roots here")));
+    QVERIFY(m_robot.click(QStringLiteral("freeTextShow")));
+    QVERIFY(m_robot.awaitGone(QStringLiteral("freeTextShow")));
+    QCOMPARE(freeText->text(), QStringLiteral("Roots here"));
+    QVERIFY(!m_live->editor().hasUnsavedChanges());
+
+    QVERIFY(m_robot.click(QStringLiteral("freeTextButton")));
+    QVERIFY(m_robot.click(QStringLiteral("freeTextClear")));
+    QVERIFY(m_robot.awaitGone(QStringLiteral("freeTextClear")));
+    QCOMPARE(freeText->text(), QString());
+    freeText->setEnabled(false);
+    QTRY_VERIFY(!m_robot.find(QStringLiteral("freeTextButton")));
+}
+
+void tst_LiveApplication::stillOfTheLivePicture()
+{
+    const QString path = m_root->filePath(QStringLiteral("values"));
+    const QString notes = QStringLiteral("Pictures and notes");
+    QVERIFY(QFile::copy(QStringLiteral(XQ_DATA_DIRECTORY "/profiles/%1.xml").arg(notes),
+                        profilePath(notes)));
+    restart([&](LiveApplication::Setup &setup) { setup.inputSocket = path; });
+    QVERIFY(!m_robot.find(QStringLiteral("snipButton")));
+    QVERIFY(select(notes));
+    QVERIFY(m_robot.click(QStringLiteral("navLive")));
+    const VideoOverlay::CVideoOverlayImage *snip = nullptr;
+    const QList<CVideoOverlayElement *> elements = manager().getElementList();
+    for (CVideoOverlayElement *element : elements) {
+        if (element->getParamObject().value(QStringLiteral("screenSnip")).toBool())
+            snip = qobject_cast<VideoOverlay::CVideoOverlayImage *>(element);
+    }
+    QVERIFY(snip);
+    QCOMPARE(snip->imageSrcHeight(), 0);
+    QVERIFY(m_robot.click(QStringLiteral("snipButton")));
+    QTRY_COMPARE(snip->imageSrcHeight(), 360);
+    const QImage still = snip->getElement().getImage();
+    QCOMPARE(still.size(), QSize(160, 90)); // a quarter, as the profile says
+    QSet<QRgb> colours; // those of the bars: not blank, and nothing of the overlay on it
+    for (int x = 0; x < still.width(); ++x)
+        colours.insert(still.pixel(x, 10));
+    QVERIFY(colours.size() >= 7);
+    QVERIFY(!m_live->editor().hasUnsavedChanges());
+    QSignalSpy frames(&m_live->video(), &VideoController::frame);
+    for (int i = 0; i < 3; ++i)
+        QVERIFY(frames.wait());
+    QVERIFY(snip->getElement().getImage() == still); // the picture goes on, the still stays
+
+    QVERIFY(m_robot.click(QStringLiteral("snipButton"))); // takes it away again
+    QTRY_COMPARE(snip->imageSrcHeight(), 0);
+    QVERIFY(m_robot.click(QStringLiteral("snipButton")));
+    QTRY_COMPARE(snip->imageSrcHeight(), 360);
+
+    // The live input has it, too.
+    QLocalSocket client;
+    client.connectToServer(path);
+    QVERIFY(client.waitForConnected());
+    client.write("{\"SCREEN_SNIP\": \"" XQ_DATA_DIRECTORY "/demo/picture.png\"}\n");
+    QTRY_VERIFY(snip->imageSrcHeight() != 360);
+    QVERIFY(!m_live->messages().isError());
+    client.write("{\"SCREEN_SNIP\": \"/nowhere.png\"}\n");
+    QTRY_VERIFY(m_live->messages().isError());
+    QVERIFY(m_live->messages().text().contains(QStringLiteral("/nowhere.png")));
 }
 
 void tst_LiveApplication::warnings()

@@ -143,6 +143,21 @@ ApplicationWindow {
                     }
                 }
                 Item { Layout.fillHeight: true }
+                AppButton {
+                    objectName: "freeTextButton"
+                    Layout.fillWidth: true
+                    visible: window.screen === 0 && liveOverlay.hasFreeText
+                    text: texts.kindFreeText
+                    onClicked: freeText.open()
+                }
+                AppButton {
+                    objectName: "snipButton"
+                    Layout.fillWidth: true
+                    visible: window.screen === 0 && liveOverlay.hasScreenSnip
+                    text: liveOverlay.showsSnip ? texts.removeSnip : texts.takeSnip
+                    enabled: liveOverlay.showsSnip || video.running
+                    onClicked: liveOverlay.showsSnip ? liveOverlay.removeSnip() : video.takeSnip()
+                }
             }
         }
         ColumnLayout {
@@ -174,6 +189,10 @@ ApplicationWindow {
                 Layout.fillWidth: true
             }
         }
+    }
+    FreeTextCard {
+        id: freeText
+        objectName: "freeText"
     }
     QuestionCard {
         id: unsaved
