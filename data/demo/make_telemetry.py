@@ -60,17 +60,17 @@ PLAN = (
     + [("drive", 30.9, 10.0), ("hold", 8.0)]
 )
 
-# What the operator notes when the camera gets there first: metres, code, text and remark.
+# What the operator notes when the camera gets there first: metres, code and remark.
 OBSERVATIONS = [
-    (0.0, "BCD", "Manhole 4711", ""),
-    (3.34, "BCA", "10 o'clock, 150 mm", "open"),
-    (8.37, "BCA", "10 o'clock, 150 mm", "open"),
-    (12.05, "BAB", "1 o'clock, 2 mm", "along the pipe"),
-    (14.30, "BCA", "10 o'clock, 150 mm", "open"),
-    (16.86, "BBC", "5 % of the height", ""),
-    (19.46, "BCA", "2 o'clock, 150 mm", "open"),
-    (26.38, "BCA", "10 o'clock, 150 mm", "open"),
-    (30.89, "BCE", "Manhole 4712", ""),
+    (0.0, "BCD", "Manhole 4711"),
+    (3.34, "BCA", "10 o'clock, 150 mm, open"),
+    (8.37, "BCA", "10 o'clock, 150 mm, open"),
+    (12.05, "BAB", "1 o'clock, 2 mm, along the pipe"),
+    (14.30, "BCA", "10 o'clock, 150 mm, open"),
+    (16.86, "BBC", "5 % of the height"),
+    (19.46, "BCA", "2 o'clock, 150 mm, open"),
+    (26.38, "BCA", "10 o'clock, 150 mm, open"),
+    (30.89, "BCE", "Manhole 4712"),
 ]
 
 
@@ -124,7 +124,7 @@ def main():
             CRAWLER_PRESSURE=cell(1145 + 0.9 * motor_heat + 1.6 * math.sin(t / 6 + 1), 0),
             OBJECT_TEMPERATURE=cell(wall + rng.gauss(0, 0.03), 1),
         )
-        note = ("", "", "")
+        note = ("", "")
         if (
             time_ms >= 1000
             and noted < len(OBSERVATIONS)
@@ -180,7 +180,7 @@ def main():
             advance(0.0)
 
     out = sys.stdout
-    out.write("t_ms," + ",".join(columns) + ",OBS_OpCode,OBS_Observation,OBS_Memo\n")
+    out.write("t_ms," + ",".join(columns) + ",OBS_OpCode,OBS_Memo\n")
     for row in rows:
         out.write(",".join(f'"{c}"' if "," in c else c for c in row) + "\n")
 

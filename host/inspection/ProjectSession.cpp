@@ -120,6 +120,16 @@ QVector<ProjectSession::RecordPointer> ProjectSession::inspections()
     return result;
 }
 
+QString ProjectSession::inspectedTable() const
+{
+    const auto object = m_inspection
+        ? m_inspection->parentObject().dynamicCast<Database::DomainRecord>()
+        : QSharedPointer<Database::DomainRecord>();
+    if (!object)
+        return {};
+    return object->kind() == Kind::Node ? QStringLiteral("NODE") : QStringLiteral("SECTION");
+}
+
 bool ProjectSession::startInspection(const RecordPointer &inspection)
 {
     m_errorText.clear();
@@ -153,6 +163,7 @@ ProjectSession::RecordPointer ProjectSession::createObservation(const Observatio
         fail(QStringLiteral("Cannot store the observation: no inspection is active"));
         return {};
     }
+    // The code once more: the column is a list, which shows the caption of its item.
     const QString text = observation.text.isEmpty() ? observation.code : observation.text;
     const RecordPointer record
         = m_database->add(Kind::Observation, m_inspection,

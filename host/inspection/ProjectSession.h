@@ -22,7 +22,7 @@ public:
     struct Observation
     {
         QString code;          ///< of the catalog's list
-        QString text;          ///< empty: the code stands for it
+        QString text;          ///< in place of the caption that the catalog has for the code
         double distance = 0.0; ///< [m] from the start of the section
         QString remark;        ///< may be empty
         QTime time = QTime::currentTime();
@@ -53,6 +53,8 @@ public:
     bool hasTemplate() const { return m_hasTemplate; }
     RecordPointer project() const { return m_project; }       ///< null while closed
     RecordPointer inspection() const { return m_inspection; } ///< null unless one is active
+    /// The table that the inspected object stands in, "SECTION" or "NODE"; empty unless one is.
+    QString inspectedTable() const;
     QString errorText() const { return m_errorText; }
 
     /// Those of the project's sections, then of its nodes; none while closed.

@@ -51,6 +51,7 @@ public:
             readList(list);
         for (const JsonNode &table : objects(file.m_root, QStringLiteral("tables")))
             readTable(table);
+        checkItemTables();
         for (const JsonNode &view : objects(file.m_root, QStringLiteral("programViews")))
             readView(view);
     }
@@ -59,7 +60,7 @@ public:
     QSharedPointer<CatalogTemplate> take()
     {
         return QSharedPointer<CatalogTemplate>::create(std::move(m_columns), std::move(m_views),
-                                                       std::move(m_lists));
+                                                       std::move(m_lists), std::move(m_itemTables));
     }
 
 private:
@@ -109,8 +110,23 @@ private:
         for (const JsonNode &item : objects(list, QStringLiteral("items"))) {
             const QString value = uniqueText(item, QStringLiteral("internalValue"), &values);
             items.append(CListItem(value, m_file.text(item, QStringLiteral("caption"))));
+            const JsonNode table = item.member(QStringLiteral("table"));
+            if (table.value().isUndefined())
+                continue;
+            m_itemTables[name].insert(value, m_file.text(item, QStringLiteral("table")));
+            m_itemTableNodes.append(table);
         }
         m_lists.insert(name, items);
+    }
+
+    /// Lists are read before the tables are known.
+    void checkItemTables()
+    {
+        for (const JsonNode &node : qAsConst(m_itemTableNodes)) {
+            const QString table = node.value().toString();
+            if (!table.isEmpty() && !m_tableKeys.contains(table))
+                m_file.report(node, QStringLiteral("unknown table ") + quoted(table));
+        }
     }
 
     void readTable(const JsonNode &table)
@@ -194,6 +210,8 @@ private:
     QSet<QString> m_tableKeys;
     QSet<QString> m_viewKeys;
     CatalogTemplate::Lists m_lists;
+    CatalogTemplate::ItemTables m_itemTables;
+    QVector<JsonNode> m_itemTableNodes; ///< of all lists
     CatalogTemplate::Columns m_columns;
     QHash<QString, const CatalogTemplate::Column *> m_columnsByName; ///< "table.column"
     CatalogTemplate::Views m_views;
@@ -236,7 +254,7 @@ std::unique_ptr<CatalogDescriptor> CatalogFile::descriptor()
     return std::make_unique<CatalogDescriptor>(uniqueId, name, language, country);
 }
 
-QSharedPointer<Templates::CCatalogTemplate> CatalogFile::catalogTemplate()
+QSharedPointer<Templates::CatalogTemplate> CatalogFile::catalogTemplate()
 {
     if (!m_root.value().isObject())
         return {};

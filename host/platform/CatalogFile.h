@@ -12,7 +12,7 @@
 #include <memory>
 
 namespace Velmar::Templates {
-class CCatalogTemplate;
+class CatalogTemplate;
 }
 
 namespace Velmar::CATManagement {
@@ -29,7 +29,7 @@ public:
     std::unique_ptr<CatalogDescriptor> descriptor();
 
     /// Null when anything but the head is faulty.
-    QSharedPointer<Templates::CCatalogTemplate> catalogTemplate();
+    QSharedPointer<Templates::CatalogTemplate> catalogTemplate();
 
     /// What was found wrong so far, each "path:line:column: reason", or "path: reason" for what
     /// has no place in the text. Long lists are cut.

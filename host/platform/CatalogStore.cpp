@@ -4,12 +4,10 @@
 #include "host/platform/AppStateControl.h"
 #include "host/platform/CatalogDescriptor.h"
 #include "host/platform/CatalogFile.h"
+#include "host/platform/CatalogTemplate.h"
 #include "platform/applogic/CoreApplication.h"
 #include "platform/directories/CApplicationDirectories.h"
 #include "platform/logging/CLogger.h"
-#include "platform/templates/CCatalogTemplate.h"
-#include "platform/templates/CProgramView.h"
-#include "platform/templates/CTemplateColumn.h"
 
 #include <QDir>
 
@@ -108,6 +106,14 @@ CatalogStore::getTemplateFromCache(const Base::GUID &uniqueId) const
     return m_templates.value(uniqueId);
 }
 
+QVector<Templates::CListItem> CatalogStore::choices(const Base::GUID &uniqueId,
+                                                    const QString &tableKey, const QString &column,
+                                                    const QString &forTable) const
+{
+    const auto loaded = m_templates.value(uniqueId);
+    return loaded ? loaded->choices(tableKey, column, forTable) : QVector<Templates::CListItem>();
+}
+
 bool CatalogStore::loadTemplate(const Base::GUID &uniqueId)
 {
     if (!m_templates.contains(uniqueId)) {
@@ -163,7 +169,7 @@ void CatalogStore::readCatalog(const QString &path) const
     m_catalogs.push_back({path, std::move(descriptor)});
 }
 
-QSharedPointer<Templates::CCatalogTemplate>
+QSharedPointer<Templates::CatalogTemplate>
 CatalogStore::readTemplate(const Base::GUID &uniqueId) const
 {
     const Catalog *catalog = find(uniqueId);
@@ -179,7 +185,7 @@ CatalogStore::readTemplate(const Base::GUID &uniqueId) const
         warn(QStringLiteral("%1: \"uniqueId\" is no longer \"%2\"").arg(catalog->path, uniqueId));
         return {};
     }
-    return descriptor ? loaded : QSharedPointer<Templates::CCatalogTemplate>();
+    return descriptor ? loaded : QSharedPointer<Templates::CatalogTemplate>();
 }
 
 } // namespace CATManagement

@@ -9,9 +9,15 @@
 #include <QSharedPointer>
 #include <QString>
 #include <QStringList>
+#include <QVector>
 
 #include <memory>
 #include <vector>
+
+namespace Velmar::Templates {
+class CatalogTemplate;
+class CListItem;
+} // namespace Velmar::Templates
 
 namespace Velmar::CATManagement {
 
@@ -39,6 +45,11 @@ public:
     QSharedPointer<Templates::CCatalogTemplate>
     getTemplateFromCache(const Base::GUID &uniqueId) const override;
 
+    /// What may be chosen in a column for what stands in the table @p forTable, such as the codes
+    /// of an observation in a "NODE". None for a template that is not loaded.
+    QVector<Templates::CListItem> choices(const Base::GUID &uniqueId, const QString &tableKey,
+                                          const QString &column, const QString &forTable) const;
+
     /// Loads a catalog's template into the cache, unless it is there, and announces it through
     /// AppState in either case. False, with the reasons in the log, when it could not be loaded:
     /// then nothing is announced.
@@ -57,13 +68,13 @@ private:
     const Catalog *find(const Base::GUID &uniqueId) const;
     void readCatalogs() const;
     void readCatalog(const QString &path) const;
-    QSharedPointer<Templates::CCatalogTemplate> readTemplate(const Base::GUID &uniqueId) const;
+    QSharedPointer<Templates::CatalogTemplate> readTemplate(const Base::GUID &uniqueId) const;
 
     QString m_directory; ///< empty: the installed one
     // Filled at the first question, which may be a const one.
     mutable bool m_read = false;
     mutable std::vector<Catalog> m_catalogs;
-    QHash<Base::GUID, QSharedPointer<Templates::CCatalogTemplate>> m_templates;
+    QHash<Base::GUID, QSharedPointer<Templates::CatalogTemplate>> m_templates;
 };
 
 } // namespace Velmar::CATManagement

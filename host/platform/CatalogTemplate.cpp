@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/platform/CatalogTemplate.h"
 
+#include <algorithm>
+#include <iterator>
 #include <utility>
 
 namespace Velmar::Templates {
@@ -27,11 +29,32 @@ const CTemplateColumn *CatalogTemplate::View::column(int index) const
     return m_columns.value(index, nullptr);
 }
 
-CatalogTemplate::CatalogTemplate(Columns columns, Views views, Lists lists)
+CatalogTemplate::CatalogTemplate(Columns columns, Views views, Lists lists, ItemTables itemTables)
     : m_columns(std::move(columns))
     , m_views(std::move(views))
     , m_lists(std::move(lists))
+    , m_itemTables(std::move(itemTables))
 {
+}
+
+QVector<CListItem> CatalogTemplate::choices(const QString &tableKey, const QString &key,
+                                            const QString &forTable) const
+{
+    const auto column
+        = std::find_if(m_columns.cbegin(), m_columns.cend(), [&](const auto &candidate) {
+              return candidate->tableKey() == tableKey && candidate->key() == key;
+          });
+    if (column == m_columns.cend())
+        return {};
+    const QString list = (*column)->listName();
+    const QHash<QString, QString> tables = m_itemTables.value(list);
+    const QVector<CListItem> all = m_lists.value(list);
+    QVector<CListItem> offered;
+    std::copy_if(all.cbegin(), all.cend(), std::back_inserter(offered), [&](const CListItem &item) {
+        const QString only = tables.value(item.internalValue());
+        return only.isEmpty() || only == forTable;
+    });
+    return offered;
 }
 
 int CatalogTemplate::programViewCount() const

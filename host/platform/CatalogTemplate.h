@@ -56,8 +56,15 @@ public:
     using Columns = std::vector<std::unique_ptr<const Column>>;
     using Views = std::vector<std::unique_ptr<const View>>;
     using Lists = QHash<QString, QVector<CListItem>>; ///< by name
+    /// The one table for whose records an item may be chosen; by list, then by internal value.
+    using ItemTables = QHash<QString, QHash<QString, QString>>;
 
-    CatalogTemplate(Columns columns, Views views, Lists lists);
+    CatalogTemplate(Columns columns, Views views, Lists lists, ItemTables itemTables);
+
+    /// What may be chosen in a column for what stands in the table @p forTable; none without such a
+    /// column or for one that is no list.
+    QVector<CListItem> choices(const QString &tableKey, const QString &key,
+                               const QString &forTable) const;
 
     int programViewCount() const override;
     const CProgramView *programView(int index) const override;
@@ -67,6 +74,7 @@ private:
     Columns m_columns;
     Views m_views;
     const Lists m_lists; ///< const, because pointers into it are handed out
+    ItemTables m_itemTables;
 };
 
 } // namespace Velmar::Templates

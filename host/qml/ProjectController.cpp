@@ -9,9 +9,7 @@
 #include "host/qml/UiTexts.h"
 #include "platform/database/CDomainObjectHelper.h"
 #include "platform/shared/GlobalLocaleData.h"
-#include "platform/templates/CCatalogTemplate.h"
-#include "platform/templates/CProgramView.h"
-#include "platform/templates/CTemplateColumn.h"
+#include "platform/templates/CListItem.h"
 #include "platform/translation/CTranslator.h"
 
 #include <QDate>
@@ -25,7 +23,6 @@ using CATManagement::CatalogStore;
 using Database::CDomainObjectHelper;
 using Database::InspectionDatabase;
 using Shared::LocaleSettings;
-using Templates::CTemplateColumn;
 using Translation::CTranslator;
 using Translation::TranslationStore;
 using Kind = InspectionDatabase::Kind;
@@ -37,18 +34,6 @@ const QString suffix = QStringLiteral(".xqproject");
 QString textOf(const Database::CDomainObjectPointer &record, const QString &column)
 {
     return record ? record->readValue(column).toString() : QString();
-}
-
-const CTemplateColumn *findColumn(const Templates::CCatalogTemplate &catalog, const QString &key)
-{
-    for (int i = 0; i < catalog.programViewCount(); ++i) {
-        const Templates::CProgramView *view = catalog.programView(i);
-        for (int j = 0; view && j < view->columnCount(); ++j) {
-            if (view->column(j)->key() == key)
-                return view->column(j);
-        }
-    }
-    return nullptr;
 }
 
 QVariantMap entry(const QString &firstKey, const QString &first, const QString &secondKey,
@@ -134,13 +119,12 @@ QString ProjectController::catalogId() const
 QVariantList ProjectController::observationCodes() const
 {
     QVariantList list;
-    const auto catalog = CatalogStore::instance().getTemplateFromCache(catalogId());
-    const CTemplateColumn *column
-        = catalog ? findColumn(*catalog, QStringLiteral("OBS_OpCode")) : nullptr;
-    const QVector<Templates::CListItem> *items = column ? catalog->itemList(*column) : nullptr;
-    for (int i = 0; items && i < items->size(); ++i)
-        list.append(entry(QStringLiteral("code"), items->at(i).internalValue(),
-                          QStringLiteral("caption"), items->at(i).caption()));
+    const QVector<Templates::CListItem> items = CatalogStore::instance().choices(
+        catalogId(), QStringLiteral("SECOBS"), QStringLiteral("OBS_Observation"),
+        m_session.inspectedTable());
+    for (const Templates::CListItem &item : items)
+        list.append(entry(QStringLiteral("code"), item.internalValue(), QStringLiteral("caption"),
+                          item.caption()));
     return list;
 }
 
@@ -246,12 +230,6 @@ bool ProjectController::addObservation(const QString &code, double distanceM, co
 {
     ProjectSession::Observation observation;
     observation.code = code;
-    const QVariantList codes = observationCodes();
-    for (const QVariant &known : codes) {
-        const QVariantMap item = known.toMap();
-        if (item.value(QStringLiteral("code")) == code)
-            observation.text = item.value(QStringLiteral("caption")).toString();
-    }
     observation.distance = distanceM;
     observation.remark = remark.trimmed();
     if (!m_session.createObservation(observation))

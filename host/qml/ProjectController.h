@@ -25,7 +25,7 @@ class ProjectController : public QObject
     Q_PROPERTY(QVariantList inspections READ inspections NOTIFY projectChanged)
     Q_PROPERTY(int inspectionIndex READ inspectionIndex NOTIFY inspectionChanged)
     Q_PROPERTY(QString inspectionName READ inspectionName NOTIFY inspectionChanged)
-    Q_PROPERTY(QVariantList observationCodes READ observationCodes NOTIFY projectChanged)
+    Q_PROPERTY(QVariantList observationCodes READ observationCodes NOTIFY inspectionChanged)
     Q_PROPERTY(QVariantList catalogs READ catalogs CONSTANT)
     Q_PROPERTY(QString language READ language WRITE setLanguage NOTIFY languageChanged)
     Q_PROPERTY(bool imperial READ isImperial WRITE setImperial NOTIFY unitsChanged)
@@ -44,8 +44,9 @@ public:
     QVariantList inspections() const;                         ///< maps of "name" and "detail"
     int inspectionIndex() const { return m_inspectionIndex; } ///< -1: none
     QString inspectionName() const;
-    QVariantList observationCodes() const; ///< of the project's catalog: "code" and "caption"
-    QVariantList catalogs() const;         ///< "id" and "name"
+    /// Of the project's catalog, for what is inspected: maps of "code" and "caption".
+    QVariantList observationCodes() const;
+    QVariantList catalogs() const; ///< "id" and "name"
 
     QString language() const; ///< two letters of ISO 639
     void setLanguage(const QString &language);

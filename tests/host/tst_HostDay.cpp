@@ -137,6 +137,7 @@ private Q_SLOTS:
     void formatsAlone();
     void languageAlone();
     void unitsAlone();
+    void observationsOfTheDemonstration();
     void freeTextOfEveryOrigin();
     void templateComesLate();
     void loadingIsNoEdit();
@@ -181,15 +182,14 @@ void tst_HostDay::oneDay()
         const QString section = QStringLiteral("Section: 4711-4712");
         QCOMPARE(shown(session), (QStringList {project, section, distance}));
 
-        // An observation, until it expires.
+        // An observation, until it expires: its code, and in words what that stands for.
         ProjectSession::Observation crack;
         crack.code = QStringLiteral("BAB");
-        crack.text = QStringLiteral("along the pipe");
         crack.remark = QStringLiteral("2 mm");
         QVERIFY(session.project().createObservation(crack));
         QCOMPARE(shown(session),
-                 (QStringList {project, section, QStringLiteral("Crack"),
-                               QStringLiteral("along the pipe / 2 mm"), distance}));
+                 (QStringList {project, section, QStringLiteral("BAB"),
+                               QStringLiteral("Crack / 2 mm"), distance}));
         elementOf(session, QStringLiteral("OBS_OpCode"))->expireTimer();
         elementOf(session, QStringLiteral("OBS_Observation"))->expireTimer();
         QCOMPARE(shown(session), (QStringList {project, section, distance}));
@@ -275,7 +275,7 @@ void tst_HostDay::inspectionTextsComeAndGo()
     ProjectSession::Observation crack;
     crack.code = QStringLiteral("BAB");
     QVERIFY(session.project().createObservation(crack));
-    const QStringList observation(QStringLiteral("Crack"));
+    const QStringList observation(QStringLiteral("BAB"));
     QCOMPARE(shown(session), observation);
     Shared::LocaleSettings::setLocale(QLocale(QStringLiteral("de_DE")));
     QCOMPARE(shown(session), observation); // what was taken away does not come back with it
@@ -297,7 +297,7 @@ void tst_HostDay::textsEndWithTheInspection()
     crack.code = QStringLiteral("BAB");
     QVERIFY(session.project().startInspection(session.project().inspections().at(0)));
     QVERIFY(session.project().createObservation(crack));
-    QCOMPARE(shown(session), QStringList(QStringLiteral("Crack")));
+    QCOMPARE(shown(session), QStringList(QStringLiteral("BAB")));
     QVERIFY(session.project().startInspection(session.project().inspections().at(1)));
     QCOMPARE(shown(session), QStringList(QStringLiteral("4713")));
     session.project().endInspection();
@@ -336,6 +336,54 @@ void tst_HostDay::languageAlone()
     QCOMPARE(inspection.count(), 1);
     QCOMPARE(inspection.at(0).at(0).value<Database::CDomainObjectPointer>(),
              Database::CDomainObjectPointer(session.project().inspection()));
+    takeLog();
+}
+
+/// Code and caption, each once, for every observation that the demonstration brings: those of its
+/// run, those of its project, and in the words of the catalog.
+void tst_HostDay::observationsOfTheDemonstration()
+{
+    OverlaySession session(QSize(1280, 720));
+    QString error;
+    QVERIFY2(session.openProfiles(QStringLiteral("Lean"), &error), qPrintable(error));
+    QVERIFY(session.project().open(demoProject(QStringLiteral("english"))));
+    QVERIFY(session.project().startInspection(session.project().inspections().at(0)));
+    TelemetryFile run;
+    QVERIFY2(run.load(QStringLiteral(DATA_DIRECTORY "/demo/telemetry.csv"), &error),
+             qPrintable(error));
+    session.setTelemetry(run);
+    session.setObservationsFromRun(true);
+    session.advanceTo(23000); // the first connection
+    QVERIFY(shown(session).contains(QStringLiteral("BCA")));
+    QVERIFY(shown(session).contains(QStringLiteral("Connection / 10 o'clock, 150 mm, open")));
+    takeLog();
+
+    const QString german
+        = demoProject(QStringLiteral("german"), QStringLiteral("EN13508-2-DEU-DE"));
+    QVERIFY(session.project().open(german));
+    const auto inspections = session.project().inspections();
+    QCOMPARE(inspections.size(), 2);
+    QCOMPARE(session.project().inspectedTable(), QString());
+    for (const ProjectSession::RecordPointer &inspection : inspections) {
+        QVERIFY(session.project().startInspection(inspection));
+        const bool isManhole = session.project().inspectedTable() == QLatin1String("NODE");
+        QCOMPARE(isManhole, inspection == inspections.last());
+        const auto stored = session.project().database()->children(
+            inspection, Database::InspectionDatabase::Kind::Observation);
+        QVERIFY(!stored.isEmpty());
+        for (const ProjectSession::RecordPointer &observation : stored) {
+            ProjectSession::Observation again; // as if it were made now
+            again.code = observation->readValue(QStringLiteral("OBS_OpCode")).toString();
+            again.text = observation->readValue(QStringLiteral("OBS_Observation")).toString();
+            // Sections have codes that begin with B, manholes such with D.
+            QCOMPARE(again.code.at(0), isManhole ? QLatin1Char('D') : QLatin1Char('B'));
+            QVERIFY(session.project().createObservation(again));
+            const QStringList texts = shown(session);
+            QCOMPARE(texts.count(again.code), 1);
+            if (isManhole)
+                QVERIFY(texts.contains(QStringLiteral("Wurzeln")));
+        }
+    }
     takeLog();
 }
 

@@ -100,6 +100,14 @@ QMap<QString, const CTemplateColumn *> columnsOf(const CCatalogTemplate &from)
     return columns;
 }
 
+QStringList valuesOf(const QVector<CListItem> &items)
+{
+    QStringList values;
+    for (const CListItem &item : items)
+        values.append(item.internalValue());
+    return values;
+}
+
 /// What must be the same in every language, one line per thing.
 QStringList outline(const CCatalogTemplate &of)
 {
@@ -299,6 +307,26 @@ private Q_SLOTS:
         QVERIFY(!read->itemList(*view->column(2)));
     }
 
+    void choices()
+    {
+        writeFile(path("a.json"), changed("\"trois\"", "\"trois\", \"table\": \"U\""));
+        store().setDirectory(m_directory->path());
+        const auto of = [](const char *column, const char *table) {
+            return valuesOf(store().choices(idA, QStringLiteral("T"), QString::fromLatin1(column),
+                                            QString::fromLatin1(table)));
+        };
+        QCOMPARE(of("b", "U"), QStringList()); // not loaded yet
+        const TemplatePointer read = loaded();
+        QVERIFY(read);
+        QCOMPARE(of("b", "U"), QStringList({QStringLiteral("03"), QStringLiteral("3")}));
+        QCOMPARE(of("b", "T"), QStringList(QStringLiteral("03")));
+        QCOMPARE(of("b", ""), QStringList(QStringLiteral("03")));
+        QCOMPARE(of("a", "U"), QStringList()); // no list
+        QCOMPARE(of("x", "U"), QStringList()); // no column
+        // Whatever may be chosen, a record that has the value shows its caption.
+        QCOMPARE(read->itemList(*columnsOf(*read).value(QStringLiteral("T.b")))->size(), 2);
+    }
+
     void columnOfAnEarlierReadingFindsItsList()
     {
         const TemplatePointer first = loaded();
@@ -477,6 +505,10 @@ private Q_SLOTS:
             ":20:26: \"internalValue\" \"03\" occurs twice");
         row("item without caption", changed(", \"caption\": \"trois\"", ""),
             ":20:7: \"caption\" is missing");
+        row("item for an unknown table", changed("\"trois\"", "\"trois\", \"table\": \"Z\""),
+            ":20:60: unknown table \"Z\"");
+        row("item for a number", changed("\"trois\"", "\"trois\", \"table\": 1"),
+            ":20:60: \"table\" is not a text");
         row("view twice", changed("\"W\"", "\"V\""), ":25:14: \"key\" \"V\" occurs twice");
         row("view of an unknown column", changed("\"T.b\", ", "\"T.x\", "),
             ":24:38: unknown column \"T.x\"");
@@ -670,16 +702,33 @@ private Q_SLOTS:
             QCOMPARE(caption, caption.trimmed());
 
         const auto columns = columnsOf(*read);
-        const auto *codes = read->itemList(*columns.value(QStringLiteral("SECOBS.OBS_OpCode")));
+        // A list shows the caption of its item, a text the code itself.
+        QCOMPARE(columns.value(QStringLiteral("SECOBS.OBS_OpCode"))->type(),
+                 CTemplateColumn::Type::Text);
+        const auto *codes
+            = read->itemList(*columns.value(QStringLiteral("SECOBS.OBS_Observation")));
         QVERIFY(codes);
-        QStringList values;
-        for (const CListItem &item : *codes)
-            values.append(item.internalValue());
-        QCOMPARE(values.join(QLatin1Char(' ')),
-                 QStringLiteral("BAA BAB BAC BAD BAE BAF BAG BAH BAI BAJ BAK BAL BAM BAN BAO BAP "
-                                "BBA BBB BBC BBD BBE BBF BBG BBH BCA BCB BCC BCD BCE "
-                                "BDA BDB BDC BDD BDE BDF BDG"));
+        const QStringList ofSections
+            = QStringLiteral("BAA BAB BAC BAD BAE BAF BAG BAH BAI BAJ BAK BAL BAM BAN BAO BAP "
+                             "BBA BBB BBC BBD BBE BBF BBG BBH BCA BCB BCC BCD BCE "
+                             "BDA BDB BDC BDD BDE BDF BDG")
+                  .split(QLatin1Char(' '));
+        const QStringList ofNodes
+            = QStringLiteral("DAA DAB DAC DAD DAE DAF DAG DAH DAI DAJ DAK DAL DAM DAN DAO DAP "
+                             "DAQ DAR DBA DBB DBC DBD DBE DBF DBG DBH DCA DCB DCG DCH DCI "
+                             "DDA DDB DDC DDD DDE DDF DDG")
+                  .split(QLatin1Char(' '));
+        QCOMPARE(valuesOf(*codes), ofSections + ofNodes);
         QCOMPARE(codes->at(16).caption(), roots);
+        QCOMPARE(codes->at(ofSections.size() + 18).caption(), roots);
+        const auto offered = [&](const char *table) {
+            return valuesOf(store().choices(id, QStringLiteral("SECOBS"),
+                                            QStringLiteral("OBS_Observation"),
+                                            QString::fromLatin1(table)));
+        };
+        QVERIFY(shipped(id)); // the comparison above read another one
+        QCOMPARE(offered("SECTION"), ofSections);
+        QCOMPARE(offered("NODE"), ofNodes);
     }
 
     void shippedLanguagesDiffer()

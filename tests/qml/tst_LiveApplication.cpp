@@ -140,6 +140,7 @@ private Q_SLOTS:
     void recordsWhileThePictureRuns();
     void recordingThatCannotStart();
     void observationAppearsAndExpires();
+    void codesOfAManhole();
     void createsProject();
     void language();
     void unitsOfTheBar();
@@ -961,6 +962,36 @@ void tst_LiveApplication::observationAppearsAndExpires()
     QVERIFY(text->text().contains(QStringLiteral("Crack")));
     QTRY_VERIFY(!text->visible()); // after its second
     QVERIFY(!m_live->messages().isError());
+}
+
+/// What is inspected decides which codes are offered.
+void tst_LiveApplication::codesOfAManhole()
+{
+    restart([](LiveApplication::Setup &setup) {
+        setup.demoProject = QStringLiteral(XQ_DATA_DIRECTORY "/demo/project/demo.json");
+    });
+    QVERIFY(m_robot.click(QStringLiteral("observationButton")));
+    QVERIFY(m_robot.type(QStringLiteral("observationSearch"), QStringLiteral("roots")));
+    QVERIFY(m_robot.await(QStringLiteral("codeBBA")));
+    QVERIFY(!m_robot.find(QStringLiteral("codeDBA")));
+    QVERIFY(m_robot.click(QStringLiteral("observationCancel")));
+    QVERIFY(m_robot.awaitGone(QStringLiteral("observationCancel")));
+
+    ProjectController &project = m_live->project();
+    QVERIFY(project.startInspection(1)); // a manhole
+    QVERIFY(m_robot.click(QStringLiteral("observationButton")));
+    QVERIFY(m_robot.type(QStringLiteral("observationSearch"), QStringLiteral("roots")));
+    QVERIFY(m_robot.click(QStringLiteral("codeDBA")));
+    QVERIFY(!m_robot.find(QStringLiteral("codeBBA")));
+    QVERIFY(m_robot.click(QStringLiteral("observationSave")));
+    QVERIFY(m_robot.awaitGone(QStringLiteral("observationSave")));
+    const auto *code
+        = qobject_cast<VideoOverlay::CVideoOverlayText *>(elementOf(QStringLiteral("OBS_OpCode")));
+    const auto *text = qobject_cast<VideoOverlay::CVideoOverlayText *>(
+        elementOf(QStringLiteral("OBS_Observation")));
+    QCOMPARE(code->text(), QStringLiteral("DBA"));
+    QCOMPARE(text->text(), QStringLiteral("Roots"));
+    QVERIFY(code->visible() && text->visible());
 }
 
 void tst_LiveApplication::createsProject()
