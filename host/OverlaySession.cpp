@@ -40,16 +40,6 @@ constexpr int WatermarkRow = 24;
 constexpr int WatermarkRows = 2;
 constexpr qint64 MsPerSecond = 1000;
 
-// Columns of a run that describe an observation; the first one says that there is one.
-const QString codeColumn = QStringLiteral("OBS_OpCode");
-const QString textColumn = QStringLiteral("OBS_Observation");
-const QString memoColumn = QStringLiteral("OBS_Memo");
-
-bool isObservationColumn(const QString &name)
-{
-    return name == codeColumn || name == textColumn || name == memoColumn;
-}
-
 CVideoOverlayElement::Type typeOf(const ElementParam &record)
 {
     return record.value(QStringLiteral("type")).value<CVideoOverlayElement::Type>();
@@ -72,6 +62,12 @@ OverlaySession::OverlaySession(QSize imageSize, QObject *parent)
     m_control.setBackend(m_scene.get());
     m_manager = std::make_unique<CVideoOverlayManager>(m_control, m_capabilities);
     m_manager->registerElementAccessor(&m_feed);
+    // The grid does not log what it had to lower.
+    connect(m_manager->getSettings(), &VideoOverlaySettings::settingsError, this,
+            [](const QString &error) {
+                Logging::CLogger::logMessage(Logging::LogLevel::Warning, QStringLiteral("Host"),
+                                             error);
+            });
     fitGrid(*m_manager->getSettings()); // before there are elements to be laid out anew
     m_scene->start();
     m_manager->onSettingsChanged(); // the display took no margins before it was up
@@ -342,7 +338,7 @@ QStringList OverlaySession::unshownNames() const
     QStringList unshown;
     const QStringList names = m_telemetry.names();
     for (const QString &name : names) {
-        if (!m_feed.isShown(name) && !isObservationColumn(name))
+        if (!m_feed.isShown(name) && !ObservationColumns::isOne(name))
             unshown.append(name);
     }
     return unshown;
@@ -426,11 +422,11 @@ void OverlaySession::scaleTo(CVideoOverlayImage &image, int height)
 void OverlaySession::show(const TelemetryFile::Reading &reading)
 {
     const QString name = m_telemetry.names().at(reading.column);
-    if (isObservationColumn(name)) {
+    if (ObservationColumns::isOne(name)) {
         if (m_observationMs != reading.timeMs)
             observe(reading.timeMs);
         m_observationMs = reading.timeMs;
-        m_observation.insert(name, reading.value.toString());
+        m_observation.add(name, reading.value.toString());
         return;
     }
     const bool fromVideo = name == ElementParam::NAME_VIDEO_TIME_COUNTER;
@@ -446,21 +442,17 @@ void OverlaySession::show(const TelemetryFile::Reading &reading)
 /// Creates the observation that was read so far, unless its time has been here before.
 void OverlaySession::observe(qint64 timeMs)
 {
-    const QHash<QString, QString> columns = std::exchange(m_observation, {});
-    if (!columns.contains(codeColumn) || m_observationMs <= m_observedUntilMs)
+    std::optional<ProjectSession::Observation> observation = m_observation.take();
+    if (!observation || m_observationMs <= m_observedUntilMs)
         return;
     m_observedUntilMs = std::min(timeMs, m_observationMs);
     if (!m_observationsFromRun)
         return;
-    ProjectSession::Observation observation;
-    observation.code = columns.value(codeColumn);
-    observation.text = columns.value(textColumn);
-    observation.remark = columns.value(memoColumn);
-    observation.distance
+    observation->distance
         = m_telemetry.interpolated(ElementParam::NAME_SECTION_DISTANCE_COUNTER, m_observationMs);
     if (m_start.isValid())
-        observation.time = m_start.addMSecs(m_observationMs).time();
-    const bool created = m_project.createObservation(observation) != nullptr;
+        observation->time = m_start.addMSecs(m_observationMs).time();
+    const bool created = m_project.createObservation(*observation) != nullptr;
     if (m_clock == Clock::Video)
         expire(m_observationMs); // counts from its own time, even when that is long past
     if (!created)

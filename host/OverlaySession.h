@@ -6,6 +6,7 @@
 #include "host/feed/SystemValueDatasourceFactory.h"
 #include "host/feed/TelemetryFile.h"
 #include "host/feed/ValueFeed.h"
+#include "host/inspection/ObservationColumns.h"
 #include "host/inspection/ProjectSession.h"
 
 #include <videooverlay/display/CVideoOverlayCapabilities.h>
@@ -138,7 +139,7 @@ private:
     bool m_isAnnouncingAgain = false;
     Clock m_clock = Clock::Wall;
     bool m_observationsFromRun = false;
-    QHash<QString, QString> m_observation; ///< columns read so far of the one at m_observationMs
+    ObservationColumns m_observation; ///< read so far of the one at m_observationMs
     qint64 m_observationMs = -1;
     qint64 m_observedUntilMs = -1; ///< observations up to here were created
     QHash<VideoOverlay::CVideoOverlayElement *, qint64> m_expiries; ///< [ms] of what has a timeout

@@ -2,6 +2,7 @@
 #include "host/cli/OverlayMaker.h"
 
 #include "host/LiveValue.h"
+#include "host/display/OverlayFont.h"
 #include "host/video/TelemetryView.h"
 #include "platform/logging/CLogger.h"
 
@@ -32,6 +33,9 @@ bool OverlayMaker::load(const Options &options, QSize expectedSize, QString *err
     if (!options.telemetryPath.isEmpty() && !m_telemetry.load(options.telemetryPath, error))
         return false;
     if (!makeSession(expectedSize, error))
+        return false;
+    *error = overlayFontProblem(m_session->settings().font());
+    if (!error->isEmpty())
         return false;
     // Once, not for every session: it is a matter of the file.
     const QStringList unshown = m_session->unshownNames();

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/qml/LiveApplication.h"
 
+#include "host/display/OverlayFont.h"
 #include "host/feed/LiveInput.h"
 #include "host/qml/EditorController.h"
 #include "host/qml/ElementFilter.h"
@@ -15,8 +16,10 @@
 #include "host/qml/VideoView.h"
 #include "host/video/TelemetryView.h"
 #include "host/video/VideoErrors.h"
+#include "platform/logging/CLogger.h"
 
 #include <videooverlay/display/CVideoOverlayManager.h>
+#include <videooverlay/display/VideoOverlaySettings.h>
 #include <videooverlay/models/VideoOverlayElementListModel.h>
 #include <videooverlay/models/VideoOverlayProfilesModel.h>
 
@@ -83,8 +86,17 @@ bool LiveApplication::start(const Setup &setup, QString *error)
     m_profileActions = std::make_unique<ProfileActions>(*m_overlay, *m_messages, *m_texts);
     m_project = std::make_unique<ProjectController>(setup.projectDirectory, *m_overlay, *m_messages,
                                                     *m_texts);
-    if (!m_overlay->startupError().isEmpty())
-        m_messages->error(m_overlay->startupError());
+    const VideoOverlay::VideoOverlaySettings &grid = *m_overlay->manager().getSettings();
+    connect(&grid, &VideoOverlay::VideoOverlaySettings::settingsError, this,
+            [this](const QString &error) {
+                m_messages->error(m_texts->text(QStringLiteral("errorGrid")).arg(error));
+            });
+    const QString fontProblem = overlayFontProblem(grid.font());
+    if (!fontProblem.isEmpty()) // in the log too: without a font, the screens cannot be read either
+        Logging::CLogger::logMessage(Logging::LogLevel::Error, QStringLiteral("Host"), fontProblem);
+    const QString problem = fontProblem.isEmpty() ? m_overlay->startupError() : fontProblem;
+    if (!problem.isEmpty())
+        m_messages->error(problem);
     if (!setup.demoProject.isEmpty())
         m_project->provideDemo(setup.demoProject);
 

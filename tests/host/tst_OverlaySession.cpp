@@ -126,6 +126,19 @@ private Q_SLOTS:
         QCOMPARE(settings.font().letterSpacing(), 122.0);
     }
 
+    /// The library tells by a signal alone.
+    void loweredGridIsLogged()
+    {
+        OverlaySession session(QSize(1920, 1080));
+        VideoOverlaySettings &settings = *session.manager().getSettings();
+        QVERIFY(settings.setGrid(27, 60)); // the row count carries the column count
+        session.resize(QSize(1280, 720));
+        QCOMPARE(takeLog().filter(QStringLiteral("lowering")),
+                 QStringList(QStringLiteral(
+                     "2 Host: VideoOverlaySettings::onCapabilitiesChanged() error: lowering column "
+                     "count to current possible maximum.")));
+    }
+
     void elementsStandOnTheGrid()
     {
         OverlaySession session(QSize(1920, 1080));

@@ -4,6 +4,7 @@
 #include "host/feed/LiveInputParser.h"
 #include "host/video/VideoErrors.h"
 
+#include <QDirIterator>
 #include <QFile>
 #include <QFileInfo>
 #include <QProcess>
@@ -47,6 +48,8 @@ private Q_SLOTS:
     void sourceThatWasCutOff();
     void values();
     void languageAndUnits();
+    void missingFont_data();
+    void missingFont();
     void liveValuesFromAPipe();
     void errors_data();
     void errors();
@@ -342,6 +345,57 @@ void tst_xqosd::languageAndUnits()
     // The captions are the same in either unit, up to the value.
     const QRect captions(0, 40, 500, 40);
     QCOMPARE(english.copy(captions), feet.copy(captions));
+}
+
+void tst_xqosd::missingFont_data()
+{
+    QTest::addColumn<QString>("command");
+    QTest::addColumn<QString>("font"); // that the machine has instead
+    for (const char *command : {"record", "snapshot"}) {
+        QTest::addRow("%s, no font at all", command) << QString::fromLatin1(command) << QString();
+        QTest::addRow("%s, another font", command)
+            << QString::fromLatin1(command) << QStringLiteral("DejaVu Serif");
+    }
+}
+
+/// A recording of boxes, or of another grid, cannot be made again.
+void tst_xqosd::missingFont()
+{
+    QFETCH(QString, command);
+    QFETCH(QString, font);
+    QTemporaryDir fonts;
+    if (!font.isEmpty()) {
+        QDirIterator installed(QStringLiteral("/usr/share/fonts"),
+                               {QString(font).remove(QLatin1Char(' ')) + QStringLiteral(".ttf")},
+                               QDir::Files, QDirIterator::Subdirectories);
+        QVERIFY2(installed.hasNext(), "the package fonts-dejavu-core brings it");
+        QVERIFY(QFile::copy(installed.next(), fonts.filePath(QStringLiteral("font.ttf"))));
+    }
+    const QString settings
+        = write("fonts.conf",
+                QStringLiteral("<?xml version=\"1.0\"?><!DOCTYPE fontconfig SYSTEM \"fonts.dtd\">"
+                               "<fontconfig><dir>%1</dir><cachedir>%2</cachedir></fontconfig>")
+                    .arg(fonts.path(), path("font-cache"))
+                    .toUtf8());
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("FONTCONFIG_FILE"), settings);
+    const QString output = path(command == QLatin1String("record") ? "font.mkv" : "font.png");
+    QStringList arguments {command,
+                           QStringLiteral("--source"),
+                           QStringLiteral("test"),
+                           QStringLiteral("--size"),
+                           QStringLiteral("320x240"),
+                           QStringLiteral("--output"),
+                           output};
+    if (command == QLatin1String("record"))
+        arguments.append({QStringLiteral("--duration"), QStringLiteral("1")});
+    const Outcome outcome = run(arguments, environment);
+    QCOMPARE(outcome.status, 1);
+    QVERIFY2(outcome.err.contains(QStringLiteral("\"DejaVu Sans Mono\" is not installed"))
+                 && outcome.err.contains(QStringLiteral("fonts-dejavu-core"))
+                 && outcome.err.contains(font),
+             qPrintable(outcome.err));
+    QVERIFY(!QFile::exists(output));
 }
 
 void tst_xqosd::liveValuesFromAPipe()

@@ -17,6 +17,7 @@
 #include "tests/support/ProfileFolders.h"
 
 #include <videooverlay/display/CVideoOverlayManager.h>
+#include <videooverlay/display/VideoOverlaySettings.h>
 #include <videooverlay/models/VideoOverlayElementListModel.h>
 #include <videooverlay/models/VideoOverlayProfilesModel.h>
 #include <videooverlay/profiles/Profile.h>
@@ -145,6 +146,7 @@ private Q_SLOTS:
     void language();
     void unitsOfTheBar();
     void unitOfTheProfileOrTheUsers();
+    void loweredGridIsTold();
     void overlayOff();
     void resizesPicture_data();
     void resizesPicture();
@@ -1074,6 +1076,16 @@ void tst_LiveApplication::unitOfTheProfileOrTheUsers()
     QTRY_COMPARE(speed->unit(), QStringLiteral("m/min"));
     QVERIFY(speed->text().endsWith(QStringLiteral(" m/min")));
     m_live->project().setImperial(false);
+}
+
+void tst_LiveApplication::loweredGridIsTold()
+{
+    QVERIFY(!m_live->messages().isError());
+    QVERIFY(manager().getSettings()->setGrid(27, 60)); // the row count carries the column count
+    m_live->overlay().setPictureSize(QSize(1280, 720));
+    QVERIFY(m_live->messages().isError());
+    QVERIFY2(m_live->messages().text().contains(QStringLiteral("lowering column count")),
+             qPrintable(m_live->messages().text()));
 }
 
 void tst_LiveApplication::overlayOff()
