@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/feed/SystemValueConverter.h"
 
+#include "host/platform/LocaleSettings.h"
+
 #include <platform/shared/CLocaleSupport.h>
 #include <videooverlay/units/AngleUnitsConverter.h>
 #include <videooverlay/units/DateConverter.h>
@@ -33,6 +35,18 @@ bool isSignedZero(const QString &text)
         digits = digits || digit == 0;
     }
     return digits;
+}
+
+/// In the digits of the user's locale. A duration is made with those of the system's, which the
+/// user may have left for another.
+QString inUsersDigits(QString text)
+{
+    const ushort zero = Shared::LocaleSettings::locale().zeroDigit().unicode();
+    for (QChar &character : text) {
+        if (character.isDigit())
+            character = QChar(zero + character.digitValue());
+    }
+    return text;
 }
 
 } // namespace
@@ -99,6 +113,8 @@ QString SystemValueConverter::convert(QVariant value, QString from, QString to)
     const QString unit = unitOrUsers(to);
     UnitsProvider &converter = m_fine && m_fineUnits.contains(unit) ? *m_fine : *m_converter;
     const QString text = converter.convert(std::move(value), std::move(from), unit);
+    if (m_quantity == SystemValue::Quantity::ElapsedTime)
+        return inUsersDigits(text);
     return isSignedZero(text) ? text.mid(1) : text;
 }
 

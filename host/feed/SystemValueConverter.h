@@ -13,7 +13,8 @@ namespace Velmar::Host {
 
 /// A library converter as this display uses it: an empty unit is the user's, whatever that is at
 /// the time; a value that has not come yet shows as nothing, not as the year 1970; a value that
-/// rounds to zero has no sign; and large units get the decimals that they need to say anything.
+/// rounds to zero has no sign; large units get the decimals that they need to say anything; and
+/// durations have the digits of the user's locale.
 class SystemValueConverter : public VideoOverlay::UnitsProvider
 {
 public:

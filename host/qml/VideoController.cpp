@@ -173,8 +173,9 @@ QString VideoController::newRecordingPath(QString *error) const
         *error = m_texts.text(QStringLiteral("errorNoFolder")).arg(directory.path());
         return QString();
     }
-    const QString stem
-        = QDateTime::currentDateTime().toString(QStringLiteral("yyyy-MM-dd_HH-mm-ss"));
+    // Plain digits, whatever the system's are: these names are sorted, and read on other machines.
+    const QString stem = QLocale::c().toString(QDateTime::currentDateTime(),
+                                               QStringLiteral("yyyy-MM-dd_HH-mm-ss"));
     QString path = directory.filePath(stem + QStringLiteral(".mkv"));
     for (int number = 2; QFile::exists(path); ++number)
         path = directory.filePath(QStringLiteral("%1_%2.mkv").arg(stem).arg(number));

@@ -52,6 +52,7 @@ private Q_SLOTS:
     void emptyUnitFollowsTheUser_data();
     void emptyUnitFollowsTheUser();
     void givenUnitStays();
+    void digitsOfTheUsersLocale();
     void captionsFollowTheLanguage();
     void wrongElement();
     void nothingBeforeTheFirstValue();
@@ -247,6 +248,21 @@ void tst_SystemValueDatasourceFactory::givenUnitStays()
     LocaleSettings::setUnitSystem(LocaleSettings::UnitSystem::Imperial);
     QCOMPARE(text.unit(), QStringLiteral("cm/s"));
     QCOMPARE(text.text(), QStringLiteral("10.00 cm/s"));
+}
+
+/// Not those of the system's, whose locale may be another one.
+void tst_SystemValueDatasourceFactory::digitsOfTheUsersLocale()
+{
+    CVideoOverlayText text;
+    ElementParam param = record(QStringLiteral("VIDEO_TIME_COUNTER"));
+    auto *datasource = qobject_cast<COsdValueDatasource *>(m_factory->getDatasource(&text, param));
+    QVERIFY(datasource);
+    datasource->update(qint64(3723000));
+    QCOMPARE(text.text(), QStringLiteral("01:02:03 "));
+    LocaleSettings::setLocale(QLocale(QStringLiteral("ar_EG")));
+    QCOMPARE(text.text(), QString::fromUtf8("\u0660\u0661:\u0660\u0662:\u0660\u0663 "));
+    LocaleSettings::setLocale(QLocale(QStringLiteral("de_DE")));
+    QCOMPARE(text.text(), QStringLiteral("01:02:03 "));
 }
 
 void tst_SystemValueDatasourceFactory::captionsFollowTheLanguage()

@@ -48,6 +48,7 @@ private Q_SLOTS:
     void sourceThatWasCutOff();
     void values();
     void languageAndUnits();
+    void languageOverTheSystems();
     void missingFont_data();
     void missingFont();
     void liveValuesFromAPipe();
@@ -345,6 +346,34 @@ void tst_xqosd::languageAndUnits()
     // The captions are the same in either unit, up to the value.
     const QRect captions(0, 40, 500, 40);
     QCOMPARE(english.copy(captions), feet.copy(captions));
+}
+
+/// What the option says holds for every letter and digit, whatever the machine speaks.
+void tst_xqosd::languageOverTheSystems()
+{
+    const QString run
+        = write("all.csv",
+                "t_ms,SECTION_DISTANCE_COUNTER,SPEED,CAMERA_PAN,CAMERA_PRESSURE,CAMERA_TEMPERATURE,"
+                "DATE,TIME\n0,1234.56,6.5,45,1098,24.6,2026-03-31,14:05:37\n");
+    const auto picture = [&](const char *name, const char *systems, const QString &profile) {
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert(QStringLiteral("LC_ALL"), QString::fromLatin1(systems));
+        const Outcome outcome = this->run(
+            {QStringLiteral("snapshot"), QStringLiteral("--transparent"),
+             QStringLiteral("--telemetry"), run, QStringLiteral("--at"), QStringLiteral("7"),
+             QStringLiteral("--language"), QStringLiteral("de"), QStringLiteral("--profile"),
+             profile, QStringLiteral("--settings-dir"), path("languages"), QStringLiteral("--log"),
+             path("languages.log"), QStringLiteral("--output"), path(name)},
+            environment);
+        return outcome.status == 0 ? QImage(path(name)) : QImage();
+    };
+    for (const char *profile : {"Halvo push camera system - default", "Sewer inspection"}) {
+        const QString name = QString::fromLatin1(profile);
+        const QImage german = picture("german.png", "C.UTF-8", name);
+        QVERIFY(!german.isNull());
+        QCOMPARE(picture("arabic.png", "ar_EG.UTF-8", name), german);
+        QCOMPARE(picture("persian.png", "fa_IR.UTF-8", name), german);
+    }
 }
 
 void tst_xqosd::missingFont_data()

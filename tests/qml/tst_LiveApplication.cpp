@@ -921,6 +921,10 @@ void tst_LiveApplication::recordsWhileThePictureRuns()
     QVERIFY(notRecording.count() >= 1);
     QVERIFY(frames.wait()); // the picture still runs
 
+    const QString name = QFileInfo(m_live->video().recordingPath()).fileName();
+    static const QRegularExpression dateAndTime(
+        QStringLiteral("^[0-9]{4}-[0-9]{2}-[0-9]{2}_[0-9]{2}-[0-9]{2}-[0-9]{2}[.]mkv$"));
+    QVERIFY2(dateAndTime.match(name).hasMatch(), qPrintable(name));
     const MediaFacts facts = readFacts(m_live->video().recordingPath());
     QCOMPARE(facts.problem, QString());
     QCOMPARE(facts.size, QSize(640, 360));
