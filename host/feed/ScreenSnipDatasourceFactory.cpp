@@ -61,6 +61,8 @@ void ScreenSnipDatasourceFactory::setPicture(const QImage &picture)
 
 bool ScreenSnipDatasourceFactory::showFile(const QString &path)
 {
+    if (path.isEmpty()) // nothing that Qt should warn about
+        return false;
     QImageReader reader(path);
     reader.setDecideFormatFromContent(true);
     const QSize size = reader.size(); // from the header

@@ -30,6 +30,7 @@ public:
     /// Shows @p picture in every such element, and in those that are made later. A null one takes
     /// the last away.
     void setPicture(const QImage &picture);
+    bool hasPicture() const { return !m_picture.isNull(); }
     /// The same with the picture in a file. False, and nothing changes, for what is none.
     bool showFile(const QString &path);
 

@@ -2,6 +2,7 @@
 #include "host/qml/LiveOverlay.h"
 
 #include "host/LiveValue.h"
+#include "host/feed/SystemValues.h"
 #include "host/profiles/FirstStart.h"
 #include "host/qml/OverlayView.h"
 #include "platform/directories/CApplicationDirectories.h"
@@ -99,11 +100,19 @@ void LiveOverlay::setValue(const QString &name, const QVariant &value)
     QString error;
     if (!showLiveValue(*m_session, name, value, &error))
         Q_EMIT problemFound(error);
+    if (name == SystemValues::screenSnip().name)
+        Q_EMIT snipChanged();
 }
 
 void LiveOverlay::showSnip(const QImage &picture)
 {
     m_session->screenSnips().setPicture(picture);
+    Q_EMIT snipChanged();
+}
+
+void LiveOverlay::removeSnip()
+{
+    showSnip(QImage());
 }
 
 void LiveOverlay::showFreeText(const QString &text)

@@ -29,6 +29,7 @@ class LiveOverlay : public QObject
     // clang-format off
     Q_PROPERTY(bool hasFreeText READ hasFreeText NOTIFY liveElementsChanged)
     Q_PROPERTY(bool hasScreenSnip READ hasScreenSnip NOTIFY liveElementsChanged)
+    Q_PROPERTY(bool showsSnip READ showsSnip NOTIFY snipChanged)
     // clang-format on
 
 public:
@@ -56,6 +57,8 @@ public:
     /// A value from outside. It stays until another comes.
     void setValue(const QString &name, const QVariant &value);
     void showSnip(const QImage &picture); ///< in the screen snips of the profile
+    bool showsSnip() const { return m_session->screenSnips().hasPicture(); }
+    Q_INVOKABLE void removeSnip();
 
     bool hasFreeText() const; ///< the profile has one that is switched on
     bool hasScreenSnip() const;
@@ -71,6 +74,7 @@ Q_SIGNALS:
     void pictureSizeChanged();
     void valuesChanged();
     void liveElementsChanged();
+    void snipChanged();
     void problemFound(const QString &text); ///< one line, for people
 
 private:

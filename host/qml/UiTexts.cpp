@@ -37,7 +37,7 @@ QStringList UiTexts::names()
               "noElements noInspection noPicture noPictures noPreview noProjects "
               "noWarnings observation ok opacity openFirst osd overlay position "
               "profiles project projectName properties readOnly record recorded "
-              "recording redo remark remove removeText removeTitle rename renameTitle "
+              "recording redo remark remove removeSnip removeText removeTitle rename renameTitle "
               "revert revertText revertTitle save saveAs saveAsTitle saved scale "
               "search searchCode sectionName select settings showCaption showFreeText speed stop "
               "store takeSnip text textColor timeout timeoutOff transparency undo unit unitOfUser "

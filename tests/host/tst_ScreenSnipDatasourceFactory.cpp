@@ -118,27 +118,19 @@ private Q_SLOTS:
         ElementParam other = record();
         QVERIFY(factory.getDatasource(&later, other));
         QCOMPARE(later.width(), 0.0);
-        takeLog();
     }
 
+    /// Small as a file, and no device should be asked for it.
     void hugePicture()
     {
         QTemporaryDir directory;
-        const QString path = directory.filePath(QStringLiteral("huge.png"));
-        // A header is enough; nobody gets to the pixels.
-        QImage small(1, 1, QImage::Format_ARGB32);
-        small.fill(Qt::red);
-        QVERIFY(small.save(path));
-        QFile file(path);
-        QVERIFY(file.open(QIODevice::ReadWrite));
-        QByteArray bytes = file.readAll();
-        bytes.replace(16, 8, QByteArray::fromHex("0000800000008000")); // 32768 x 32768
-        QVERIFY(file.seek(0));
-        file.write(bytes);
+        QFile file(directory.filePath(QStringLiteral("huge.pbm")));
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write("P4 16384 16384\n");
+        QVERIFY(file.resize(15 + 16384 / 8 * 16384));
         file.close();
         ScreenSnipDatasourceFactory factory;
-        QVERIFY(!factory.showFile(path));
-        takeLog();
+        QVERIFY(!factory.showFile(file.fileName()));
     }
 
     void wrongElement()

@@ -159,8 +159,8 @@ private Q_SLOTS:
         m_world->model().hideNotPermanentElements();
         m_world->model().showObservationElements();
 
-        QCOMPARE(observed->text(), QStringLiteral("Observation: fine crack / at the joint"));
-        QCOMPARE(code->text(), QStringLiteral("Code: Crack"));
+        QCOMPARE(observed->text(), QStringLiteral("Observation: Crack / at the joint"));
+        QCOMPARE(code->text(), QStringLiteral("Code: BAB"));
         QVERIFY(observed->visible());
         QVERIFY(!inspector->visible());
         takeLog();
@@ -295,7 +295,7 @@ private:
                                         {QStringLiteral("INS_Job_FK"), QVariant::fromValue(job)}});
         m_observation = m_database->add(Kind::Observation, m_inspection,
                                         {{QStringLiteral("OBS_OpCode"), text("BAB")},
-                                         {QStringLiteral("OBS_Observation"), text("fine crack")},
+                                         {QStringLiteral("OBS_Observation"), text("BAB")},
                                          {QStringLiteral("OBS_Memo"), text("at the joint")}});
         QVERIFY2(m_observation, qPrintable(m_database->errorText()));
     }

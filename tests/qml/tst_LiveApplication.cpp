@@ -692,6 +692,11 @@ void tst_LiveApplication::stillOfTheLivePicture()
         QVERIFY(frames.wait());
     QVERIFY(snip->getElement().getImage() == still); // the picture goes on, the still stays
 
+    QVERIFY(m_robot.click(QStringLiteral("snipButton"))); // takes it away again
+    QTRY_COMPARE(snip->imageSrcHeight(), 0);
+    QVERIFY(m_robot.click(QStringLiteral("snipButton")));
+    QTRY_COMPARE(snip->imageSrcHeight(), 360);
+
     // The live input has it, too.
     QLocalSocket client;
     client.connectToServer(path);

@@ -154,9 +154,9 @@ ApplicationWindow {
                     objectName: "snipButton"
                     Layout.fillWidth: true
                     visible: window.screen === 0 && liveOverlay.hasScreenSnip
-                    text: texts.takeSnip
-                    enabled: video.running
-                    onClicked: video.takeSnip()
+                    text: liveOverlay.showsSnip ? texts.removeSnip : texts.takeSnip
+                    enabled: liveOverlay.showsSnip || video.running
+                    onClicked: liveOverlay.showsSnip ? liveOverlay.removeSnip() : video.takeSnip()
                 }
             }
         }
