@@ -1,9 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/cli/Report.h"
 
-#include <QBuffer>
-#include <QFile>
-
 #include <cstdio>
 
 namespace Velmar::Host {
@@ -32,23 +29,6 @@ int reportError(const QString &text)
 void reportWarning(const QString &text)
 {
     print(stderr, QStringLiteral("xqosd: warning: ") + text);
-}
-
-bool savePng(const QImage &picture, const QString &path, QString *error)
-{
-    QByteArray bytes;
-    QBuffer buffer(&bytes);
-    if (picture.isNull() || !buffer.open(QIODevice::WriteOnly) || !picture.save(&buffer, "PNG")) {
-        *error = QStringLiteral("%1: the picture cannot be made").arg(path);
-        return false;
-    }
-    QFile file(path);
-    // Not the picture's own save(): that one tells nobody of a full disk.
-    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.flush()) {
-        *error = QStringLiteral("%1: cannot be written: %2").arg(path, file.errorString());
-        return false;
-    }
-    return true;
 }
 
 } // namespace Velmar::Host

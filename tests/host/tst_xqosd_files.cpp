@@ -1,0 +1,209 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QImage>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace {
+
+constexpr int LimitMs = 60000;
+const QByteArray earlierContent("an earlier picture");
+
+struct Outcome
+{
+    int status = -1;
+    QString out;
+    QString err;
+};
+
+} // namespace
+
+/// What the program leaves on the disk when something goes wrong there.
+class tst_xqosd_files : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+    void pictureOnAFullDisk_data();
+    void pictureOnAFullDisk();
+    void pictureReplacesAnother_data();
+    void pictureReplacesAnother();
+    void pictureIntoAPipe();
+
+private:
+    QString path(const char *name) const { return m_directory.filePath(QString::fromLatin1(name)); }
+    QString write(const QString &file, const QByteArray &content);
+    static QByteArray read(const QString &file);
+    static QStringList recording(const QString &output, const QStringList &more = {});
+    static Outcome outcomeOf(QProcess &program);
+    Outcome run(const QStringList &arguments);
+    /// As on a disk with room for @p blocks of 512 bytes in each file.
+    Outcome runOnFullDisk(int blocks, const QStringList &arguments);
+
+    QTemporaryDir m_directory;
+};
+
+QString tst_xqosd_files::write(const QString &name, const QByteArray &content)
+{
+    QFile file(name);
+    if (file.open(QIODevice::WriteOnly))
+        file.write(content);
+    return name;
+}
+
+QByteArray tst_xqosd_files::read(const QString &name)
+{
+    QFile file(name);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+QStringList tst_xqosd_files::recording(const QString &output, const QStringList &more)
+{
+    return QStringList {QStringLiteral("record"),
+                        QStringLiteral("--source"),
+                        QStringLiteral("test"),
+                        QStringLiteral("--size"),
+                        QStringLiteral("320x240"),
+                        QStringLiteral("--output"),
+                        output}
+    + more;
+}
+
+Outcome tst_xqosd_files::outcomeOf(QProcess &program)
+{
+    Outcome outcome;
+    if (!program.waitForFinished(LimitMs) || program.exitStatus() != QProcess::NormalExit)
+        return outcome;
+    outcome.status = program.exitCode();
+    outcome.out = QString::fromUtf8(program.readAllStandardOutput());
+    outcome.err = QString::fromUtf8(program.readAllStandardError());
+    return outcome;
+}
+
+Outcome tst_xqosd_files::run(const QStringList &arguments)
+{
+    QProcess program;
+    program.start(QStringLiteral(XQOSD_PROGRAM), arguments);
+    return outcomeOf(program);
+}
+
+Outcome tst_xqosd_files::runOnFullDisk(int blocks, const QStringList &arguments)
+{
+    QProcess program;
+    program.start(QStringLiteral("/bin/sh"),
+                  QStringList {QStringLiteral("-c"),
+                               QStringLiteral("ulimit -f %1; exec \"$@\"").arg(blocks),
+                               QStringLiteral("sh"), QStringLiteral(XQOSD_PROGRAM)}
+                      + arguments);
+    return outcomeOf(program);
+}
+
+void tst_xqosd_files::initTestCase()
+{
+    QVERIFY(m_directory.isValid());
+}
+
+void tst_xqosd_files::pictureOnAFullDisk_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<QString>("picture");
+    QTest::addColumn<bool>("existed");
+    const QStringList snapshot {QStringLiteral("snapshot"), QStringLiteral("--transparent"),
+                                QStringLiteral("--output")};
+    // A recording that no disk has to hold, so that only its picture fails.
+    const QString nowhere = path("nowhere.mkv");
+    QFile::link(QStringLiteral("/dev/null"), nowhere);
+    const QStringList png = recording(
+        nowhere, {QStringLiteral("--duration"), QStringLiteral("0.2"), QStringLiteral("--png")});
+    const QString picture = path("picture.png");
+    QTest::newRow("snapshot") << snapshot + QStringList(picture) << picture << true;
+    QTest::newRow("snapshot, none before") << snapshot + QStringList(picture) << picture << false;
+    // Small enough to stay in a buffer until the file is closed.
+    QTest::newRow("small snapshot")
+        << snapshot + QStringList {picture, QStringLiteral("--size"), QStringLiteral("160x90")}
+        << picture << true;
+    QTest::newRow("--png") << png + QStringList(picture) << picture << true;
+}
+
+void tst_xqosd_files::pictureOnAFullDisk()
+{
+    QFETCH(QStringList, arguments);
+    QFETCH(QString, picture);
+    QFETCH(bool, existed);
+    QFile::remove(picture);
+    if (existed)
+        write(picture, earlierContent);
+    const QStringList before = QDir(m_directory.path()).entryList(QDir::Files);
+    const Outcome outcome = runOnFullDisk(0, arguments);
+    QCOMPARE(outcome.status, 1);
+    QCOMPARE(outcome.err,
+             QStringLiteral("xqosd: %1: cannot be written: File too large\n").arg(picture));
+    if (existed)
+        QCOMPARE(read(picture), earlierContent);
+    QCOMPARE(QDir(m_directory.path()).entryList(QDir::Files), before);
+}
+
+void tst_xqosd_files::pictureReplacesAnother_data()
+{
+    QTest::addColumn<QString>("given");
+    QTest::addColumn<QString>("target");
+    const QString target = path("target.png");
+    QTest::newRow("the file") << target << target;
+    QDir(m_directory.path()).mkpath(QStringLiteral("links/deep"));
+    QFile::link(path("links/deep"), path("deep"));
+    const QString link = path("links/deep/picture.png");
+    QVERIFY(::symlink("../../target.png", QFile::encodeName(link).constData()) == 0);
+    QTest::newRow("a link in a linked folder") << path("deep/picture.png") << target;
+    QTest::newRow("a link to nothing yet") << link << target;
+}
+
+void tst_xqosd_files::pictureReplacesAnother()
+{
+    QFETCH(QString, given);
+    QFETCH(QString, target);
+    if (qstrcmp(QTest::currentDataTag(), "a link to nothing yet") == 0)
+        QFile::remove(target);
+    else
+        write(target, earlierContent);
+    const bool isLink = QFileInfo(given).isSymLink();
+    if (!isLink)
+        QCOMPARE(::chmod(QFile::encodeName(target).constData(), 0640), 0);
+    const Outcome outcome = run({QStringLiteral("snapshot"), QStringLiteral("--transparent"),
+                                 QStringLiteral("--size"), QStringLiteral("320x240"),
+                                 QStringLiteral("--output"), given});
+    QCOMPARE(outcome.err, QString());
+    QCOMPARE(outcome.status, 0);
+    QCOMPARE(QImage(target).size(), QSize(320, 240));
+    QCOMPARE(QFileInfo(given).isSymLink(), isLink);
+    struct stat status = {};
+    QCOMPARE(::stat(QFile::encodeName(target).constData(), &status), 0);
+    if (!isLink)
+        QCOMPARE(int(status.st_mode & 07777), 0640);
+}
+
+/// What is no file cannot be replaced by one.
+void tst_xqosd_files::pictureIntoAPipe()
+{
+    const QString pipe = path("pipe.png");
+    QCOMPARE(::mkfifo(QFile::encodeName(pipe).constData(), 0600), 0);
+    QProcess reader;
+    reader.start(QStringLiteral("cat"), {pipe});
+    QVERIFY(reader.waitForStarted());
+    const Outcome outcome = run({QStringLiteral("snapshot"), QStringLiteral("--transparent"),
+                                 QStringLiteral("--size"), QStringLiteral("320x240"),
+                                 QStringLiteral("--output"), pipe});
+    QCOMPARE(outcome.status, 0);
+    QVERIFY(reader.waitForFinished(LimitMs));
+    QCOMPARE(QImage::fromData(reader.readAllStandardOutput()).size(), QSize(320, 240));
+    QVERIFY(!QFileInfo(pipe).isFile());
+}
+
+QTEST_GUILESS_MAIN(tst_xqosd_files)
+#include "tst_xqosd_files.moc"
