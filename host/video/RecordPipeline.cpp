@@ -114,6 +114,9 @@ bool RecordPipeline::addOutput(GstElement *frames, QString *error)
                      .arg(m_output.path, QString::fromUtf8(m_encoderName));
         return false;
     }
+    // At the end, an encoder may take long for what it has held back.
+    const ObjectRef<GstPad> written(gst_element_get_static_pad(sink, "sink"));
+    watch(written.get());
     m_existedBefore = QFileInfo::exists(m_output.path);
     return true;
 }
@@ -189,7 +192,9 @@ bool RecordPipeline::addAudio(GstPad *pad, const char *const *names, int count, 
         return false;
     }
     gst_element_sync_state_with_parent(first);
-    limit(pad);
+    const ObjectRef<GstPad> waiting(gst_element_get_static_pad(first, "src"));
+    trim(waiting.get());
+    limit(pad, sink.get());
     return true;
 }
 
@@ -212,6 +217,14 @@ bool RecordPipeline::commit(QString *error)
     *error = QStringLiteral("%1: cannot replace the earlier file; the recording is in %2")
                  .arg(m_output.path, m_writtenPath);
     return false;
+}
+
+QString RecordPipeline::remains() const
+{
+    const QFileInfo info(m_writtenPath);
+    if (frameCount() == 0 || !info.isFile() || info.size() == 0)
+        return {};
+    return QStringLiteral("; what was recorded is in %1").arg(m_writtenPath);
 }
 
 QString RecordPipeline::outputName() const

@@ -34,6 +34,7 @@ protected:
     void cleanUp() override;
     bool commit(QString *error) override;
     QString outputName() const override;
+    QString remains() const override;
 
 private:
     bool addAudio(GstPad *pad, const char *const *names, int count, QString *error);

@@ -107,6 +107,19 @@ void takeDown(GstElement *pipeline)
     }
 }
 
+bool isOutputError(GstMessage *message)
+{
+    GError *rawError = nullptr;
+    gst_message_parse_error(message, &rawError, nullptr);
+    const GErrorRef error(rawError);
+    if (error->domain == GST_RESOURCE_ERROR)
+        return error->code == GST_RESOURCE_ERROR_NO_SPACE_LEFT
+            || error->code == GST_RESOURCE_ERROR_OPEN_WRITE
+            || error->code == GST_RESOURCE_ERROR_WRITE || error->code == GST_RESOURCE_ERROR_SEEK;
+    return error->domain == GST_STREAM_ERROR
+        && (error->code == GST_STREAM_ERROR_ENCODE || error->code == GST_STREAM_ERROR_MUX);
+}
+
 QString errorText(GstMessage *message, const QString &source, const QString &output,
                   const QStringList &missing)
 {
