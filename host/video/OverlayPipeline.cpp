@@ -169,6 +169,8 @@ bool OverlayPipeline::start(QString *error)
         QMetaObject::invokeMethod(
             this, [this] { fail(QStringLiteral("%1: cannot be started").arg(m_source.name())); },
             Qt::QueuedConnection);
+    } else {
+        outputOpened();
     }
     return true;
 }

@@ -67,6 +67,8 @@ protected:
     virtual bool addOutput(GstElement *frames, QString *error) = 0;
     /// Audio that can be taken as it is; null: audio is left out.
     virtual MiniObjectRef<GstCaps> audioCaps() const;
+    /// Called when the pipeline has been started.
+    virtual void outputOpened() { }
     /// Called after the pipeline is gone, before failed().
     virtual void cleanUp() { }
     /// Everything was written; called after the pipeline was taken down. False, with the reason,

@@ -1,14 +1,21 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "VideoReader.h"
+
+#include "host/video/VideoErrors.h"
+
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QImage>
 #include <QProcess>
 #include <QTemporaryDir>
 #include <QtTest>
 
+#include <csignal>
+
 #include <sys/stat.h>
 #include <unistd.h>
+
+using namespace Velmar::Host;
 
 namespace {
 
@@ -31,6 +38,13 @@ class tst_xqosd_files : public QObject
 
 private Q_SLOTS:
     void initTestCase();
+    void killedRecording_data();
+    void killedRecording();
+    void folderOfTheRecordingIsRemoved_data();
+    void folderOfTheRecordingIsRemoved();
+    void recordingIsReplacedByAnotherFile();
+    void diskThatIsFull_data();
+    void diskThatIsFull();
     void pictureOnAFullDisk_data();
     void pictureOnAFullDisk();
     void pictureReplacesAnother_data();
@@ -107,7 +121,129 @@ Outcome tst_xqosd_files::runOnFullDisk(int blocks, const QStringList &arguments)
 
 void tst_xqosd_files::initTestCase()
 {
+    QString error;
+    QVERIFY2(initialiseVideo(&error), qPrintable(error));
     QVERIFY(m_directory.isValid());
+}
+
+void tst_xqosd_files::killedRecording_data()
+{
+    QTest::addColumn<QString>("output");
+    QTest::newRow("Matroska") << path("killed.mkv");
+    QTest::newRow("MP4") << path("killed.mp4");
+}
+
+/// As after a power cut: nothing is said any more, and what is on the disk must do.
+void tst_xqosd_files::killedRecording()
+{
+    QFETCH(QString, output);
+    QProcess program;
+    program.start(QStringLiteral(XQOSD_PROGRAM), recording(output));
+    QVERIFY(program.waitForStarted());
+    QTRY_VERIFY_WITH_TIMEOUT(QFileInfo(output).size() > 500000, LimitMs);
+    QCOMPARE(::kill(pid_t(program.processId()), SIGKILL), 0);
+    QVERIFY(program.waitForFinished(LimitMs));
+
+    const MediaFacts facts = readFacts(output);
+    QCOMPARE(facts.problem, QString());
+    QCOMPARE(facts.size, QSize(320, 240));
+    const QVector<DecodedFrame> frames = readFrames(output);
+    // The last second may be missing; in half a megabyte there are six of them.
+    QVERIFY2(frames.size() >= 100, qPrintable(QString::number(frames.size())));
+    // Encoders send frames ahead of those that refer to them: the last ones may have gaps.
+    for (int i = 1; i < frames.size() - 5; ++i)
+        QVERIFY(qAbs(frames.at(i).timeNs - frames.at(i - 1).timeNs - 40000000) <= 1000000);
+
+    // And other programs see as much of it.
+    QProcess probe;
+    probe.start(QStringLiteral("ffprobe"),
+                {QStringLiteral("-v"), QStringLiteral("error"), QStringLiteral("-count_frames"),
+                 QStringLiteral("-show_entries"), QStringLiteral("stream=nb_read_frames"),
+                 QStringLiteral("-of"), QStringLiteral("csv=p=0"), output});
+    QVERIFY(probe.waitForFinished(LimitMs));
+    const int found = probe.readAllStandardOutput().trimmed().toInt();
+    QVERIFY2(found >= frames.size(), qPrintable(QString::number(found)));
+
+    // It is a source as any other, too.
+    const Outcome again = run({QStringLiteral("record"), QStringLiteral("--source"), output,
+                               QStringLiteral("--output"), path("again.mkv")});
+    QCOMPARE(again.status, 0);
+    QVERIFY(readFrames(path("again.mkv")).size() >= 100);
+}
+
+void tst_xqosd_files::folderOfTheRecordingIsRemoved_data()
+{
+    QTest::addColumn<bool>("overAnother");
+    QTest::newRow("a new file") << false;
+    QTest::newRow("over an earlier one") << true;
+}
+
+void tst_xqosd_files::folderOfTheRecordingIsRemoved()
+{
+    QFETCH(bool, overAnother);
+    QDir folder(path("removed"));
+    QVERIFY(folder.mkpath(QStringLiteral(".")));
+    const QString output = folder.filePath(QStringLiteral("run.mkv"));
+    const QString written = overAnother ? output + QStringLiteral(".part") : output;
+    if (overAnother)
+        write(output, earlierContent);
+    QProcess program;
+    program.start(QStringLiteral(XQOSD_PROGRAM),
+                  recording(output, {QStringLiteral("--duration"), QStringLiteral("100")}));
+    QVERIFY(program.waitForStarted());
+    QTRY_VERIFY_WITH_TIMEOUT(QFileInfo(written).size() > 60000, LimitMs);
+    QVERIFY(folder.removeRecursively());
+    const Outcome outcome = outcomeOf(program);
+    QCOMPARE(outcome.status, 1);
+    QCOMPARE(outcome.out, QString());
+    QCOMPARE(outcome.err,
+             QStringLiteral("xqosd: %1: the file is gone: it was removed while it was recorded\n")
+                 .arg(output));
+}
+
+void tst_xqosd_files::recordingIsReplacedByAnotherFile()
+{
+    const QString output = path("swapped.mp4");
+    QProcess program;
+    program.start(QStringLiteral(XQOSD_PROGRAM), recording(output));
+    QVERIFY(program.waitForStarted());
+    QTRY_VERIFY_WITH_TIMEOUT(QFileInfo(output).size() > 60000, LimitMs);
+    QVERIFY(QFile::remove(output));
+    write(output, earlierContent);
+    ::kill(pid_t(program.processId()), SIGINT);
+    const Outcome outcome = outcomeOf(program);
+    QCOMPARE(outcome.status, 1);
+    QVERIFY2(outcome.err.contains(QStringLiteral("another one was put in its place")),
+             qPrintable(outcome.err));
+    QCOMPARE(read(output), earlierContent);
+}
+
+void tst_xqosd_files::diskThatIsFull_data()
+{
+    QTest::addColumn<QString>("output");
+    QTest::addColumn<bool>("overAnother");
+    QTest::newRow("Matroska") << path("full.mkv") << false;
+    QTest::newRow("Matroska, over another") << path("over.mkv") << true;
+    QTest::newRow("MP4") << path("full.mp4") << false;
+    QTest::newRow("MP4, over another") << path("over.mp4") << true;
+}
+
+void tst_xqosd_files::diskThatIsFull()
+{
+    QFETCH(QString, output);
+    QFETCH(bool, overAnother);
+    const QString written = overAnother ? output + QStringLiteral(".part") : output;
+    if (overAnother)
+        write(output, earlierContent);
+    const Outcome outcome = runOnFullDisk(1000, recording(output));
+    QCOMPARE(outcome.status, 1);
+    QCOMPARE(outcome.err,
+             QStringLiteral("xqosd: %1: cannot be written: File too large; "
+                            "what was recorded is in %2\n")
+                 .arg(output, written));
+    if (overAnother)
+        QCOMPARE(read(output), earlierContent);
+    QVERIFY(readFrames(written).size() > 50);
 }
 
 void tst_xqosd_files::pictureOnAFullDisk_data()
