@@ -63,7 +63,8 @@ public:
     Q_INVOKABLE void startRecording();
     /// Shows the picture as it is now in the screen snips of the profile, without the overlay.
     Q_INVOKABLE void takeSnip();
-    /// Ends the file where the picture is now; it is complete when the state is Idle again.
+    /// Ends the file where the picture is now; it is complete when the state is Idle again. When
+    /// the picture is gone or over, the recording is ended so without being asked.
     Q_INVOKABLE void stopRecording();
 
 Q_SIGNALS:
@@ -81,6 +82,10 @@ private:
     void onFailed(const QString &reason);
     void setRunning(bool running);
     void setState(State state);
+    /// Who ended the recording.
+    enum class EndedBy { Operator, EndOfVideo, Failure };
+    void endRecordingBy(EndedBy cause, const QString &reason = QString());
+    void onRecordingFinished();
     void endRecording();
     QString newRecordingPath(QString *error) const;
     QString shown(SystemValueConverter &converter, const QString &valueName) const;
@@ -96,6 +101,8 @@ private:
     QImage m_frame; ///< the last one; the screens hold it as well
     QString m_path;
     QString m_failure; ///< of the source, since there was a picture
+    EndedBy m_endedBy = EndedBy::Operator;
+    QString m_endReason; ///< of a failure
     State m_state = Idle;
     bool m_running = false;
     int m_shownSeconds = 0;
