@@ -13,7 +13,8 @@ if(NOT VELMAR_PLATFORM_PACKAGE)
 endif()
 set_target_properties(${installed_libraries} PROPERTIES INSTALL_RPATH "$ORIGIN")
 
-install(TARGETS ${installed_libraries} EXPORT XqVideoOverlayTargets
+# The platform has an export set of its own, so that a host can take another one in its place.
+install(TARGETS XqVideoOverlay EXPORT XqVideoOverlayTargets
     LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}"
 )
 
@@ -26,11 +27,22 @@ install(FILES "${PROJECT_BINARY_DIR}/videooverlay/xqvideooverlay_export.h"
     DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/videooverlay")
 
 # A foreign platform package brings the headers of its own.
+set(XQ_PLATFORM_FILE "")
+set(XQ_PLATFORM_MOC_HEADERS "")
 if(NOT VELMAR_PLATFORM_PACKAGE)
+    set(XQ_PLATFORM_FILE "libVelmarPlatform.so.1")
+    install(TARGETS VelmarPlatform EXPORT VelmarPlatformTargets
+        LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}"
+    )
+    install(EXPORT VelmarPlatformTargets NAMESPACE Velmar:: DESTINATION "${XQ_CMAKE_DIR}")
     foreach(header IN LISTS VELMAR_PLATFORM_HEADERS)
         get_filename_component(folder "${header}" DIRECTORY)
         install(FILES "platform/${header}"
             DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/platform/${folder}")
+        file(STRINGS "${PROJECT_SOURCE_DIR}/platform/${header}" has_meta_object REGEX "^ *Q_(OBJECT|GADGET)$")
+        if(has_meta_object)
+            list(APPEND XQ_PLATFORM_MOC_HEADERS "platform/${header}")
+        endif()
     endforeach()
 endif()
 
@@ -39,6 +51,7 @@ configure_package_config_file(
     "${PROJECT_SOURCE_DIR}/cmake/XqVideoOverlayConfig.cmake.in"
     "${PROJECT_BINARY_DIR}/cmake/XqVideoOverlayConfig.cmake"
     INSTALL_DESTINATION "${XQ_CMAKE_DIR}"
+    PATH_VARS CMAKE_INSTALL_INCLUDEDIR
     NO_SET_AND_CHECK_MACRO
 )
 write_basic_package_version_file("${PROJECT_BINARY_DIR}/cmake/XqVideoOverlayConfigVersion.cmake"
