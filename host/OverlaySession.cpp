@@ -2,9 +2,12 @@
 #include "host/OverlaySession.h"
 
 #include "host/DemoLayout.h"
+#include "host/PictureFile.h"
+#include "host/ProfileAccess.h"
 #include "host/display/GridFit.h"
 #include "host/feed/SystemValues.h"
 #include "host/platform/CatalogStore.h"
+#include "host/platform/LogRouter.h"
 
 #include <videooverlay/display/CVideoOverlayManager.h>
 #include <videooverlay/elements/CVideoOverlayImage.h>
@@ -21,8 +24,6 @@
 #include <platform/logging/CLogger.h>
 #include <platform/shared/GlobalLocaleData.h>
 #include <platform/translation/CTranslator.h>
-
-#include <QImageReader>
 
 #include <algorithm>
 #include <cmath>
@@ -55,10 +56,11 @@ CVideoOverlayElement::Type typeOf(const ElementParam &record)
     return record.value(QStringLiteral("type")).value<CVideoOverlayElement::Type>();
 }
 
-/// Asked beforehand, so that what is no picture leaves nothing behind.
-bool isPicture(const QString &path)
+bool fail(QString *error, const QString &text)
 {
-    return QImageReader(path).canRead();
+    if (error)
+        *error = text;
+    return false;
 }
 
 } // namespace
@@ -160,7 +162,7 @@ bool OverlaySession::openProfiles(const QString &profile, QString *error)
     builder->registerFactory(&m_pictures);
     builder->registerFactory(m_inspectionTexts.get());
 
-    m_profiles = std::make_unique<VideoOverlayProfilesModel>(*m_manager);
+    m_profiles = readProfiles(*m_manager);
     m_manager->setProfilesModel(m_profiles.get());
     connect(m_profiles.get(), &VideoOverlayProfilesModel::currentProfileChanged, builder,
             &COsdBuilder::load);
@@ -177,23 +179,7 @@ bool OverlaySession::openProfiles(const QString &profile, QString *error)
     connect(Translation::CTranslator::instance(), &Translation::CTranslator::currentLocaleChanged,
             this, &OverlaySession::announceInspectionAgain);
 
-    if (profile.isEmpty()) {
-        m_profiles->selectStartupProfile();
-        if (m_profiles->currentProfileIndex() >= 0)
-            return true;
-        *error = QStringLiteral("There is no profile to start with");
-        return false;
-    }
-    QStringList captions;
-    for (int row = 0; row < m_profiles->rowCount(); ++row) {
-        auto *candidate = m_profiles->data(m_profiles->index(row)).value<Profile *>();
-        if (candidate->caption() == profile || candidate->path() == profile)
-            return m_profiles->setCurrentProfile(candidate);
-        captions.append(candidate->caption());
-    }
-    *error = QStringLiteral("There is no profile \"%1\"; there are: %2")
-                 .arg(profile, captions.join(QStringLiteral(", ")));
-    return false;
+    return selectProfile(*m_profiles, profile, error);
 }
 
 VideoOverlayProfilesModel *OverlaySession::profiles() const
@@ -269,10 +255,11 @@ void OverlaySession::addTexts()
     load(demoLayout([this](const QString &name) { return m_systemValues.caption(name); }));
 }
 
-bool OverlaySession::addPicture(const QString &path, int row, int column, int height)
+bool OverlaySession::addPicture(const QString &path, int row, int column, int height,
+                                QString *error)
 {
-    if (!isPicture(path))
-        return false;
+    if (const QString problem = pictureProblem(path); !problem.isEmpty())
+        return fail(error, problem);
     ElementParam record;
     record.insert(QStringLiteral("type"), int(CVideoOverlayElement::FreePicture));
     record.insert(QStringLiteral("row"), row);
@@ -280,11 +267,12 @@ bool OverlaySession::addPicture(const QString &path, int row, int column, int he
     record.insert(QStringLiteral("imagePath"), path);
     record.insert(QStringLiteral("enabled"), true);
     record.insert(QStringLiteral("scale"), 1.0);
+    const Logging::HeldLog log;
     auto *image = qobject_cast<CVideoOverlayImage *>(create(record));
     m_manager->getElementListModel()->reset();
     if (!image || image->imageSrcHeight() == 0) {
         m_manager->deleteElementFromModel(image);
-        return false;
+        return fail(error, pictureProblem(path, log.errors()));
     }
     scaleTo(*image, height);
     m_placedPictures.append({image, height});
@@ -293,17 +281,17 @@ bool OverlaySession::addPicture(const QString &path, int row, int column, int he
     return true;
 }
 
-bool OverlaySession::setWatermark(const QString &path)
+bool OverlaySession::setWatermark(const QString &path, QString *error)
 {
-    if (!isPicture(path))
-        return false;
+    if (const QString problem = pictureProblem(path); !problem.isEmpty())
+        return fail(error, problem);
     m_manager->createWatermark(path);
     // The display got it; the manager keeps it to itself.
     auto *image = qobject_cast<CVideoOverlayImage *>(
         m_scene->elementOfType(CVideoOverlayElement::Watermark));
     if (!image || image->imageSrcHeight() == 0) {
         m_manager->hideWatermark();
-        return false;
+        return fail(error, pictureProblem(path, {}));
     }
     placeWatermark();
     m_scene->flush();

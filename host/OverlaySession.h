@@ -68,7 +68,8 @@ public:
 
     /// From now on the elements are those of the current profile, which is the one called
     /// @p profile (or with that path; the stored start-up profile for an empty text) and then
-    /// whatever profiles() selects. False, and a text in @p error, when there is no such profile.
+    /// whatever profiles() selects. False, and a text in @p error, when there is no such profile or
+    /// it cannot be read; one to start with is loaded as far as it can be read.
     bool openProfiles(const QString &profile, QString *error);
     /// Null before openProfiles().
     VideoOverlay::VideoOverlayProfilesModel *profiles() const;
@@ -85,10 +86,12 @@ public:
     /// Loads the text boxes of the demonstration, which need neither profile nor project.
     void addTexts();
 
-    /// Puts a picture on the grid, @p height cells high. False when the file cannot be read as one.
-    bool addPicture(const QString &path, int row, int column, int height);
-    /// Puts the watermark onto the lower right corner. False when the file cannot be read as one.
-    bool setWatermark(const QString &path);
+    /// Puts a picture on the grid, @p height cells high. False, and a text in @p error, when the
+    /// file cannot be read as one or the library cannot keep its copy.
+    bool addPicture(const QString &path, int row, int column, int height, QString *error = nullptr);
+    /// Puts the watermark onto the lower right corner. False, and a text in @p error, when the file
+    /// cannot be read as a picture.
+    bool setWatermark(const QString &path, QString *error = nullptr);
 
     /// The run that the texts follow from now on.
     void setTelemetry(TelemetryFile telemetry);

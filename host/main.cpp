@@ -18,6 +18,7 @@
 #include <platform/directories/CApplicationDirectories.h>
 
 #include <QDir>
+#include <QFile>
 #include <QGuiApplication>
 #include <QTextCodec>
 
@@ -37,6 +38,18 @@ void logQtMessage(QtMsgType type, const QMessageLogContext &, const QString &tex
     const bool severe = type == QtCriticalMsg || type == QtFatalMsg;
     Logging::CLogger::logMessage(severe ? Logging::LogLevel::Error : Logging::LogLevel::Info,
                                  QStringLiteral("Qt"), text);
+}
+
+/// The first argument that cannot be written as it is, for people; empty when there is none. A file
+/// of another name would come of it.
+QString unwritableArgument(int argc, char **argv)
+{
+    for (int i = 1; i < argc; ++i) {
+        const QString text = QFile::decodeName(argv[i]);
+        if (QFile::encodeName(text) != argv[i])
+            return text;
+    }
+    return {};
 }
 
 bool setUpLog(const Options &options, QString *error)
@@ -120,6 +133,11 @@ int main(int argc, char **argv)
 
     findData();
 
+    const QString unwritable = unwritableArgument(argc, argv);
+    if (!unwritable.isEmpty()) {
+        reportError(QStringLiteral("\"%1\": is not UTF-8, as names must be").arg(unwritable));
+        return UsageStatus;
+    }
     Options options;
     QString error;
     if (!parseOptions(QGuiApplication::arguments(), &options, &error)) {

@@ -3,6 +3,7 @@
 
 #include "host/OverlaySession.h"
 #include "host/cli/Report.h"
+#include "host/profiles/ProfilesLock.h"
 
 #include <videooverlay/display/CVideoOverlayManager.h>
 #include <videooverlay/elements/CVideoOverlayElement.h>
@@ -64,6 +65,9 @@ bool set(CVideoOverlayElement &element, const QString &property, const QString &
 int runEdit(const Options &options)
 {
     QString error;
+    ProfilesLock lock; // from reading to saving
+    if (!lock.take(&error))
+        return reportError(error);
     OverlaySession session(PictureSize);
     if (!session.openProfiles(options.profile, &error))
         return reportError(error);

@@ -1,8 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/cli/OverlayMaker.h"
 
+#include "host/check/ProfileProblem.h"
 #include "host/video/TelemetryView.h"
 #include "platform/logging/CLogger.h"
+
+#include <videooverlay/models/VideoOverlayProfilesModel.h>
 
 #include <limits>
 
@@ -54,9 +57,17 @@ bool OverlayMaker::makeSession(QSize size, QString *error)
     m_session->setObservationsFromRun(m_options.observations);
     if (m_options.profile.isNull())
         m_session->addTexts();
-    else if (!m_session->openProfiles(m_options.profile, error) || !openProject(error))
+    else if (!m_session->openProfiles(m_options.profile, error) || isDamaged(error)
+             || !openProject(error))
         return false;
     return fillSession(error);
+}
+
+/// The library would show what it could read: a whole recording without its texts.
+bool OverlayMaker::isDamaged(QString *error) const
+{
+    *error = profileProblem(*m_session->profiles()->currentProfile());
+    return !error->isEmpty();
 }
 
 bool OverlayMaker::openProject(QString *error)
@@ -90,16 +101,10 @@ bool OverlayMaker::fillSession(QString *error)
         m_session->feed().setValue(it.key(), it.value());
     const QString picture = m_options.picturePath;
     if (!picture.isEmpty()
-        && !m_session->addPicture(picture, PictureRow, PictureColumn, PictureRows)) {
-        *error = QStringLiteral("%1: cannot be read as a picture").arg(picture);
+        && !m_session->addPicture(picture, PictureRow, PictureColumn, PictureRows, error))
         return false;
-    }
     const QString watermark = m_options.watermarkPath;
-    if (!watermark.isEmpty() && !m_session->setWatermark(watermark)) {
-        *error = QStringLiteral("%1: cannot be read as a picture").arg(watermark);
-        return false;
-    }
-    return true;
+    return watermark.isEmpty() || m_session->setWatermark(watermark, error);
 }
 
 FrameGate::Answer OverlayMaker::at(qint64 timeNs, QSize size)

@@ -34,6 +34,7 @@ public:
 private:
     bool makeSession(QSize size, QString *error);
     bool fillSession(QString *error);
+    bool isDamaged(QString *error) const;
     bool openProject(QString *error);
 
     Options m_options;

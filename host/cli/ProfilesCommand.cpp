@@ -1,15 +1,21 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/cli/ProfilesCommand.h"
 
+#include "host/ProfileAccess.h"
+#include "host/check/ProfileProblem.h"
 #include "host/cli/Report.h"
+#include "host/profiles/ProfileDirectory.h"
+#include "host/profiles/ProfilesLock.h"
 
-#include <platform/directories/CApplicationDirectories.h>
 #include <videooverlay/display/CVideoOverlayCapabilities.h>
 #include <videooverlay/display/CVideoOverlayControl.h>
 #include <videooverlay/display/CVideoOverlayManager.h>
 #include <videooverlay/models/VideoOverlayProfilesModel.h>
+#include <videooverlay/profiles/COsdSettings.h>
 
-#include <QDir>
+#include <QFile>
+
+#include <memory>
 
 namespace Velmar::Host {
 
@@ -49,11 +55,25 @@ int list(const VideoOverlayProfilesModel &profiles)
     return 0;
 }
 
+/// Whether the current profile is the stored one. The library tells only the log when it could not
+/// store it.
+int startProfileStatus(const VideoOverlayProfilesModel &profiles)
+{
+    const Profile *current = profileAt(profiles, profiles.currentProfileIndex());
+    return !current || isStartProfile(current->path())
+        ? 0
+        : reportError(QStringLiteral("%1: the profile to start with cannot be stored")
+                          .arg(VideoOverlay::COsdSettings::xmlSettingsPath()));
+}
+
 int clone(VideoOverlayProfilesModel &profiles, const QString &name, const QString &newName)
 {
     const int row = rowNamed(profiles, name);
     if (row < 0)
         return FailureStatus;
+    const QString problem = profileProblem(*profileAt(profiles, row));
+    if (!problem.isEmpty())
+        return reportError(problem); // a copy of it would be empty
     const Profile *copy = profiles.clone(profileAt(profiles, row), newName);
     if (!copy)
         return reportError(QStringLiteral("\"%1\" cannot be cloned").arg(name));
@@ -70,7 +90,7 @@ int rename(VideoOverlayProfilesModel &profiles, const QString &name, const QStri
     if (profile->readOnly())
         return reportError(QStringLiteral("\"%1\" is read-only").arg(name));
     return profile->rename(newName)
-        ? 0
+        ? startProfileStatus(profiles)
         : reportError(QStringLiteral("\"%1\" cannot be called \"%2\"").arg(name, newName));
 }
 
@@ -84,33 +104,52 @@ int remove(VideoOverlayProfilesModel &profiles, const QString &name)
         return reportError(QStringLiteral("\"%1\" is read-only").arg(name));
     const QString path = profile->path();
     profiles.remove(row);
-    return QFile::exists(path) ? reportError(QStringLiteral("%1: cannot be removed").arg(path)) : 0;
+    return QFile::exists(path) ? reportError(QStringLiteral("%1: cannot be removed").arg(path))
+                               : startProfileStatus(profiles);
+}
+
+int select(VideoOverlayProfilesModel &profiles, const QString &name)
+{
+    const int row = rowNamed(profiles, name);
+    if (row < 0)
+        return FailureStatus;
+    const QString problem = profileProblem(*profileAt(profiles, row));
+    if (!problem.isEmpty())
+        return reportError(problem); // a device would start with an empty overlay
+    return profiles.setCurrentProfileByIndex(row) ? startProfileStatus(profiles) : FailureStatus;
 }
 
 } // namespace
 
 int runProfiles(const Options &options)
 {
+    const QString action = options.words.value(0, QStringLiteral("list"));
+    const QString name = options.words.value(1);
+    QString error;
+    ProfilesLock lock;
+    if (action != QLatin1String("list") && !lock.take(&error))
+        return reportError(error);
     // Nothing is displayed: a manager without a display is enough.
     VideoOverlay::CVideoOverlayCapabilities capabilities;
     VideoOverlay::CVideoOverlayControl control;
     VideoOverlay::CVideoOverlayManager manager(control, capabilities);
-    VideoOverlayProfilesModel profiles(manager);
-    manager.setProfilesModel(&profiles);
-    profiles.selectStartupProfile();
+    const std::unique_ptr<VideoOverlayProfilesModel> profiles = readProfiles(manager);
+    if (!holdsAllProfiles(*profiles, &error))
+        return reportError(error);
+    manager.setProfilesModel(profiles.get());
+    selectStartupProfile(*profiles);
 
-    const QString action = options.words.value(0, QStringLiteral("list"));
-    const QString name = options.words.value(1);
-    if (action == QLatin1String("list"))
-        return list(profiles);
+    if (action == QLatin1String("list")) {
+        warnOfDamage(*profiles);
+        return list(*profiles);
+    }
     if (action == QLatin1String("clone"))
-        return clone(profiles, name, options.words.value(2));
+        return clone(*profiles, name, options.words.value(2));
     if (action == QLatin1String("rename"))
-        return rename(profiles, name, options.words.value(2));
+        return rename(*profiles, name, options.words.value(2));
     if (action == QLatin1String("remove"))
-        return remove(profiles, name);
-    const int row = rowNamed(profiles, name); // select
-    return row >= 0 && profiles.setCurrentProfileByIndex(row) ? 0 : FailureStatus;
+        return remove(*profiles, name);
+    return select(*profiles, name);
 }
 
 } // namespace Velmar::Host

@@ -4,7 +4,9 @@
 #include "host/platform/LogRouter.h"
 
 #include <platform/directories/CApplicationDirectories.h>
+#include <videooverlay/models/VideoOverlayProfilesModel.h>
 #include <videooverlay/profiles/COsdSettings.h>
+#include <videooverlay/profiles/ProfilesManager.h>
 
 #include <QDir>
 #include <QFile>
@@ -32,6 +34,18 @@ bool listProfileFiles(const QString &directory, QStringList *names, QString *err
     if (!code)
         return true;
     *error = QStringLiteral("%1: %2").arg(directory, qt_error_string(code.value()));
+    return false;
+}
+
+bool holdsAllProfiles(const VideoOverlay::VideoOverlayProfilesModel &profiles, QString *error)
+{
+    const QString directory = VideoOverlay::ProfilesManager::profilesDirectory();
+    QStringList names;
+    if (!listProfileFiles(directory, &names, error))
+        return false;
+    if (profiles.rowCount() >= names.size())
+        return true;
+    *error = QStringLiteral("%1: could not be read").arg(directory);
     return false;
 }
 
