@@ -378,9 +378,9 @@ private Q_SLOTS:
             const CVideoOverlayElement *const element = m_world->manager->getElement(i);
             QVERIFY(!datasourceOf(element));
             QCOMPARE(element->type(), Type::Invalid); // as it was made
-            // The record knows it all the same.
-            QCOMPARE(profile.elements().at(i).value(QStringLiteral("id")).toInt(), element->id());
         }
+        for (int i = 0; i < 5; ++i) // only a datasource writes an id into its record
+            QCOMPARE(profile.elements().at(i).contains(QStringLiteral("id")), i == 4);
         const QStringList log = takeLog();
         for (const char *type : {"1", "2", "3", "6"})
             QCOMPARE(log.count(::noDatasource(QString::fromLatin1(type))), 1);
@@ -394,17 +394,81 @@ private Q_SLOTS:
             profile.elements().last().insert(ElementParam::NAME_COLUMNBOUND,
                                              QString::fromLatin1(name));
         }
+        const QList<ElementParam> before = profile.elements();
         m_world->load(profile);
+        QCOMPARE(profile.elements(), before);
         // Removed before anything was saved: no other may lose its record for that.
         QVERIFY(m_world->manager->deleteElement(1));
 
         m_world->profiles->applyChanges(&profile);
 
-        QStringList columns;
-        for (const ElementParam &record : profile.elements())
-            columns.append(record.value(ElementParam::NAME_COLUMNBOUND).toString());
-        QCOMPARE(columns,
-                 QStringList({QStringLiteral("SPEED"), QStringLiteral("TIME"), QString()}));
+        QCOMPARE(profile.elements().mid(0, 2), (QList<ElementParam> {before[0], before[2]}));
+        QCOMPARE(profile.elements().size(), 3);
+
+        // And again, with what was put into the profile meanwhile, and what is new.
+        profile.elements()[1].insert(QStringLiteral("row"), 5);
+        QVERIFY(m_world->manager->deleteElement(0));
+        m_world->model().createStaticText(QStringLiteral("new"));
+        m_world->profiles->applyChanges(&profile);
+        QCOMPARE(profile.elements().size(), 3);
+        QCOMPARE(profile.elements().at(0).value(ElementParam::NAME_COLUMNBOUND).toString(),
+                 QStringLiteral("TIME"));
+        QCOMPARE(profile.elements().at(0).value(QStringLiteral("row")).toInt(), 5);
+        QVERIFY(!profile.elements().at(0).contains(QStringLiteral("id")));
+        QCOMPARE(profile.elements().at(1).value(QStringLiteral("text")).toString(),
+                 QStringLiteral("new"));
+        takeLog();
+    }
+
+    void whatNobodyServesIsMatchedInAnyOrder()
+    {
+        // Those of the template are added in front of the profile and behind the elements; two are
+        // alike.
+        Profile profile;
+        for (const char *name : {"SPEED", "SPEED", "DATE"}) {
+            profile.elements().append(recordOfType(int(Type::SystemText)));
+            profile.elements().last().insert(ElementParam::NAME_COLUMNBOUND,
+                                             QString::fromLatin1(name));
+        }
+        const auto reset = [this] { m_world->manager->resetChanges(); }; // as every host does
+        connect(m_world->builder, &COsdBuilder::profileLoaded, m_world->manager.get(), reset);
+        connect(m_world->builder, &COsdBuilder::profileLoaded, m_world->profiles.get(),
+                &VideoOverlayProfilesModel::profileLoaded);
+        m_world->load(profile);
+        QVERIFY(!m_world->profiles->isCurrentProfileChanged());
+        m_world->templates.load({{QStringLiteral("SECTION"), QStringLiteral("OBJ_Key"), {}}});
+        reset();
+        QVERIFY(!m_world->profiles->isCurrentProfileChanged()); // they came with their records
+        QCOMPARE(profile.elements().size(), 5);
+        const QList<ElementParam> before = profile.elements();
+        QVERIFY(m_world->manager->deleteElement(0)); // one SPEED
+        QVERIFY(m_world->profiles->isCurrentProfileChanged());
+        QVERIFY(m_world->manager->deleteElement(3)); // the last text of the template
+        m_world->manager->createText();              // nobody's
+
+        m_world->profiles->applyChanges(&profile);
+
+        // In the order of the elements; the last text of the template is the profile's first.
+        QCOMPARE(profile.elements().mid(0, 3),
+                 (QList<ElementParam> {before[2], before[4], before[1]}));
+        QCOMPARE(profile.elements().size(), 4);
+        takeLog();
+    }
+
+    void whatNobodyServesIsInACopy()
+    {
+        Profile profile;
+        for (const char *name : {"SPEED", "DATE"}) {
+            profile.elements().append(recordOfType(int(Type::SystemText)));
+            profile.elements().last().insert(ElementParam::NAME_COLUMNBOUND,
+                                             QString::fromLatin1(name));
+        }
+        m_world->load(profile);
+        const std::unique_ptr<Profile> copy(profile.clone());
+        QVERIFY(m_world->manager->deleteElement(0));
+        QCOMPARE(m_world->profiles->applyChanges(copy.get()), copy.get());
+        QCOMPARE(copy->elements().size(), 2);
+        QCOMPARE(copy->elements().first(), profile.elements().last());
         takeLog();
     }
 
@@ -616,8 +680,7 @@ private Q_SLOTS:
         QCOMPARE(m_world->manager->elementsCount(), 2);
         QVERIFY(!datasourceOf(m_world->manager->getElement(0)));
         QVERIFY(datasourceOf(m_world->manager->getElement(1)));
-        QCOMPARE(profile.elements().first().value(QStringLiteral("id")).toInt(),
-                 m_world->manager->getElement(0)->id());
+        QVERIFY(!profile.elements().first().contains(QStringLiteral("id")));
         QVERIFY(takeLog().contains(QStringLiteral("1 ") + category
                                    + QStringLiteral("OSD builder: a factory failed for '1'")));
     }

@@ -22,4 +22,10 @@ inline CVideoOverlayElement::Type typeOf(const ElementParam &record)
     return type.value<CVideoOverlayElement::Type>();
 }
 
+/// The record of what holds for the whole overlay, which is of no element.
+inline bool isGeneral(const ElementParam &record)
+{
+    return record.value(QStringLiteral("general")).toBool();
+}
+
 } // namespace Velmar::VideoOverlay

@@ -5,6 +5,8 @@
 #include "videooverlay/Log_p.h"
 #include "videooverlay/display/CVideoOverlayManager.h"
 #include "videooverlay/elements/ElementType_p.h"
+#include "videooverlay/models/SavedRecords_p.h"
+#include "videooverlay/osd/StandInRecord_p.h"
 #include "videooverlay/profiles/COsdSettings.h"
 #include "videooverlay/profiles/ProfilesManager.h"
 
@@ -14,16 +16,16 @@
 #include <QQmlEngine>
 
 #include <algorithm>
-#include <utility>
+#include <limits>
 
 namespace Velmar::VideoOverlay {
 
 namespace {
 
 const QString idKey = QStringLiteral("id");
-const QString typeKey = QStringLiteral("type");
 const QString textKey = QStringLiteral("text");
-const QString imagePathKey = QStringLiteral("imagePath");
+
+constexpr int noId = std::numeric_limits<int>::min() / 2; ///< far from every id, with room around
 
 QString defaultProfileName()
 {
@@ -36,19 +38,6 @@ void registerCaptions()
     if (!QMetaType::hasRegisteredConverterFunction<Profile *, QString>())
         QMetaType::registerConverter<Profile *, QString>(
             [](const Profile *profile) { return profile ? profile->caption() : QString(); });
-}
-
-/// Not QHash::unite, which would keep both values of a key.
-ElementParam united(ElementParam base, const ElementParam &above)
-{
-    for (auto it = above.cbegin(); it != above.cend(); ++it)
-        base.insert(it.key(), it.value());
-    return base;
-}
-
-bool isGeneral(const ElementParam &record)
-{
-    return record.value(QStringLiteral("general")).toBool();
 }
 
 /// Whoever builds the overlay gives the records new ids. Those of an earlier overlay would say that
@@ -66,74 +55,6 @@ bool isTextOnly(const ElementParam &changes)
 {
     return changes.contains(textKey) && changes.size() == (changes.contains(idKey) ? 2 : 1);
 }
-
-/// A screen snip or a picture that could not be copied has no source of its own; what the profile
-/// or the element's record says must not be lost for that.
-void keepImagePath(ElementParam &record, const ElementParam &profileRecord,
-                   const ElementParam &elementRecord)
-{
-    for (const ElementParam *earlier : {&profileRecord, &elementRecord}) {
-        const QString path = earlier->value(imagePathKey).toString();
-        if (record.value(imagePathKey).toString().isEmpty() && !path.isEmpty())
-            record.insert(imagePathKey, path);
-    }
-}
-
-/// The records that a profile is to hold, made from what the manager reports.
-class SavedRecords
-{
-public:
-    explicit SavedRecords(Profile &profile)
-        : m_profile(profile)
-    {
-        for (const ElementParam &record : qAsConst(profile).elements()) {
-            if (!isGeneral(record) && record.value(idKey).toString().isEmpty())
-                m_neverShown.append(record);
-        }
-    }
-
-    void addElement(const CVideoOverlayElement &element, const ElementParam &reported)
-    {
-        const ElementParam *known
-            = m_profile.findParamByKeyValue(idKey, QString::number(element.id()));
-        if (!reported.contains(typeKey)) {
-            addStandIn(element, known);
-            return;
-        }
-        const ElementParam own = known ? *known : ElementParam();
-        ElementParam record = united(own, reported);
-        if (typeOf(record) == CVideoOverlayElement::Watermark)
-            return;
-        record.insert(idKey, element.id());
-        keepImagePath(record, own, element.getParamObject());
-        m_records.append(record);
-    }
-
-    void addGeneralSettings(const ElementParam &reported)
-    {
-        m_records.append(reported.contains(typeKey)
-                             ? reported
-                             : united(ElementParam::createGeneralSettingsDefault(), reported));
-    }
-
-    QList<ElementParam> take() { return std::exchange(m_records, {}); }
-
-private:
-    /// For an element that never got a datasource and so does not know what it is. Nothing but the
-    /// order tells which record it was made from, unless that has an id.
-    void addStandIn(const CVideoOverlayElement &element, const ElementParam *known)
-    {
-        if (!known && m_neverShown.isEmpty())
-            return; // not from the profile: there is nothing to save
-        ElementParam record = known ? *known : m_neverShown.takeFirst();
-        record.insert(idKey, element.id());
-        m_records.append(record);
-    }
-
-    Profile &m_profile;
-    QList<ElementParam> m_neverShown; ///< in file order
-    QList<ElementParam> m_records;
-};
 
 } // namespace
 
@@ -283,11 +204,8 @@ Profile *VideoOverlayProfilesModel::applyChanges(Profile *profile)
     const QMutexLocker lock(m_manager.mutex());
     const QList<CVideoOverlayElement *> elements = m_manager.getElementList();
     const QList<ElementParam> reported = m_manager.getAllPropertiesWithChanges();
-    SavedRecords records(*profile);
-    for (int row = 0; row < elements.size(); ++row)
-        records.addElement(*elements.at(row), reported.at(row));
-    records.addGeneralSettings(reported.last());
-    profile->elements() = records.take();
+    SavedRecords records(profile->elements(), elements, reported, 0);
+    profile->elements() = records.make(SavedRecords::Unshown::Dropped);
     return profile;
 }
 
@@ -410,22 +328,31 @@ bool VideoOverlayProfilesModel::saveInto(Profile &profile)
 }
 
 /// The ids of live elements without a record in the current profile, and of records whose element
-/// is gone. Elements that follow the catalog come and go with their records.
+/// is gone. Elements that follow the catalog come and go with their records. Records and elements
+/// that have no id to be matched by are only counted.
 QSet<int> VideoOverlayProfilesModel::handMadeDifferences() const
 {
     QSet<int> ids;
+    int withoutId = 0; // records less elements
     const QList<CVideoOverlayElement *> elements = m_manager.getElementList();
-    for (const CVideoOverlayElement *element : elements)
-        ids.insert(element->id());
+    for (const CVideoOverlayElement *element : elements) {
+        if (StandInRecord::of(*element))
+            --withoutId;
+        else
+            ids.insert(element->id());
+    }
     if (!m_currentProfile)
         return ids;
     for (const ElementParam &record : qAsConst(*m_currentProfile).elements()) {
         const QVariant id = record.value(idKey);
-        if (!id.isValid() || isGeneral(record))
+        if (isGeneral(record))
             continue;
-        if (!ids.remove(id.toInt()))
+        if (!id.isValid())
+            ++withoutId;
+        else if (!ids.remove(id.toInt()))
             ids.insert(id.toInt());
     }
+    ids.insert(noId + withoutId);
     return ids;
 }
 

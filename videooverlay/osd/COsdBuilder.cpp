@@ -16,6 +16,7 @@
 #include "videooverlay/osd/COsdStaticTextDatasource.h"
 #include "videooverlay/osd/COsdValueDatasource.h"
 #include "videooverlay/osd/InspectionColumns_p.h"
+#include "videooverlay/osd/StandInRecord_p.h"
 #include "videooverlay/profiles/COsdSettings.h"
 
 #include <QScopeGuard>
@@ -136,20 +137,20 @@ void COsdBuilder::createElement(CVideoOverlayManager &manager, ElementParam &rec
 {
     switch (typeOf(record)) {
     case Type::FreePicture:
-        serve(*manager.createImage(), record);
+        serve(manager, *manager.createImage(), record);
         return;
     case Type::InspText:
     case Type::InspStaticText:
-        serve(*manager.createText(), record);
+        serve(manager, *manager.createText(), record);
         return;
     case Type::SystemText:
-        serve(*manager.createText(record), record);
+        serve(manager, *manager.createText(record), record);
         return;
     case Type::FreeText:
         createFreeText(manager, record);
         return;
     case Type::Invalid:
-        if (record.value(QStringLiteral("general")).toBool()) {
+        if (isGeneral(record)) {
             manager.setGeneralSettings(record);
             return;
         }
@@ -160,17 +161,18 @@ void COsdBuilder::createElement(CVideoOverlayManager &manager, ElementParam &rec
     createStaticText(manager, record);
 }
 
-void COsdBuilder::serve(CVideoOverlayElement &element, ElementParam &record)
+void COsdBuilder::serve(CVideoOverlayManager &manager, CVideoOverlayElement &element,
+                        ElementParam &record)
 {
+    // By its id, because a factory may delete the element, or the host the manager.
+    const QPointer<CVideoOverlayManager> guarded(&manager);
     const int id = element.id();
-    COsdElementDatasource *datasource = nullptr;
-    // A datasource has written the id. Without one the record must be found again, too: it stands
-    // in for the element when the profile is saved.
-    const auto nameElement = qScopeGuard([&] {
-        if (!datasource)
-            record.insert(QStringLiteral("id"), id);
+    const auto standIn = qScopeGuard([&] {
+        auto *const served = guarded ? guarded->getElement(guarded->rowIndexByID(id)) : nullptr;
+        if (served && served->getParamObject().isEmpty())
+            new StandInRecord(*served, record); // a child of the element
     });
-    datasource = constructDatasource(&element, record);
+    constructDatasource(&element, record);
 }
 
 void COsdBuilder::createFreeText(CVideoOverlayManager &manager, ElementParam &record)
@@ -321,7 +323,7 @@ void COsdBuilder::addInspectionText(const QString &key, Profile &profile)
     QPointer<CVideoOverlayText> element;
     try {
         element = m_manager->createText();
-        serve(*element, profile.elements().first());
+        serve(*m_manager, *element, profile.elements().first());
     } catch (...) {
         log(LogLevel::Error,
             QStringLiteral("OSD builder: a factory failed for '") + type + QLatin1Char('\''));

@@ -103,8 +103,8 @@ private:
 
     void forgetFactory(CAbstractOsdDatasourceFactory *factory);
     void createElement(CVideoOverlayManager &manager, ElementParam &record);
-    /// Asks the factories. The record gets the id of @p element, whether one serves it or not.
-    void serve(CVideoOverlayElement &element, ElementParam &record);
+    /// Asks the factories. What none serves remembers the record that it stands for.
+    void serve(CVideoOverlayManager &manager, CVideoOverlayElement &element, ElementParam &record);
     void createFreeText(CVideoOverlayManager &manager, ElementParam &record);
     void createStaticText(CVideoOverlayManager &manager, ElementParam &record);
     void addInspectionText(const QString &key, Profile &profile);
