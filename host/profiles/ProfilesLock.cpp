@@ -32,12 +32,11 @@ bool ProfilesLock::take(QString *error, int waitMs)
     QString program;
     m_file->getLockInfo(&process, &machine, &program);
     m_file.reset();
-    if (problem == QLockFile::PermissionError)
+    if (problem != QLockFile::LockFailedError)
         return true;
-    *error = problem == QLockFile::LockFailedError
-        ? QStringLiteral("%1: another program (%2, process %3) is changing the profiles; try again")
-              .arg(directory.path(), program, QString::number(process))
-        : QStringLiteral("%1: cannot be locked against other programs").arg(directory.path());
+    *error
+        = QStringLiteral("%1: another program (%2, process %3) is changing the profiles; try again")
+              .arg(directory.path(), program, QString::number(process));
     return false;
 }
 
