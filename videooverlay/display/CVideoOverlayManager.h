@@ -151,7 +151,7 @@ public Q_SLOTS:
     // takes longer the more elements there are, so the manager itself follows them in another way.
     void onTextChanged();
     void onImageChanged();
-    void onChildDestroyed(Velmar::VideoOverlay::CVideoOverlayElement *obj);
+    void onChildDestroyed(CVideoOverlayElement *obj); // spelled like the signal, deleteRequest
 
 private:
     friend class VideoOverlayElementListModel; ///< walks over the elements, too
