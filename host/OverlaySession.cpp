@@ -7,6 +7,7 @@
 #include "host/display/GridFit.h"
 #include "host/feed/SystemValues.h"
 #include "host/platform/CatalogStore.h"
+#include "host/platform/LogRouter.h"
 
 #include <videooverlay/display/CVideoOverlayManager.h>
 #include <videooverlay/elements/CVideoOverlayImage.h>

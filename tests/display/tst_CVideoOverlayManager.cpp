@@ -78,7 +78,7 @@ private Q_SLOTS:
                  "slot onSettingsChanged()",
                  "slot onTextChanged()",
                  "slot onImageChanged()",
-                 "slot onChildDestroyed(Velmar::VideoOverlay::CVideoOverlayElement*)",
+                 "slot onChildDestroyed(CVideoOverlayElement*)",
                  "method Velmar::VideoOverlay::CVideoOverlayElement* getElement(int)"}));
     }
 

@@ -45,6 +45,8 @@ CVideoOverlayManager::CVideoOverlayManager(CVideoOverlayControl &control,
     qRegisterMetaType<State>("State");
     qRegisterMetaType<State>("Velmar::VideoOverlay::CVideoOverlayManager::State");
     qRegisterMetaType<CVideoOverlayElement *>(); // QML calls getElement()
+    // As the elements' deleteRequest spells it, so that it is known by name in either way.
+    qRegisterMetaType<CVideoOverlayElement *>("CVideoOverlayElement*");
     // After all members: the model sets the transparency.
     m_elementListModel = std::make_unique<VideoOverlayElementListModel>(*this);
     connect(&m_control, &CVideoOverlayControl::controlActiveChanged, this,

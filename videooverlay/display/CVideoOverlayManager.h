@@ -231,8 +231,9 @@ public Q_SLOTS:
     void onTextChanged();
     /// As onTextChanged().
     void onImageChanged();
-    /// For an element's deleteRequest: removes it, with its row.
-    void onChildDestroyed(Velmar::VideoOverlay::CVideoOverlayElement *obj);
+    /// For an element's deleteRequest: removes it, with its row. Its argument is spelled like the
+    /// signal's, so that both can be connected by name.
+    void onChildDestroyed(CVideoOverlayElement *obj);
 
 private:
     friend class VideoOverlayElementListModel; ///< walks over the elements, too

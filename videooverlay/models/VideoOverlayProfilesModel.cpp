@@ -63,6 +63,8 @@ VideoOverlayProfilesModel::VideoOverlayProfilesModel(CVideoOverlayManager &manag
     , m_profiles(std::make_unique<ProfilesManager>())
 {
     registerCaptions();
+    qRegisterMetaType<Profile *>();
+    qRegisterMetaType<Profile *>("Profile*"); // for connections by name
     for (Profile *profile : m_profiles->getProfiles())
         connect(profile, &Profile::captionChanged, this, [this, profile] { onRenamed(profile); });
     connect(m_profiles.get(), &ProfilesManager::profileAboutToBeAdded, this,

@@ -9,11 +9,25 @@
 
 namespace Velmar::VideoOverlay {
 
+namespace {
+
+/// A host's signal may spell the type in either way; connections by name and queued calls need it.
+void registerRecords()
+{
+    for (const char *name : {"QSharedPointer<Database::CDomainObject>",
+                             "QSharedPointer<Velmar::Database::CDomainObject>"})
+        qRegisterMetaType<Database::CDomainObjectPointer>(name);
+}
+
+} // namespace
+
 COsdDomainStaticTextDatasource::COsdDomainStaticTextDatasource(CVideoOverlayText *text,
                                                                ElementParam &param)
     : COsdElementDatasource(text, param)
     , m_text(param.value(QStringLiteral("text")).toString())
 {
+    static const bool areRecordsKnown = (registerRecords(), true);
+    Q_UNUSED(areRecordsKnown)
     text->setBackgroundColor(param.value(QStringLiteral("backgroundColor")).value<QColor>());
     text->setTextColor(param.value(QStringLiteral("textColor")).value<QColor>());
     text->setCaption(param.value(QStringLiteral("caption")).toString());
