@@ -5,6 +5,7 @@
 #include "host/cli/OverlayMaker.h"
 #include "host/cli/ProgressLine.h"
 #include "host/cli/Report.h"
+#include "host/display/PngFile.h"
 #include "host/feed/LiveInput.h"
 #include "host/video/RecordPipeline.h"
 #include "host/video/VideoErrors.h"

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include <QImage>
 #include <QString>
 
 namespace Velmar::Host {
@@ -14,8 +13,5 @@ void report(const QString &line); ///< to the standard output
 /// One line to the standard error stream. Returns FailureStatus.
 int reportError(const QString &text);
 void reportWarning(const QString &text);
-
-/// Writes @p picture as PNG. False, and a text in @p error, when that fails.
-bool savePng(const QImage &picture, const QString &path, QString *error);
 
 } // namespace Velmar::Host

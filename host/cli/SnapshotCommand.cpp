@@ -4,6 +4,7 @@
 #include "host/cli/InterruptWatch.h"
 #include "host/cli/OverlayMaker.h"
 #include "host/cli/Report.h"
+#include "host/display/PngFile.h"
 #include "host/video/FrameGrabber.h"
 #include "host/video/VideoErrors.h"
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/qml/Screenshots.h"
 
+#include "host/display/PngFile.h"
 #include "host/qml/EditorController.h"
 #include "host/qml/LiveApplication.h"
 #include "host/qml/LiveOverlay.h"
@@ -122,8 +123,9 @@ void Screenshots::shoot()
     if (picture.isNull()) // the software scene graph without a display has nothing to read back
         picture = window->screen()->grabWindow(window->winId()).toImage();
     const QString path = QDir(m_directory).filePath(m_steps[m_step].name + QStringLiteral(".png"));
-    if (!picture.save(path)) {
-        Q_EMIT failed(QStringLiteral("%1: cannot be written").arg(path));
+    QString error;
+    if (!savePng(picture, path, &error)) {
+        Q_EMIT failed(error);
         return;
     }
     Q_EMIT written(path);

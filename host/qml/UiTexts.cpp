@@ -35,9 +35,9 @@ QStringList UiTexts::names()
               "language live metric mixed modified name newObservation newProject "
               "noElements noInspection noPicture noPictures noPreview noProjects "
               "noWarnings observation ok opacity openFirst osd overlay position "
-              "profiles project projectName properties readOnly record recorded "
-              "recording redo remark remove removeText removeTitle rename renameTitle "
-              "revert revertText revertTitle save saveAs saveAsTitle saved scale "
+              "profiles project projectName properties readOnly record recorded recordedToEnd "
+              "recordedUntil recording redo remark remove removeText removeTitle rename "
+              "renameTitle revert revertText revertTitle save saveAs saveAsTitle saved scale "
               "search searchCode sectionName select settings showCaption speed stop "
               "store text textColor timeout timeoutOff transparency undo unit units "
               "unsavedText unsavedTitle warningClipped warningOutside warningOverlap")

@@ -100,7 +100,7 @@ void VideoController::onFrame(const QImage &picture, qint64 timeNs)
 
 void VideoController::onEnded()
 {
-    stopRecording();
+    endRecordingBy(EndedBy::EndOfVideo);
     setRunning(false);
     // A file is played again.
     QTimer::singleShot(m_video->shownFrames() > 0 ? 0 : RetryMs, this, &VideoController::start);
@@ -108,7 +108,7 @@ void VideoController::onEnded()
 
 void VideoController::onFailed(const QString &reason)
 {
-    stopRecording();
+    endRecordingBy(EndedBy::Failure, reason);
     setRunning(false);
     if (reason != m_failure) { // told once, however often it is tried again
         m_failure = reason;
@@ -200,11 +200,8 @@ void VideoController::startRecording()
     m_recording
         = std::make_unique<RecordPipeline>(pushed, RecordPipeline::Output {path, {}, 0},
                                            std::shared_ptr<OverlaySource>(m_overlay.scene()));
-    connect(m_recording.get(), &RecordPipeline::finished, this, [this] {
-        endRecording();
-        m_messages.notice(m_texts.text(QStringLiteral("recorded")).arg(m_path));
-        Q_EMIT recordingFinished(m_path);
-    });
+    connect(m_recording.get(), &RecordPipeline::finished, this,
+            &VideoController::onRecordingFinished);
     connect(m_recording.get(), &RecordPipeline::failed, this, [this](const QString &reason) {
         endRecording();
         m_messages.error(m_texts.text(QStringLiteral("errorRecording")).arg(reason));
@@ -225,10 +222,39 @@ void VideoController::startRecording()
 
 void VideoController::stopRecording()
 {
+    endRecordingBy(EndedBy::Operator);
+}
+
+void VideoController::endRecordingBy(EndedBy cause, const QString &reason)
+{
     if (m_state != Recording)
         return;
+    m_endedBy = cause;
+    m_endReason = reason;
     setState(Finishing);
     m_recording->stop();
+}
+
+void VideoController::onRecordingFinished()
+{
+    const bool isEmpty = m_recording->frameCount() == 0;
+    endRecording();
+    if (isEmpty) {
+        m_messages.error(m_texts.text(QStringLiteral("errorNoPicture")));
+        return;
+    }
+    switch (m_endedBy) {
+    case EndedBy::Operator:
+        m_messages.notice(m_texts.text(QStringLiteral("recorded")).arg(m_path));
+        break;
+    case EndedBy::EndOfVideo:
+        m_messages.notice(m_texts.text(QStringLiteral("recordedToEnd")).arg(m_path));
+        break;
+    case EndedBy::Failure: // nobody wanted the recording to end: not in green
+        m_messages.error(m_texts.text(QStringLiteral("recordedUntil")).arg(m_endReason, m_path));
+        break;
+    }
+    Q_EMIT recordingFinished(m_path);
 }
 
 void VideoController::endRecording()

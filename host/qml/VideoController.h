@@ -60,7 +60,8 @@ public:
     Q_INVOKABLE double distanceM() const; ///< 0 while it is not known
 
     Q_INVOKABLE void startRecording();
-    /// Ends the file where the picture is now; it is complete when the state is Idle again.
+    /// Ends the file where the picture is now; it is complete when the state is Idle again. When
+    /// the picture is gone or over, the recording is ended so without being asked.
     Q_INVOKABLE void stopRecording();
 
 Q_SIGNALS:
@@ -78,6 +79,10 @@ private:
     void onFailed(const QString &reason);
     void setRunning(bool running);
     void setState(State state);
+    /// Who ended the recording.
+    enum class EndedBy { Operator, EndOfVideo, Failure };
+    void endRecordingBy(EndedBy cause, const QString &reason = QString());
+    void onRecordingFinished();
     void endRecording();
     QString newRecordingPath(QString *error) const;
 
@@ -89,6 +94,8 @@ private:
     std::unique_ptr<RecordPipeline> m_recording;
     QString m_path;
     QString m_failure; ///< of the source, since there was a picture
+    EndedBy m_endedBy = EndedBy::Operator;
+    QString m_endReason; ///< of a failure
     State m_state = Idle;
     bool m_running = false;
     int m_shownSeconds = 0;

@@ -37,6 +37,15 @@ void FrameInput::push(GstBuffer *frame, GstCaps *caps)
     gst_app_src_push_buffer(source, own); // takes the reference, whatever comes of it
 }
 
+bool FrameInput::end()
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    if (m_source)
+        gst_app_src_end_of_stream(GST_APP_SRC(m_source.get()));
+    m_source.reset();
+    return GST_CLOCK_TIME_IS_VALID(m_first);
+}
+
 GstElement *FrameInput::makeSource(QString *error)
 {
     GstElement *source = makeElement("appsrc", error);

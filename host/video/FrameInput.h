@@ -22,6 +22,10 @@ public:
     /// A frame of raw video; the first one starts the time at 0. Takes no ownership.
     void push(GstBuffer *frame, GstCaps *caps);
 
+    /// Nothing comes any more: what was pushed is delivered, then the stream ends. False when
+    /// nothing ever was, so that there is nothing to wait for.
+    bool end();
+
     /// The element that delivers what is pushed from now on: a new "appsrc", floating, for whoever
     /// builds the pipeline. Null, and a text in @p error, when there is none.
     GstElement *makeSource(QString *error);

@@ -12,6 +12,8 @@ namespace Velmar::Host {
 
 namespace {
 
+constexpr int WatchIntervalMs = 500;
+
 /// A mapped frame that lives as long as the picture made of it.
 struct MappedFrame
 {
@@ -55,9 +57,15 @@ LiveVideo::LiveVideo(SourceSpec source, QObject *parent)
         fail(errorText(message, m_source.name(), QStringLiteral("screen"), m_bus.missingPlugins()));
     });
     connect(&m_bus, &PipelineBus::ended, this, [this] {
+        if (m_source.isLive()) { // a camera has no end
+            fail(QStringLiteral("%1: delivers no more pictures").arg(m_source.name()));
+            return;
+        }
         stop();
         Q_EMIT ended();
     });
+    m_watch.setInterval(WatchIntervalMs);
+    connect(&m_watch, &QTimer::timeout, this, &LiveVideo::onWatch);
 }
 
 LiveVideo::~LiveVideo()
@@ -72,6 +80,9 @@ bool LiveVideo::start(QString *error)
         return false;
     }
     m_running = true;
+    m_quiet.start();
+    if (m_source.isLive()) // a file may hold one picture for as long as it likes
+        m_watch.start();
     if (gst_element_set_state(m_pipeline.get(), GST_STATE_PLAYING) == GST_STATE_CHANGE_FAILURE) {
         // The element that refused has told why, in a message that is queued before this.
         QMetaObject::invokeMethod(
@@ -84,6 +95,7 @@ bool LiveVideo::start(QString *error)
 void LiveVideo::stop()
 {
     m_running = false;
+    m_watch.stop();
     if (!m_pipeline)
         return;
     takeDown(m_pipeline.get());
@@ -97,6 +109,25 @@ void LiveVideo::setRecording(std::shared_ptr<FrameInput> recording)
 {
     const std::lock_guard<std::mutex> lock(m_mutex);
     m_recording = std::move(recording);
+}
+
+void LiveVideo::setStallLimit(int milliseconds)
+{
+    m_stallLimitMs = milliseconds;
+}
+
+void LiveVideo::onWatch()
+{
+    const int frames = m_playedFrames;
+    if (frames != m_watchedFrames) {
+        m_watchedFrames = frames;
+        m_quiet.restart();
+        return;
+    }
+    const int limitMs = frames > 0 ? m_stallLimitMs : 2 * m_stallLimitMs;
+    if (m_quiet.elapsed() > limitMs)
+        fail(QStringLiteral("%1: has delivered no picture for %2 s")
+                 .arg(m_source.name(), QString::number(limitMs / 1000.0)));
 }
 
 int LiveVideo::shownFrames() const

@@ -6,8 +6,10 @@
 #include "host/video/PipelineBus.h"
 #include "host/video/VideoSource.h"
 
+#include <QElapsedTimer>
 #include <QImage>
 #include <QObject>
+#include <QTimer>
 
 #include <atomic>
 #include <memory>
@@ -31,6 +33,10 @@ public:
     bool start(QString *error);
     void stop(); ///< at once; emits nothing
 
+    /// How long a camera may deliver nothing before it counts as broken; 5 s unless set, and twice
+    /// as long for the first picture. A picture that stands still would be taken for a live one.
+    void setStallLimit(int milliseconds);
+
     /// Where every frame goes from now on; null: nowhere.
     void setRecording(std::shared_ptr<FrameInput> recording);
 
@@ -46,6 +52,7 @@ Q_SIGNALS:
 private:
     bool build(QString *error);
     void showLatest();
+    void onWatch();
     void fail(const QString &reason);
 
     void videoPad(GstPad *pad) override;
@@ -59,6 +66,10 @@ private:
     ObjectRef<GstElement> m_pipeline;
     GstElement *m_entry = nullptr; ///< takes the source's video; owned by the pipeline
     PipelineBus m_bus;
+    QTimer m_watch;
+    QElapsedTimer m_quiet; ///< since a picture came
+    int m_stallLimitMs = 5000;
+    int m_watchedFrames = 0; ///< that had come at the last look
     bool m_running = false;
     int m_shownFrames = 0;
     qint64 m_positionNs = 0;

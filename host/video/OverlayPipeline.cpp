@@ -3,6 +3,7 @@
 
 #include "host/video/BurnElement.h"
 #include "host/video/FrameImage.h"
+#include "host/video/FrameInput.h"
 #include "host/video/VideoErrors.h"
 
 #include <gst/video/video.h>
@@ -74,9 +75,7 @@ OverlayPipeline::OverlayPipeline(SourceSpec source, std::shared_ptr<OverlaySourc
     m_watch.setInterval(WatchIntervalMs);
     connect(&m_watch, &QTimer::timeout, this, &OverlayPipeline::onWatch);
     connect(&m_bus, &PipelineBus::ended, this, &OverlayPipeline::finish);
-    connect(&m_bus, &PipelineBus::failed, this, [this](GstMessage *message) {
-        fail(errorText(message, m_source.name(), outputName(), m_bus.missingPlugins()));
-    });
+    connect(&m_bus, &PipelineBus::failed, this, &OverlayPipeline::onError);
 }
 
 OverlayPipeline::~OverlayPipeline()
@@ -142,14 +141,10 @@ MiniObjectRef<GstCaps> OverlayPipeline::audioCaps() const
     return {};
 }
 
-void OverlayPipeline::cleanUp() { }
-
 bool OverlayPipeline::commit(QString *)
 {
     return true;
 }
-
-void OverlayPipeline::audioPad(GstPad *) { }
 
 GstElement *OverlayPipeline::add(const char *factory, QString *error)
 {
@@ -174,6 +169,8 @@ bool OverlayPipeline::start(QString *error)
         QMetaObject::invokeMethod(
             this, [this] { fail(QStringLiteral("%1: cannot be started").arg(m_source.name())); },
             Qt::QueuedConnection);
+    } else {
+        outputOpened();
     }
     return true;
 }
@@ -224,8 +221,9 @@ void OverlayPipeline::videoPad(GstPad *pad)
 {
     if (m_hasVideo.exchange(true))
         return;
-    limit(pad);
     const ObjectRef<GstPad> sink(gst_element_get_static_pad(m_entry, "sink"));
+    m_videoPad = pad;
+    limit(pad, sink.get());
     if (gst_pad_link(pad, sink.get()) != GST_PAD_LINK_OK)
         reportFailure(QStringLiteral("%1: its video cannot be connected").arg(m_source.name()));
 }
@@ -238,9 +236,21 @@ void OverlayPipeline::noMorePads()
         this, [this] { fail(m_bus.noVideoText(m_source.name())); }, Qt::QueuedConnection);
 }
 
-void OverlayPipeline::limit(GstPad *pad)
+void OverlayPipeline::limit(GstPad *pad, GstPad *entry)
 {
+    m_entries.add(entry);
     gst_pad_add_probe(pad, GST_PAD_PROBE_TYPE_BUFFER, limitProbe, this, nullptr);
+}
+
+void OverlayPipeline::watch(GstPad *pad)
+{
+    gst_pad_add_probe(pad, GST_PAD_PROBE_TYPE_BUFFER, activityProbe, this, nullptr);
+}
+
+GstPadProbeReturn OverlayPipeline::activityProbe(GstPad *, GstPadProbeInfo *, gpointer user)
+{
+    ++static_cast<OverlayPipeline *>(user)->m_activity;
+    return GST_PAD_PROBE_OK;
 }
 
 GstPadProbeReturn OverlayPipeline::limitProbe(GstPad *pad, GstPadProbeInfo *info, gpointer user)
@@ -257,7 +267,22 @@ GstPadProbeReturn OverlayPipeline::limitProbe(GstPad *pad, GstPadProbeInfo *info
     }
     if (time >= 0 && time + durationOf(buffer) <= self->m_fromNs && self->m_fromNs > 0)
         return GST_PAD_PROBE_DROP;
+    if (time >= 0 && pad == self->m_videoPad)
+        self->m_comeNs = time + durationOf(buffer);
     return GST_PAD_PROBE_OK;
+}
+
+void OverlayPipeline::trim(GstPad *pad)
+{
+    gst_pad_add_probe(pad, GST_PAD_PROBE_TYPE_BUFFER, trimProbe, this, nullptr);
+}
+
+GstPadProbeReturn OverlayPipeline::trimProbe(GstPad *pad, GstPadProbeInfo *info, gpointer user)
+{
+    const auto *self = static_cast<OverlayPipeline *>(user);
+    const bool isLate
+        = self->m_stopNow && streamTime(pad, GST_PAD_PROBE_INFO_BUFFER(info)) >= self->m_comeNs;
+    return isLate ? GST_PAD_PROBE_DROP : GST_PAD_PROBE_OK;
 }
 
 GstPadProbeReturn OverlayPipeline::capsProbe(GstPad *, GstPadProbeInfo *info, gpointer user)
@@ -334,8 +359,20 @@ void OverlayPipeline::stop()
     if (!m_running || m_stopping)
         return;
     m_stopping = true;
-    m_stopNow = true;
     m_quiet.restart();
+    // Frames that were pushed already belong to the recording. Of another source it ends here.
+    const bool hasBegun = m_source.input ? m_source.input->end() : m_activity > 0;
+    m_stopNow = !m_source.input || !hasBegun;
+    if (!hasBegun)
+        QMetaObject::invokeMethod(this, &OverlayPipeline::finish, Qt::QueuedConnection);
+    else if (m_stopNow)
+        endStreams();
+}
+
+void OverlayPipeline::endStreams()
+{
+    m_stopNow = true; // where a frame is passing, the next one ends its stream
+    m_entries.end();
 }
 
 void OverlayPipeline::onWatch()
@@ -346,13 +383,50 @@ void OverlayPipeline::onWatch()
         m_quiet.restart();
         return;
     }
-    if (m_stopping && m_quiet.elapsed() > qMin(StopLimitMs, m_stallLimitMs))
-        finish(); // a source that sends nothing cannot be ended from within
-    else if (m_quiet.elapsed() > m_stallLimitMs)
-        fail(m_frameCount == 0
-                 ? QStringLiteral("%1: delivers no picture").arg(m_source.name())
-                 : QStringLiteral("%1: nothing has moved for %2 s")
-                       .arg(m_source.name(), QString::number(m_stallLimitMs / 1000.0)));
+    const int limitMs = m_stopping ? qMin(StopLimitMs, m_stallLimitMs) : m_stallLimitMs;
+    if (m_quiet.elapsed() <= limitMs) {
+        if (m_stopNow)
+            endStreams();
+        return;
+    }
+    const QString duration = QString::number(limitMs / 1000.0);
+    if (!m_stopping)
+        breakOff(
+            m_frameCount == 0
+                ? QStringLiteral("%1: delivers no picture").arg(m_source.name())
+                : QStringLiteral("%1: nothing has moved for %2 s").arg(m_source.name(), duration));
+    else
+        fail(m_failure.isEmpty()
+                 ? QStringLiteral("%1: cannot be completed: nothing has moved for %2 s")
+                       .arg(outputName(), duration)
+                 : m_failure);
+}
+
+void OverlayPipeline::onError(GstMessage *message)
+{
+    const QString reason
+        = errorText(message, m_source.name(), outputName(), m_bus.missingPlugins());
+    if (isOutputError(message))
+        fail(reason);
+    else
+        breakOff(reason);
+}
+
+/// What came so far is brought to its end before the failure is told.
+void OverlayPipeline::breakOff(const QString &reason)
+{
+    if (!m_running)
+        return;
+    if (m_activity == 0) {
+        fail(reason);
+        return;
+    }
+    if (!m_stopping) { // else it is ending already, and what breaks now belongs to no recording
+        m_stopping = true;
+        m_failure = reason;
+        m_quiet.restart();
+    }
+    endStreams();
 }
 
 void OverlayPipeline::fail(const QString &reason)
@@ -361,7 +435,7 @@ void OverlayPipeline::fail(const QString &reason)
         return;
     shutDown();
     cleanUp();
-    Q_EMIT failed(reason);
+    Q_EMIT failed(reason + remains());
 }
 
 void OverlayPipeline::finish()
@@ -377,15 +451,21 @@ void OverlayPipeline::finish()
         && promisedNs - m_positionNs > ToleratedGapNs)
         Q_EMIT warned(QStringLiteral("%1: ends at %2 s of %3 s")
                           .arg(m_source.name(), seconds(m_positionNs), seconds(promisedNs)));
+    const bool cameraEnded = m_source.kind == SourceSpec::Kind::Device && !m_stopping
+        && m_toNs - m_positionNs > ToleratedGapNs;
+    if (cameraEnded)
+        Q_EMIT warned(QStringLiteral("%1: delivers no more pictures").arg(m_source.name()));
     shutDown();
     QString error;
-    if (m_frameCount == 0)
+    const bool complete = m_failure.isEmpty() && m_frameCount > 0;
+    if (!complete)
         cleanUp();
-    else if (!commit(&error)) {
+    if (!m_failure.isEmpty())
+        Q_EMIT failed(m_failure + remains());
+    else if (complete && !commit(&error))
         Q_EMIT failed(error);
-        return;
-    }
-    Q_EMIT finished();
+    else
+        Q_EMIT finished();
 }
 
 void OverlayPipeline::reportFailure(const QString &reason)

@@ -48,6 +48,35 @@ QString outputProblem(const QString &path, const QString &sourcePath)
     return {};
 }
 
+/// [ms] An MP4 file that was cut off lacks that much, besides what the encoder holds back.
+constexpr guint FragmentMs = 1000;
+
+bool canWriteFragments(GstElement *muxer)
+{
+    return g_object_class_find_property(G_OBJECT_GET_CLASS(muxer), "fragment-mode") != nullptr;
+}
+
+/// The list of an MP4 file's frames stands at its end, so that a file without its end is lost. In
+/// fragments, each of which has its own list, it is not; in the end it becomes a plain file all the
+/// same. A muxer that cannot do both makes plain files only: players want them to tell their
+/// length.
+void writeFragments(GstElement *muxer)
+{
+    if (!canWriteFragments(muxer))
+        return;
+    gst_util_set_object_arg(G_OBJECT(muxer), "fragment-mode", "first-moov-then-finalise");
+    g_object_set(muxer, "fragment-duration", FragmentMs, nullptr);
+}
+
+/// With sound in between, GStreamer 1.22 leaves the size out of some lists of a fragment, and no
+/// player opens such a file before it is complete. Sound comes from files alone, which are still
+/// there after a power cut.
+void writePlain(GstElement *muxer)
+{
+    if (canWriteFragments(muxer))
+        g_object_set(muxer, "fragment-duration", 0u, nullptr);
+}
+
 } // namespace
 
 RecordPipeline::RecordPipeline(SourceSpec source, Output output, FrameGate::Update update,
@@ -100,6 +129,8 @@ bool RecordPipeline::addOutput(GstElement *frames, QString *error)
     GstElement *sink = m_muxer ? add("filesink", error) : nullptr;
     if (!sink)
         return false;
+    if (m_container == Container::Mp4)
+        writeFragments(m_muxer);
     // An earlier recording stays until this one is complete.
     m_writtenPath = QFileInfo(m_output.path).isFile() ? m_output.path + QStringLiteral(".part")
                                                       : m_output.path;
@@ -114,6 +145,9 @@ bool RecordPipeline::addOutput(GstElement *frames, QString *error)
                      .arg(m_output.path, QString::fromUtf8(m_encoderName));
         return false;
     }
+    // At the end, an encoder may take long for what it has held back.
+    const ObjectRef<GstPad> written(gst_element_get_static_pad(sink, "sink"));
+    watch(written.get());
     m_existedBefore = QFileInfo::exists(m_output.path);
     return true;
 }
@@ -140,6 +174,8 @@ void RecordPipeline::audioPad(GstPad *pad)
         caps.reset(gst_pad_query_caps(pad, nullptr));
     QString error;
     bool added = false;
+    if (m_container == Container::Mp4)
+        writePlain(m_muxer); // which begins to write when every stream is known
     if (gst_structure_has_name(gst_caps_get_structure(caps.get(), 0), "audio/x-raw")) {
         const QByteArray encoder = audioEncoderFor(m_container);
         if (encoder.isEmpty()) {
@@ -189,7 +225,9 @@ bool RecordPipeline::addAudio(GstPad *pad, const char *const *names, int count, 
         return false;
     }
     gst_element_sync_state_with_parent(first);
-    limit(pad);
+    const ObjectRef<GstPad> waiting(gst_element_get_static_pad(first, "src"));
+    trim(waiting.get());
+    limit(pad, sink.get());
     return true;
 }
 
@@ -202,8 +240,18 @@ void RecordPipeline::cleanUp()
         QFile::remove(m_writtenPath);
 }
 
+void RecordPipeline::outputOpened()
+{
+    m_written.open(m_writtenPath);
+}
+
 bool RecordPipeline::commit(QString *error)
 {
+    const QString problem = m_written.close();
+    if (!problem.isEmpty()) {
+        *error = m_output.path + QLatin1String(": ") + problem;
+        return false;
+    }
     if (m_writtenPath == m_output.path
         || std::rename(QFile::encodeName(m_writtenPath).constData(),
                        QFile::encodeName(m_output.path).constData())
@@ -212,6 +260,14 @@ bool RecordPipeline::commit(QString *error)
     *error = QStringLiteral("%1: cannot replace the earlier file; the recording is in %2")
                  .arg(m_output.path, m_writtenPath);
     return false;
+}
+
+QString RecordPipeline::remains() const
+{
+    const QFileInfo info(m_writtenPath);
+    if (frameCount() == 0 || !info.isFile() || info.size() == 0)
+        return {};
+    return QStringLiteral("; what was recorded is in %1").arg(m_writtenPath);
 }
 
 QString RecordPipeline::outputName() const

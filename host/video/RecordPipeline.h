@@ -3,6 +3,7 @@
 
 #include "host/video/EncoderChoice.h"
 #include "host/video/OverlayPipeline.h"
+#include "host/video/WrittenFile.h"
 
 namespace Velmar::Host {
 
@@ -31,9 +32,11 @@ protected:
     bool addOutput(GstElement *frames, QString *error) override;
     MiniObjectRef<GstCaps> audioCaps() const override;
     void audioPad(GstPad *pad) override;
+    void outputOpened() override;
     void cleanUp() override;
     bool commit(QString *error) override;
     QString outputName() const override;
+    QString remains() const override;
 
 private:
     bool addAudio(GstPad *pad, const char *const *names, int count, QString *error);
@@ -44,7 +47,8 @@ private:
     QByteArray m_encoderName;
     GstElement *m_muxer = nullptr; ///< owned by the pipeline
     QString m_writtenPath;         ///< the output, or a file beside it while the output exists
-    bool m_existedBefore = false;  ///< somebody else's file was there
+    WrittenFile m_written;
+    bool m_existedBefore = false; ///< somebody else's file was there
 };
 
 } // namespace Velmar::Host

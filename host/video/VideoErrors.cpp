@@ -3,6 +3,8 @@
 
 #include "host/video/GstRef.h"
 
+#include <cstring>
+
 namespace Velmar::Host {
 
 namespace {
@@ -56,6 +58,15 @@ QString oneLine(const char *text)
     return QString::fromUtf8(text).simplified();
 }
 
+/// What the system said of a failed call: the end of the line that follows the place in the
+/// sources.
+QString systemReason(const char *debug, const QString &otherwise)
+{
+    const QString detail = oneLine(debug ? std::strchr(debug, '\n') : nullptr);
+    const QString reason = detail.section(QStringLiteral(": "), -1);
+    return reason.isEmpty() ? otherwise : reason;
+}
+
 } // namespace
 
 bool initialiseVideo(QString *error)
@@ -107,6 +118,19 @@ void takeDown(GstElement *pipeline)
     }
 }
 
+bool isOutputError(GstMessage *message)
+{
+    GError *rawError = nullptr;
+    gst_message_parse_error(message, &rawError, nullptr);
+    const GErrorRef error(rawError);
+    if (error->domain == GST_RESOURCE_ERROR)
+        return error->code == GST_RESOURCE_ERROR_NO_SPACE_LEFT
+            || error->code == GST_RESOURCE_ERROR_OPEN_WRITE
+            || error->code == GST_RESOURCE_ERROR_WRITE || error->code == GST_RESOURCE_ERROR_SEEK;
+    return error->domain == GST_STREAM_ERROR
+        && (error->code == GST_STREAM_ERROR_ENCODE || error->code == GST_STREAM_ERROR_MUX);
+}
+
 QString errorText(GstMessage *message, const QString &source, const QString &output,
                   const QStringList &missing)
 {
@@ -124,7 +148,8 @@ QString errorText(GstMessage *message, const QString &source, const QString &out
         case GST_RESOURCE_ERROR_OPEN_WRITE:
         case GST_RESOURCE_ERROR_WRITE:
         case GST_RESOURCE_ERROR_SEEK:
-            return QStringLiteral("%1: cannot be written: %2").arg(output, reason);
+            return QStringLiteral("%1: cannot be written: %2")
+                .arg(output, systemReason(debug.get(), reason));
         default:
             return QStringLiteral("%1: cannot be read: %2").arg(source, reason);
         }

@@ -21,6 +21,10 @@ GstElement *makeElement(const char *factory, QString *error);
 /// parts that the first order does not reach: it is repeated until all have stopped.
 void takeDown(GstElement *pipeline);
 
+/// Whether a message of type error says that the output cannot be made or written, so that nothing
+/// more can come out of the pipeline. Otherwise what came so far can still be brought to its end.
+bool isOutputError(GstMessage *message);
+
 /// What a message of type error means for whoever records @p source into @p output, in one line.
 /// @p missing describes the plugins that were asked for in vain.
 QString errorText(GstMessage *message, const QString &source, const QString &output,

@@ -20,6 +20,51 @@ QString mediaType(GstDiscovererStreamInfo *stream)
     return QString::fromUtf8(gst_structure_get_name(gst_caps_get_structure(caps.get(), 0)));
 }
 
+/// Decodes the video of a file into the sink at its end.
+struct Player
+{
+    explicit Player(const QString &path)
+    {
+        const QString description
+            = QStringLiteral("filesrc location=\"%1\" ! decodebin ! videoconvert "
+                             "! video/x-raw,format=RGB "
+                             "! appsink name=sink sync=false max-buffers=4")
+                  .arg(path);
+        pipeline.reset(GST_ELEMENT(
+            gst_object_ref_sink(gst_parse_launch(description.toUtf8().constData(), nullptr))));
+        m_sink.reset(gst_bin_get_by_name(GST_BIN(pipeline.get()), "sink"));
+    }
+    ~Player() { gst_element_set_state(pipeline.get(), GST_STATE_NULL); }
+
+    GstAppSink *sink() const { return GST_APP_SINK(m_sink.get()); }
+
+    ObjectRef<GstElement> pipeline;
+
+private:
+    Q_DISABLE_COPY(Player)
+    ObjectRef<GstElement> m_sink;
+};
+
+DecodedFrame frameOf(GstSample *sample)
+{
+    const GstStructure *caps = gst_caps_get_structure(gst_sample_get_caps(sample), 0);
+    int width = 0;
+    int height = 0;
+    gst_structure_get_int(caps, "width", &width);
+    gst_structure_get_int(caps, "height", &height);
+    GstBuffer *buffer = gst_sample_get_buffer(sample);
+    GstMapInfo map;
+    if (!gst_buffer_map(buffer, &map, GST_MAP_READ))
+        return {};
+    // GStreamer's lines end at multiples of four bytes, as a QImage's do.
+    const QImage view(map.data, width, height, (width * 3 + 3) / 4 * 4, QImage::Format_RGB888);
+    const guint64 time = gst_segment_to_stream_time(gst_sample_get_segment(sample), GST_FORMAT_TIME,
+                                                    GST_BUFFER_PTS(buffer));
+    const DecodedFrame frame {qint64(time), view.copy()};
+    gst_buffer_unmap(buffer, &map);
+    return frame;
+}
+
 } // namespace
 
 MediaFacts readFacts(const QString &path)
@@ -36,6 +81,7 @@ MediaFacts readFacts(const QString &path)
         return facts;
     }
     facts.seconds = double(gst_discoverer_info_get_duration(info.get())) / GST_SECOND;
+    facts.seekable = gst_discoverer_info_get_seekable(info.get());
     GList *videos = gst_discoverer_info_get_video_streams(info.get());
     if (videos) {
         auto *video = static_cast<GstDiscovererVideoInfo *>(videos->data);
@@ -53,33 +99,28 @@ MediaFacts readFacts(const QString &path)
 
 QVector<DecodedFrame> readFrames(const QString &path)
 {
-    const QString description = QStringLiteral("filesrc location=\"%1\" ! decodebin ! videoconvert "
-                                               "! video/x-raw,format=RGB "
-                                               "! appsink name=sink sync=false max-buffers=4")
-                                    .arg(path);
-    const ObjectRef<GstElement> pipeline(GST_ELEMENT(
-        gst_object_ref_sink(gst_parse_launch(description.toUtf8().constData(), nullptr))));
-    const ObjectRef<GstElement> sink(gst_bin_get_by_name(GST_BIN(pipeline.get()), "sink"));
-    gst_element_set_state(pipeline.get(), GST_STATE_PLAYING);
+    const Player player(path);
+    gst_element_set_state(player.pipeline.get(), GST_STATE_PLAYING);
     QVector<DecodedFrame> frames;
     while (const MiniObjectRef<GstSample> sample {
-        gst_app_sink_try_pull_sample(GST_APP_SINK(sink.get()), Timeout)}) {
-        const GstStructure *caps = gst_caps_get_structure(gst_sample_get_caps(sample.get()), 0);
-        int width = 0;
-        int height = 0;
-        gst_structure_get_int(caps, "width", &width);
-        gst_structure_get_int(caps, "height", &height);
-        GstBuffer *buffer = gst_sample_get_buffer(sample.get());
-        GstMapInfo map;
-        if (!gst_buffer_map(buffer, &map, GST_MAP_READ))
-            break;
-        // GStreamer's lines end at multiples of four bytes, as a QImage's do.
-        const QImage view(map.data, width, height, (width * 3 + 3) / 4 * 4, QImage::Format_RGB888);
-        frames.append({qint64(GST_BUFFER_PTS(buffer)), view.copy()});
-        gst_buffer_unmap(buffer, &map);
-    }
-    gst_element_set_state(pipeline.get(), GST_STATE_NULL);
+        gst_app_sink_try_pull_sample(player.sink(), Timeout)})
+        frames.append(frameOf(sample.get()));
     return frames;
+}
+
+DecodedFrame readFrameAt(const QString &path, qint64 timeNs)
+{
+    const Player player(path);
+    gst_element_set_state(player.pipeline.get(), GST_STATE_PAUSED);
+    // Only what has come so far can be asked for another place.
+    if (gst_element_get_state(player.pipeline.get(), nullptr, nullptr, Timeout)
+            != GST_STATE_CHANGE_SUCCESS
+        || !gst_element_seek_simple(player.pipeline.get(), GST_FORMAT_TIME,
+                                    GstSeekFlags(GST_SEEK_FLAG_FLUSH | GST_SEEK_FLAG_ACCURATE),
+                                    timeNs))
+        return {};
+    const MiniObjectRef<GstSample> sample(gst_app_sink_try_pull_preroll(player.sink(), Timeout));
+    return sample ? frameOf(sample.get()) : DecodedFrame();
 }
 
 bool runPipeline(const QString &description)

@@ -14,6 +14,7 @@ struct MediaFacts
     QString audioType; ///< media type; empty: no audio
     QSize size;        ///< [px]
     double seconds = 0.0;
+    bool seekable = false;
 };
 
 struct DecodedFrame
@@ -26,6 +27,10 @@ MediaFacts readFacts(const QString &path);
 
 /// All frames of the video in @p path; empty where it cannot be decoded.
 QVector<DecodedFrame> readFrames(const QString &path);
+
+/// The frame that is on the screen at @p timeNs, found as a player does that jumps there; with a
+/// null image where that is impossible.
+DecodedFrame readFrameAt(const QString &path, qint64 timeNs);
 
 /// Runs a pipeline in gst-launch syntax to its end; false on an error.
 bool runPipeline(const QString &description);

@@ -59,26 +59,6 @@ SourceSpec testSource(QSize size, int rate = 25)
     return spec;
 }
 
-/// What follows the burned frames takes one and waits an hour for the next.
-class StuckPipeline : public OverlayPipeline
-{
-public:
-    StuckPipeline()
-        : OverlayPipeline(testSource({320, 240}), redThenBlue(), nullptr)
-    {
-    }
-    ~StuckPipeline() override { shutDown(); }
-
-protected:
-    bool addOutput(GstElement *frames, QString *error) override
-    {
-        GstElement *sink = add("fakesink", error);
-        g_object_set(sink, "sync", TRUE, "ts-offset", gint64(3600 * GST_SECOND), nullptr);
-        return gst_element_link(frames, sink);
-    }
-    QString outputName() const override { return QStringLiteral("nowhere"); }
-};
-
 /// What went wrong, or nothing.
 QString runToEnd(OverlayPipeline &pipeline)
 {
@@ -125,8 +105,6 @@ private Q_SLOTS:
     void runErrors();
     void fullDisk_data();
     void fullDisk();
-    void aStuckPipelineIsReported();
-    void aStuckPipelineCanBeStopped();
 
 private:
     QString path(const char *name) const { return m_directory.filePath(QString::fromLatin1(name)); }
@@ -510,26 +488,6 @@ void tst_RecordPipeline::fullDisk()
     QVERIFY(QFile::link(QStringLiteral("/dev/full"), output));
     const QString error = record(testSource({320, 240}), output, 400000000);
     QCOMPARE(error, output + QStringLiteral(": the disk is full"));
-}
-
-void tst_RecordPipeline::aStuckPipelineIsReported()
-{
-    StuckPipeline pipeline;
-    pipeline.setStallLimit(1000);
-    const QString error = runToEnd(pipeline);
-    QVERIFY2(error.contains(QStringLiteral("nothing has moved")), qPrintable(error));
-}
-
-void tst_RecordPipeline::aStuckPipelineCanBeStopped()
-{
-    StuckPipeline pipeline;
-    pipeline.setStallLimit(1000);
-    QSignalSpy finished(&pipeline, &OverlayPipeline::finished);
-    QString error;
-    QVERIFY2(pipeline.start(&error), qPrintable(error));
-    QTRY_VERIFY(pipeline.frameCount() > 0);
-    pipeline.stop();
-    QTRY_COMPARE_WITH_TIMEOUT(finished.count(), 1, LimitMs);
 }
 
 QTEST_GUILESS_MAIN(tst_RecordPipeline)

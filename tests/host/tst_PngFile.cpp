@@ -1,16 +1,17 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "host/cli/Report.h"
+#include "host/display/PngFile.h"
 
 #include "tests/support/ProfileFolders.h"
 
 #include <QDir>
+#include <QImage>
 #include <QTemporaryDir>
 #include <QTest>
 
 using namespace Velmar::Host;
 using Velmar::Test::FullDisk;
 
-class tst_Report : public QObject
+class tst_PngFile : public QObject
 {
     Q_OBJECT
 
@@ -36,5 +37,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(tst_Report)
-#include "tst_Report.moc"
+QTEST_GUILESS_MAIN(tst_PngFile)
+#include "tst_PngFile.moc"
