@@ -4,6 +4,7 @@
 #include "host/platform/WholeFile.h"
 
 #include <QBuffer>
+#include <QImage>
 
 namespace Velmar::Host {
 

@@ -4,6 +4,7 @@
 #include "tests/support/ProfileFolders.h"
 
 #include <QDir>
+#include <QImage>
 #include <QTemporaryDir>
 #include <QTest>
 

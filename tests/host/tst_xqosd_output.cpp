@@ -32,7 +32,7 @@ struct Outcome
 } // namespace
 
 /// What the program leaves on the disk when something goes wrong there.
-class tst_xqosd_recordings : public QObject
+class tst_xqosd_output : public QObject
 {
     Q_OBJECT
 
@@ -64,7 +64,7 @@ private:
     QTemporaryDir m_directory;
 };
 
-QString tst_xqosd_recordings::write(const QString &name, const QByteArray &content)
+QString tst_xqosd_output::write(const QString &name, const QByteArray &content)
 {
     QFile file(name);
     if (file.open(QIODevice::WriteOnly))
@@ -72,13 +72,13 @@ QString tst_xqosd_recordings::write(const QString &name, const QByteArray &conte
     return name;
 }
 
-QByteArray tst_xqosd_recordings::read(const QString &name)
+QByteArray tst_xqosd_output::read(const QString &name)
 {
     QFile file(name);
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
-QStringList tst_xqosd_recordings::recording(const QString &output, const QStringList &more)
+QStringList tst_xqosd_output::recording(const QString &output, const QStringList &more)
 {
     return QStringList {QStringLiteral("record"),
                         QStringLiteral("--source"),
@@ -90,7 +90,7 @@ QStringList tst_xqosd_recordings::recording(const QString &output, const QString
     + more;
 }
 
-Outcome tst_xqosd_recordings::outcomeOf(QProcess &program)
+Outcome tst_xqosd_output::outcomeOf(QProcess &program)
 {
     Outcome outcome;
     if (!program.waitForFinished(LimitMs) || program.exitStatus() != QProcess::NormalExit)
@@ -101,14 +101,14 @@ Outcome tst_xqosd_recordings::outcomeOf(QProcess &program)
     return outcome;
 }
 
-Outcome tst_xqosd_recordings::run(const QStringList &arguments)
+Outcome tst_xqosd_output::run(const QStringList &arguments)
 {
     QProcess program;
     program.start(QStringLiteral(XQOSD_PROGRAM), arguments);
     return outcomeOf(program);
 }
 
-Outcome tst_xqosd_recordings::runOnFullDisk(int blocks, const QStringList &arguments)
+Outcome tst_xqosd_output::runOnFullDisk(int blocks, const QStringList &arguments)
 {
     QProcess program;
     program.start(QStringLiteral("/bin/sh"),
@@ -119,14 +119,14 @@ Outcome tst_xqosd_recordings::runOnFullDisk(int blocks, const QStringList &argum
     return outcomeOf(program);
 }
 
-void tst_xqosd_recordings::initTestCase()
+void tst_xqosd_output::initTestCase()
 {
     QString error;
     QVERIFY2(initialiseVideo(&error), qPrintable(error));
     QVERIFY(m_directory.isValid());
 }
 
-void tst_xqosd_recordings::killedRecording_data()
+void tst_xqosd_output::killedRecording_data()
 {
     QTest::addColumn<QString>("output");
     QTest::newRow("Matroska") << path("killed.mkv");
@@ -134,7 +134,7 @@ void tst_xqosd_recordings::killedRecording_data()
 }
 
 /// As after a power cut: nothing is said any more, and what is on the disk must do.
-void tst_xqosd_recordings::killedRecording()
+void tst_xqosd_output::killedRecording()
 {
     QFETCH(QString, output);
     QProcess program;
@@ -171,14 +171,14 @@ void tst_xqosd_recordings::killedRecording()
     QVERIFY(readFrames(path("again.mkv")).size() >= 100);
 }
 
-void tst_xqosd_recordings::folderOfTheRecordingIsRemoved_data()
+void tst_xqosd_output::folderOfTheRecordingIsRemoved_data()
 {
     QTest::addColumn<bool>("overAnother");
     QTest::newRow("a new file") << false;
     QTest::newRow("over an earlier one") << true;
 }
 
-void tst_xqosd_recordings::folderOfTheRecordingIsRemoved()
+void tst_xqosd_output::folderOfTheRecordingIsRemoved()
 {
     QFETCH(bool, overAnother);
     QDir folder(path("removed"));
@@ -201,7 +201,7 @@ void tst_xqosd_recordings::folderOfTheRecordingIsRemoved()
                  .arg(output));
 }
 
-void tst_xqosd_recordings::recordingIsReplacedByAnotherFile()
+void tst_xqosd_output::recordingIsReplacedByAnotherFile()
 {
     const QString output = path("swapped.mp4");
     QProcess program;
@@ -218,7 +218,7 @@ void tst_xqosd_recordings::recordingIsReplacedByAnotherFile()
     QCOMPARE(read(output), earlierContent);
 }
 
-void tst_xqosd_recordings::diskThatIsFull_data()
+void tst_xqosd_output::diskThatIsFull_data()
 {
     QTest::addColumn<QString>("output");
     QTest::addColumn<bool>("overAnother");
@@ -228,7 +228,7 @@ void tst_xqosd_recordings::diskThatIsFull_data()
     QTest::newRow("MP4, over another") << path("over.mp4") << true;
 }
 
-void tst_xqosd_recordings::diskThatIsFull()
+void tst_xqosd_output::diskThatIsFull()
 {
     QFETCH(QString, output);
     QFETCH(bool, overAnother);
@@ -246,7 +246,7 @@ void tst_xqosd_recordings::diskThatIsFull()
     QVERIFY(readFrames(written).size() > 50);
 }
 
-void tst_xqosd_recordings::pictureOnAFullDisk_data()
+void tst_xqosd_output::pictureOnAFullDisk_data()
 {
     QTest::addColumn<QStringList>("arguments");
     QTest::addColumn<QString>("picture");
@@ -268,7 +268,7 @@ void tst_xqosd_recordings::pictureOnAFullDisk_data()
     QTest::newRow("--png") << png + QStringList(picture) << picture << true;
 }
 
-void tst_xqosd_recordings::pictureOnAFullDisk()
+void tst_xqosd_output::pictureOnAFullDisk()
 {
     QFETCH(QStringList, arguments);
     QFETCH(QString, picture);
@@ -286,7 +286,7 @@ void tst_xqosd_recordings::pictureOnAFullDisk()
     QCOMPARE(QDir(m_directory.path()).entryList(QDir::Files), before);
 }
 
-void tst_xqosd_recordings::pictureReplacesAnother_data()
+void tst_xqosd_output::pictureReplacesAnother_data()
 {
     QTest::addColumn<QString>("given");
     QTest::addColumn<QString>("target");
@@ -300,7 +300,7 @@ void tst_xqosd_recordings::pictureReplacesAnother_data()
     QTest::newRow("a link to nothing yet") << link << target;
 }
 
-void tst_xqosd_recordings::pictureReplacesAnother()
+void tst_xqosd_output::pictureReplacesAnother()
 {
     QFETCH(QString, given);
     QFETCH(QString, target);
@@ -325,7 +325,7 @@ void tst_xqosd_recordings::pictureReplacesAnother()
 }
 
 /// What is no file cannot be replaced by one.
-void tst_xqosd_recordings::pictureIntoAPipe()
+void tst_xqosd_output::pictureIntoAPipe()
 {
     const QString pipe = path("pipe.png");
     QCOMPARE(::mkfifo(QFile::encodeName(pipe).constData(), 0600), 0);
@@ -341,5 +341,5 @@ void tst_xqosd_recordings::pictureIntoAPipe()
     QVERIFY(!QFileInfo(pipe).isFile());
 }
 
-QTEST_GUILESS_MAIN(tst_xqosd_recordings)
-#include "tst_xqosd_recordings.moc"
+QTEST_GUILESS_MAIN(tst_xqosd_output)
+#include "tst_xqosd_output.moc"
