@@ -141,6 +141,7 @@ VideoOverlayProfilesModel::VideoOverlayProfilesModel(CVideoOverlayManager &manag
     : m_manager(manager)
     , m_profiles(std::make_unique<ProfilesManager>())
 {
+    QQmlEngine::setObjectOwnership(this, QQmlEngine::CppOwnership);
     registerCaptions();
     qRegisterMetaType<Profile *>();
     qRegisterMetaType<Profile *>("Profile*"); // for connections by name

@@ -16,6 +16,7 @@
 #include "videooverlay/osd/COsdValueDatasource.h"
 #include "videooverlay/profiles/COsdSettings.h"
 
+#include <QQmlEngine>
 #include <QScopeGuard>
 #include <QStringList>
 
@@ -105,7 +106,10 @@ void eraseRecords(QList<ElementParam> &records, const QSet<QString> &keys)
 
 } // namespace
 
-COsdBuilder::COsdBuilder() = default;
+COsdBuilder::COsdBuilder()
+{
+    QQmlEngine::setObjectOwnership(this, QQmlEngine::CppOwnership); // nobody else destroys it
+}
 
 COsdBuilder::~COsdBuilder() = default;
 

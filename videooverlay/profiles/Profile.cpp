@@ -18,6 +18,7 @@ namespace Velmar::VideoOverlay {
 Profile::Profile(QObject *parent)
     : QObject(parent)
 {
+    QQmlEngine::setObjectOwnership(this, QQmlEngine::CppOwnership); // no script destroys it
 }
 
 Profile::~Profile() = default;
@@ -98,7 +99,6 @@ Profile *Profile::clone() const
     copy->m_path = m_path;
     copy->m_readOnly = m_readOnly;
     copy->m_elements = m_elements;
-    QQmlEngine::setObjectOwnership(copy, QQmlEngine::CppOwnership);
     return copy;
 }
 
