@@ -164,7 +164,7 @@ int VideoOverlayProfilesModel::rowCount(const QModelIndex &parent) const
 
 QVariant VideoOverlayProfilesModel::data(const QModelIndex &index, int role) const
 {
-    if (!index.isValid() || !checkIndex(index, CheckIndexOption::ParentIsInvalid))
+    if (!index.isValid() || !hasIndex(index.row(), index.column())) // views may ask for what left
         return {};
     switch (role) {
     case Qt::DisplayRole:
