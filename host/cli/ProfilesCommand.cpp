@@ -4,16 +4,16 @@
 #include "host/ProfileAccess.h"
 #include "host/check/ProfileProblem.h"
 #include "host/cli/Report.h"
-#include "host/profiles/ProfileNames.h"
 #include "host/profiles/ProfileDirectory.h"
+#include "host/profiles/ProfileNames.h"
 #include "host/profiles/ProfilesLock.h"
 
 #include <videooverlay/display/CVideoOverlayCapabilities.h>
 #include <videooverlay/display/CVideoOverlayControl.h>
 #include <videooverlay/display/CVideoOverlayManager.h>
 #include <videooverlay/models/VideoOverlayProfilesModel.h>
-#include <videooverlay/profiles/ProfilesManager.h>
 #include <videooverlay/profiles/COsdSettings.h>
+#include <videooverlay/profiles/ProfilesManager.h>
 
 #include <QDir>
 #include <QFile>

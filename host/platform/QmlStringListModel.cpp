@@ -45,7 +45,7 @@ int QmlStringListModel::rowCount(const QModelIndex &parent) const
 
 QVariant QmlStringListModel::data(const QModelIndex &index, int role) const
 {
-    if (!checkIndex(index, CheckIndexOption::IndexIsValid))
+    if (!index.isValid() || !hasIndex(index.row(), index.column()))
         return {};
     const bool isText = role == TextRole || role == Qt::DisplayRole || role == Qt::EditRole;
     return isText ? QVariant(m_texts.at(index.row())) : QVariant();
@@ -53,7 +53,7 @@ QVariant QmlStringListModel::data(const QModelIndex &index, int role) const
 
 bool QmlStringListModel::setData(const QModelIndex &index, const QVariant &value, int role)
 {
-    if (!checkIndex(index, CheckIndexOption::IndexIsValid))
+    if (!index.isValid() || !hasIndex(index.row(), index.column()))
         return false;
     if (role != TextRole && role != Qt::EditRole)
         return false;

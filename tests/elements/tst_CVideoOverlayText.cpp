@@ -809,6 +809,65 @@ private Q_SLOTS:
         QCOMPARE(rendered.getImage().format(), QImage::Format_ARGB32);
     }
 
+    void pictureBeyondTheBound_data()
+    {
+        QTest::addColumn<double>("width");
+        QTest::addColumn<double>("height");
+        QTest::addColumn<QString>("size");
+
+        // 512 MiB are 16384 x 8192 pixels
+        QTest::newRow("one row too many") << 16384.0 << 8193.0 << "16384 x 8193";
+        QTest::newRow("one column too many") << 16385.0 << 8192.0 << "16385 x 8192";
+        QTest::newRow("high") << 1387.0 << 98000.0 << "1387 x 98000";
+        QTest::newRow("largest") << 1e300 << 1e300 << "2147483647 x 2147483647";
+    }
+
+    /// Such a picture is not made; that is said once, and again when it happens anew.
+    void pictureBeyondTheBound()
+    {
+        QFETCH(double, width);
+        QFETCH(double, height);
+        QFETCH(QString, size);
+        Grid grid;
+        CVideoOverlayText element;
+        element.setId(9);
+        element.setSettings(&grid.settings);
+        element.setText(QStringLiteral("x"));
+        element.setWidth(width);
+        element.setHeight(height);
+        const QStringList tooLarge(
+            QStringLiteral("1 VideoOverlayLibrary: ID 9 text too large for a picture: %1 pixels")
+                .arg(size));
+        const RenderedElement rendered = element.getElement();
+        QVERIFY(rendered.getImage().isNull());
+        QCOMPARE(rendered.id(), 9);
+        QCOMPARE(takeLog(), tooLarge);
+        QVERIFY(element.getElement().getImage().isNull());
+        QCOMPARE(takeLog(), QStringList());
+
+        element.setText(QStringLiteral("fits"));
+        QVERIFY(!element.getElement().getImage().isNull());
+        QCOMPARE(takeLog(), QStringList());
+        element.setWidth(width);
+        element.setHeight(height);
+        QVERIFY(element.getElement().getImage().isNull());
+        QCOMPARE(takeLog(), tooLarge);
+    }
+
+    void pictureOfALongText()
+    {
+        Grid grid;
+        CVideoOverlayText element;
+        element.setSettings(&grid.settings);
+        QString text;
+        while (text.size() < 200000)
+            text += QStringLiteral("word ");
+        element.setText(text);
+        QVERIFY(element.width() * element.height() * 4 > 512.0 * 1024 * 1024);
+        QVERIFY(element.getElement().getImage().isNull());
+        QCOMPARE(takeLog().size(), 1);
+    }
+
     void picture_data()
     {
         QTest::addColumn<QString>("text");

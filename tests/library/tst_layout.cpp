@@ -104,7 +104,8 @@ private Q_SLOTS:
                                           "m_runningEdits m_deleteWhenIdle");
         QTest::newRow("text") << "CVideoOverlayText"
                               << words("m_text m_lines m_unit m_textColor m_backgroundColor m_font "
-                                       "m_fontMetrics m_alignment m_gridConnection");
+                                       "m_fontMetrics m_alignment m_gridConnection "
+                                       "m_isTooLarge");
         QTest::newRow("image") << "CVideoOverlayImage"
                                << words("m_imageSrc m_scaleFactor m_sourceImage m_scaledImage");
         QTest::newRow("rendered element") << "RenderedElement"

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "videooverlay/display/CVideoOverlayCapabilities.h"
 
+#include <QQmlEngine>
+
 namespace Velmar::VideoOverlay {
 
 using Backend = CAbstractVideoOverlayCapabilitiesBackend;
@@ -8,6 +10,7 @@ using Backend = CAbstractVideoOverlayCapabilitiesBackend;
 CVideoOverlayCapabilities::CVideoOverlayCapabilities(QObject *parent)
     : QObject(parent)
 {
+    QQmlEngine::setObjectOwnership(this, QQmlEngine::CppOwnership);
 }
 
 CVideoOverlayCapabilities::~CVideoOverlayCapabilities() = default;

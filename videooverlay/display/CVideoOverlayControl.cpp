@@ -4,6 +4,7 @@
 #include "videooverlay/elements/CVideoOverlayElement.h"
 
 #include <QMutexLocker>
+#include <QQmlEngine>
 
 namespace Velmar::VideoOverlay {
 
@@ -11,6 +12,7 @@ CVideoOverlayControl::CVideoOverlayControl(QObject *parent)
     : QObject(parent)
     , m_renderDisabled(!qEnvironmentVariableIsEmpty("NQ5_DISABLE_OSD_RENDER"))
 {
+    QQmlEngine::setObjectOwnership(this, QQmlEngine::CppOwnership);
 }
 
 CVideoOverlayControl::~CVideoOverlayControl() = default;

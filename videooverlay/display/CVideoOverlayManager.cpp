@@ -12,6 +12,7 @@
 #include "videooverlay/osd/COsdTextDatasource.h"
 
 #include <QMutexLocker>
+#include <QQmlEngine>
 #include <QSet>
 #include <QVector>
 
@@ -47,6 +48,9 @@ CVideoOverlayManager::CVideoOverlayManager(CVideoOverlayControl &control,
     qRegisterMetaType<CVideoOverlayElement *>(); // QML calls getElement()
     // As the elements' deleteRequest spells it, so that it is known by name in either way.
     qRegisterMetaType<CVideoOverlayElement *>("CVideoOverlayElement*");
+    // Whoever has no parent would go when a script that was handed it forgets it.
+    QQmlEngine::setObjectOwnership(this, QQmlEngine::CppOwnership);
+    QQmlEngine::setObjectOwnership(m_favoritesModel.get(), QQmlEngine::CppOwnership);
     // After all members: the model sets the transparency.
     m_elementListModel = std::make_unique<VideoOverlayElementListModel>(*this);
     connect(&m_control, &CVideoOverlayControl::controlActiveChanged, this,
@@ -182,6 +186,7 @@ void CVideoOverlayManager::adopt(CVideoOverlayElement *element)
 {
     element->m_groupMutex = &m_mutex;
     element->setParent(this);
+    QQmlEngine::setObjectOwnership(element, QQmlEngine::CppOwnership); // no script destroys it
     element->setId(++lastElementId);
     // At once, in whatever thread: who changes an id holds the lock.
     connect(
@@ -220,6 +225,7 @@ void CVideoOverlayManager::createWatermark(const QString &path)
     }
     auto *mark = new CVideoOverlayImage;
     m_watermark = mark;
+    QQmlEngine::setObjectOwnership(mark, QQmlEngine::CppOwnership);
     mark->m_groupMutex = &m_mutex;
     mark->setId(++lastElementId);
     mark->setImageSrc(path);

@@ -7,6 +7,7 @@
 #include <QFontMetricsF>
 #include <QImage>
 #include <QMutexLocker>
+#include <QQmlEngine>
 
 namespace Velmar::VideoOverlay {
 
@@ -36,6 +37,7 @@ VideoOverlaySettings::VideoOverlaySettings(CVideoOverlayCapabilities &capabiliti
     , m_capabilities(capabilities)
     , m_font(overlayFont())
 {
+    QQmlEngine::setObjectOwnership(this, QQmlEngine::CppOwnership);
     applyVideoSettings();
     calculateSettings();
     connect(&m_capabilities, &CVideoOverlayCapabilities::capabilitiesChanged, this,

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "videooverlay/elements/CVideoOverlayImage.h"
 
+#include "videooverlay/elements/PictureBound_p.h"
+
 #include <QImageReader>
 #include <QMutexLocker>
 #include <QPainter>
@@ -21,7 +23,6 @@ namespace {
 
 constexpr double maximumScaledHeight = 2000.0; // [px]
 constexpr double maximumScaledWidth = 3000.0;  // [px]
-constexpr qint64 maximumDecodedBytes = qint64(512) * 1024 * 1024;
 
 /// Null when the file is no picture, or one whose decoded size no device should be asked for.
 QImage loadPicture(const QString &path)
@@ -37,7 +38,7 @@ QImage loadPicture(const QString &path)
     // A picture that is stored top-down may tell a negative height, a damaged one none at all.
     const qint64 width = std::abs(qint64(size.width()));
     const qint64 height = std::abs(qint64(size.height()));
-    if (height > 0 && width * bytesPerPixel > maximumDecodedBytes / height)
+    if (isBeyondBound(width, height, bytesPerPixel))
         return QImage();
     return reader.read();
 }

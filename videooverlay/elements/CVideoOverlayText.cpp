@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "videooverlay/elements/CVideoOverlayText.h"
 
+#include "videooverlay/Log_p.h"
 #include "videooverlay/ToInt_p.h"
 #include "videooverlay/display/VideoOverlaySettings.h"
+#include "videooverlay/elements/PictureBound_p.h"
 
 #include <QMutexLocker>
 #include <QPainter>
@@ -252,9 +254,23 @@ RenderedElement CVideoOverlayText::getElement() const
 {
     QMutexLocker lock(&m_mutex);
     const RenderedElement base = CVideoOverlayElement::getElement();
-    QImage image(pixelSize(), QImage::Format_ARGB32);
+    QImage image = newPicture();
     renderText(image);
     return RenderedElement(base.id(), base.type(), base.x(), base.y(), base.visible(), image);
+}
+
+QImage CVideoOverlayText::newPicture() const
+{
+    const QSize size = pixelSize();
+    const bool wasTooLarge = m_isTooLarge;
+    m_isTooLarge = !m_text.isEmpty() && isBeyondBound(size.width(), size.height(), sizeof(QRgb));
+    if (m_isTooLarge && !wasTooLarge)
+        log(LogLevel::Error,
+            QStringLiteral("ID %1 text too large for a picture: %2 x %3 pixels")
+                .arg(id())
+                .arg(size.width())
+                .arg(size.height()));
+    return m_isTooLarge || m_text.isEmpty() ? QImage() : QImage(size, QImage::Format_ARGB32);
 }
 
 ElementParam CVideoOverlayText::getAllProperties() const

@@ -36,7 +36,8 @@ public:
     void setUnit(const QString &unit) override;
     /// As renderText().
     void renderInto(QImage &image) const override;
-    /// The element with a new picture of width x height pixels, ARGB32 with straight alpha.
+    /// The element with a new picture of width x height pixels, ARGB32 with straight alpha. Null,
+    /// and a line in the log when it begins, while that would take more than 512 MiB.
     RenderedElement getElement() const override;
     ElementParam getAllProperties() const override;
     /// The text counts only while no data column is bound to the element.
@@ -97,6 +98,8 @@ public Q_SLOTS:
     void typeset();
 
 private:
+    QImage newPicture() const; ///< of this size, nothing painted; null when there is none
+
     QString m_text;
     QStringList m_lines;
     QString m_unit;
@@ -106,6 +109,7 @@ private:
     QFontMetrics m_fontMetrics {m_font};
     int m_alignment = Qt::AlignLeft;
     QMetaObject::Connection m_gridConnection; ///< following the font of the grid
+    mutable bool m_isTooLarge = false;        ///< for a picture, which was logged
 };
 
 } // namespace Velmar::VideoOverlay

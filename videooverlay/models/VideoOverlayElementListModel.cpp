@@ -23,6 +23,7 @@ const QString observationTable = QStringLiteral("SECOBS");
 VideoOverlayElementListModel::VideoOverlayElementListModel(CVideoOverlayManager &manager)
     : m_manager(manager)
 {
+    QQmlEngine::setObjectOwnership(this, QQmlEngine::CppOwnership);
     using Manager = CVideoOverlayManager;
     using Model = VideoOverlayElementListModel;
     connect(&m_manager, &Manager::globalTransparencyChanged, this, &Model::transparencyChanged);
@@ -202,8 +203,7 @@ QVariant VideoOverlayElementListModel::createStaticText(QString text)
     param.insert(QStringLiteral("col"), 0);
     param.insert(QStringLiteral("text"), text);
     new COsdStaticTextDatasource(element, param); // a child of the element
-    QQmlEngine::setObjectOwnership(element, QQmlEngine::CppOwnership);
-    const QPointer<QObject> created(element); // whoever follows the rows may delete it
+    const QPointer<QObject> created(element);     // whoever follows the rows may delete it
     endInsertRows();
     return QVariant::fromValue<QObject *>(created);
 }
@@ -221,8 +221,7 @@ QVariant VideoOverlayElementListModel::createImage(QString path)
     param.insert(QStringLiteral("imagePath"), path);
     param.insert(QStringLiteral("enabled"), true);
     param.insert(QStringLiteral("scale"), 1.0);
-    new COsdImageDatasource(element, param); // a child of the element
-    QQmlEngine::setObjectOwnership(element, QQmlEngine::CppOwnership);
+    new COsdImageDatasource(element, param);             // a child of the element
     const QPointer<CVideoOverlayImage> created(element); // whoever follows the rows may delete it
     endInsertRows();
     return QVariant::fromValue(created.data());

@@ -62,6 +62,7 @@ VideoOverlayProfilesModel::VideoOverlayProfilesModel(CVideoOverlayManager &manag
     : m_manager(manager)
     , m_profiles(std::make_unique<ProfilesManager>())
 {
+    QQmlEngine::setObjectOwnership(this, QQmlEngine::CppOwnership);
     registerCaptions();
     qRegisterMetaType<Profile *>();
     qRegisterMetaType<Profile *>("Profile*"); // for connections by name
@@ -84,7 +85,7 @@ int VideoOverlayProfilesModel::rowCount(const QModelIndex &parent) const
 
 QVariant VideoOverlayProfilesModel::data(const QModelIndex &index, int role) const
 {
-    if (!index.isValid() || !checkIndex(index, CheckIndexOption::ParentIsInvalid))
+    if (!index.isValid() || !hasIndex(index.row(), index.column())) // views may ask for what left
         return {};
     switch (role) {
     case Qt::DisplayRole:

@@ -19,6 +19,7 @@
 #include "videooverlay/osd/StandInRecord_p.h"
 #include "videooverlay/profiles/COsdSettings.h"
 
+#include <QQmlEngine>
 #include <QScopeGuard>
 #include <QStringList>
 
@@ -35,7 +36,10 @@ const QString tableKey = QStringLiteral("TDIR_Key");
 
 } // namespace
 
-COsdBuilder::COsdBuilder() = default;
+COsdBuilder::COsdBuilder()
+{
+    QQmlEngine::setObjectOwnership(this, QQmlEngine::CppOwnership); // nobody else destroys it
+}
 
 COsdBuilder::~COsdBuilder() = default;
 

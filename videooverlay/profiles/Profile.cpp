@@ -19,6 +19,7 @@ namespace Velmar::VideoOverlay {
 Profile::Profile(QObject *parent)
     : QObject(parent)
 {
+    QQmlEngine::setObjectOwnership(this, QQmlEngine::CppOwnership); // no script destroys it
 }
 
 Profile::~Profile() = default;
@@ -116,7 +117,6 @@ Profile *Profile::clone() const
     copy->m_path = m_path;
     copy->m_readOnly = m_readOnly;
     copy->m_elements = m_elements;
-    QQmlEngine::setObjectOwnership(copy, QQmlEngine::CppOwnership);
     return copy;
 }
 
