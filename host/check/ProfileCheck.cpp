@@ -22,6 +22,7 @@ using Fault = ElementFault::Kind;
 namespace {
 
 constexpr int MostFavouriteLines = 14;
+constexpr double MostCells = 1000000; ///< far beyond every grid
 
 /// A text that is read as it says; "no" and "off" would be read as true.
 bool isSwitch(const QString &text)
@@ -206,8 +207,12 @@ private:
         if (m_context.cell.isEmpty())
             return {};
         const double scale = record.value(QStringLiteral("scale")).toDouble();
-        return QSizeF(pixels.width() * scale / m_context.cell.width(),
-                      pixels.height() * scale / m_context.cell.height());
+        const auto cells = [scale](int length, double cell) {
+            const double count = length * scale / cell;
+            return count > 0 ? std::min(count, MostCells) : 0.0; // a scale may be any number
+        };
+        return QSizeF(cells(pixels.width(), m_context.cell.width()),
+                      cells(pixels.height(), m_context.cell.height()));
     }
 
     void report(const ElementFault &fault)
