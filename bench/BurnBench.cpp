@@ -3,7 +3,7 @@
 #include "bench/CpuClock.h"
 #include "bench/FrameChain.h"
 #include "bench/TextBoxes.h"
-#include "host/video/BurnElement.h"
+#include "host/burn/BurnElement.h"
 
 #include <benchmark/benchmark.h>
 

@@ -1,16 +1,16 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "bench/CpuClock.h"
-#include "host/cli/ConsoleLog.h"
+#include "host/commands/ConsoleLog.h"
 #include "host/feed/SystemValues.h"
+#include "host/pipelines/LiveVideo.h"
+#include "host/pipelines/VideoErrors.h"
 #include "host/platform/Directories.h"
 #include "host/platform/LogRouter.h"
 #include "host/platform/TranslationStore.h"
-#include "host/qml/LiveApplication.h"
-#include "host/qml/LiveOverlay.h"
-#include "host/qml/Messages.h"
-#include "host/qml/VideoController.h"
-#include "host/video/LiveVideo.h"
-#include "host/video/VideoErrors.h"
+#include "host/screens/LiveApplication.h"
+#include "host/screens/LiveOverlay.h"
+#include "host/screens/Messages.h"
+#include "host/screens/VideoController.h"
 
 #include <videooverlay/display/CVideoOverlayManager.h>
 #include <videooverlay/elements/CVideoOverlayElement.h>

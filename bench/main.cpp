@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "host/video/BurnElement.h"
+#include "host/burn/BurnElement.h"
 
 #include <benchmark/benchmark.h>
 

@@ -6,8 +6,8 @@
 #include "platform/templates/CProgramView.h"
 #include "platform/templates/CTemplateColumn.h"
 #include "videooverlay/Log_p.h"
+#include "videooverlay/captions/ProgramViews_p.h"
 #include "videooverlay/elements/ElementParam.h"
-#include "videooverlay/osd/COsdDomainDatasource.h"
 
 namespace Velmar::VideoOverlay {
 
@@ -50,7 +50,7 @@ TemplateCaptionResolver::findColumn(const Templates::CCatalogTemplate &catalogTe
 {
     for (int i = 0; i < catalogTemplate.programViewCount(); ++i) {
         const Templates::CProgramView *view = catalogTemplate.programView(i);
-        if (!view || !COsdDomainDatasource::allowedProgramViews().contains(view->key()))
+        if (!view || !shownProgramViews().contains(view->key()))
             continue;
         for (int j = 0; j < view->columnCount(); ++j) {
             const Templates::CTemplateColumn *column = view->column(j);

@@ -7,6 +7,7 @@
 #include "platform/templates/CCatalogTemplate.h"
 #include "platform/templates/CTemplateColumn.h"
 #include "videooverlay/Log_p.h"
+#include "videooverlay/captions/ProgramViews_p.h"
 #include "videooverlay/captions/TemplateCaptionResolver.h"
 #include "videooverlay/elements/CVideoOverlayText.h"
 
@@ -73,13 +74,7 @@ COsdDomainDatasource::~COsdDomainDatasource() = default;
 
 const QSet<QString> &COsdDomainDatasource::allowedProgramViews()
 {
-    static const QSet<QString> views {
-        QStringLiteral("detail_s_inspection"),
-        QStringLiteral("detail_s"),
-        QStringLiteral("detail_p"),
-        QStringLiteral("grid_so"),
-    };
-    return views;
+    return shownProgramViews();
 }
 
 QString COsdDomainDatasource::getColumnName() const
