@@ -384,8 +384,10 @@ void CVideoOverlayManager::silence(CVideoOverlayElement *element)
 bool CVideoOverlayManager::deleteElementFromModel(CVideoOverlayElement *element)
 {
     QMutexLocker lock(&m_mutex);
+    const QPointer<CVideoOverlayElement> removed(element);
     Q_EMIT beforeRemoveElement(element);
-    const int row = m_elements.indexOf(element);
+    // Not by an address, which a new element may have by now.
+    const int row = removed ? m_elements.indexOf(removed) : -1;
     return row >= 0 && m_elementListModel->remove(row);
 }
 
@@ -404,7 +406,13 @@ void CVideoOverlayManager::onChildDestroyed(CVideoOverlayElement *obj)
 void CVideoOverlayManager::removeElements()
 {
     QMutexLocker lock(&m_mutex);
+    const auto before = guarded(m_elements);
     Q_EMIT beforeRemoveElements();
+    // A handler that began another load has removed them all; what is there now is to stay.
+    const auto isThere
+        = [this](CVideoOverlayElement *element) { return m_elements.contains(element); };
+    if (std::none_of(before.cbegin(), before.cend(), isThere))
+        return;
     for (const QPointer<CVideoOverlayElement> &element : guarded(m_elements)) {
         if (!element || element->type() == CVideoOverlayElement::Watermark
             || deleteElementFromModel(element))
