@@ -667,7 +667,7 @@ bool EditorController::saveAs(const QString &name)
         bool isWritten = false;
         const QStringList complaints = Messages::complaintsOf([&] {
             copy = profiles.clone(current, name);
-            isWritten = copy && profiles.applyChanges(copy)->save();
+            isWritten = copy && profiles.applyChanges(copy) && copy->save();
         });
         if (!isWritten)
             report(complaints.isEmpty() ? QStringList(m_texts.text(QStringLiteral("errorNotSaved")))

@@ -9,6 +9,7 @@
 #include "videooverlay/display/CVideoOverlayCapabilities.h"
 #include "videooverlay/display/CVideoOverlayControl.h"
 #include "videooverlay/display/CVideoOverlayManager.h"
+#include "videooverlay/models/VideoOverlayElementListModel.h"
 #include "videooverlay/osd/COsdStaticTextDatasource.h"
 #include "videooverlay/osd/COsdValueDatasource.h"
 #include "videooverlay/profiles/COsdSettings.h"
@@ -125,6 +126,15 @@ private:
             new COsdStaticTextDatasource(manager.createText(record), record);
         }
     }
+};
+
+/// An overlay that nobody builds from its profiles.
+struct Unbuilt
+{
+    CVideoOverlayCapabilities capabilities;
+    CVideoOverlayControl control;
+    CVideoOverlayManager manager {control, capabilities};
+    VideoOverlayProfilesModel model {manager};
 };
 
 QByteArray staticText(const QByteArray &text, int row = 0)
@@ -747,6 +757,167 @@ private Q_SLOTS:
         takeLog();
     }
 
+    void whatNobodyLoadedIsNotSaved_data()
+    {
+        QTest::addColumn<bool>("readOnly");
+        QTest::addColumn<bool>("general");
+        QTest::newRow("writable") << false << false;
+        QTest::newRow("writable with general settings") << false << true;
+        QTest::newRow("read-only") << true << false;
+    }
+
+    void whatNobodyLoadedIsNotSaved()
+    {
+        QFETCH(bool, readOnly);
+        QFETCH(bool, general);
+        QByteArray children = staticText("one") + staticText("two");
+        if (general)
+            children += "<GENERAL><GLOBAL_TRANSPARENCY>7</GLOBAL_TRANSPARENCY></GENERAL>";
+        const QString path = writeNamed(QStringLiteral("a"), children, readOnly ? "true" : "false");
+        const QByteArray before = ProfileFolders::read(path);
+        Unbuilt overlay;
+        VideoOverlayProfilesModel &model = overlay.model;
+        QVERIFY(model.setCurrentProfileByIndex(0));
+        Profile *profile = model.currentProfile();
+        const QList<ElementParam> records = profile->elements();
+        overlay.manager.setGlobalTransparency(3);
+        takeLog();
+
+        model.saveCurrentProfile(QStringLiteral("copy"));
+        QCOMPARE(
+            takeLog(),
+            QStringList {error(QStringLiteral("Cannot save current profile. It was not loaded"))});
+        QCOMPARE(model.applyChanges(profile), nullptr);
+        QCOMPARE(takeLog(),
+                 QStringList {
+                     error(QStringLiteral("Cannot apply changes. The profile was not loaded"))});
+
+        QCOMPARE(profile->elements(), records);
+        QCOMPARE(ProfileFolders::read(path), before);
+        QCOMPARE(model.rowCount(), 1);
+        QVERIFY(model.isCurrentProfileChanged()); // still to be saved
+        takeLog();
+    }
+
+    void whatIsLoadedLaterIsSaved()
+    {
+        writeNamed(QStringLiteral("a"), staticText("one") + staticText("two"));
+        Unbuilt overlay;
+        QVERIFY(overlay.model.setCurrentProfileByIndex(0));
+        // By whoever made elements that are nobody's, and says so.
+        overlay.manager.createText();
+        Q_EMIT overlay.model.profileLoaded();
+        overlay.model.saveCurrentProfile();
+        QCOMPARE(textsOf(*overlay.model.currentProfile()),
+                 (QStringList {QStringLiteral("0:one"), QStringLiteral("7:")}));
+        takeLog();
+    }
+
+    void aHostThatMatchesByItself_data()
+    {
+        QTest::addColumn<bool>("before");
+        QTest::addColumn<bool>("withType");
+        QTest::newRow("before it selects") << true << true;
+        QTest::newRow("after it selected") << false << true;
+        QTest::newRow("without the type") << false << false;
+    }
+
+    void aHostThatMatchesByItself()
+    {
+        QFETCH(bool, before);
+        QFETCH(bool, withType);
+        const QString path = writeNamed(
+            QStringLiteral("a"), staticText("one") + staticText("two") + staticText("three"));
+        Unbuilt overlay;
+        VideoOverlayProfilesModel &model = overlay.model;
+        Profile *profile = model.index(0).data().value<Profile *>();
+        const auto match = [&] {
+            for (ElementParam &record : profile->elements()) {
+                auto *text = overlay.manager.createText();
+                record.insert(QStringLiteral("id"), text->id());
+                if (!withType)
+                    record.remove(QStringLiteral("type")); // which is then a static text's
+                text->setParamObject(record);
+                text->setText(record.value(QStringLiteral("text")).toString());
+            }
+        };
+        if (before)
+            match();
+        QVERIFY(model.setCurrentProfile(profile));
+        if (!before)
+            match();
+        overlay.manager.getElementList().at(2)->setRow(9);
+        QVERIFY(overlay.manager.deleteElement(1));
+
+        model.saveCurrentProfile();
+
+        Profile again;
+        QVERIFY(again.load(path));
+        QCOMPARE(textsOf(again),
+                 (QStringList {QStringLiteral("0:one"), QStringLiteral("0:three"),
+                               QStringLiteral("7:")}));
+        QCOMPARE(again.elements().at(1).value(QStringLiteral("row")).toInt(), 9);
+        takeLog();
+    }
+
+    void aHostThatOnlyAdds_data()
+    {
+        QTest::addColumn<QByteArray>("own");
+        QTest::addColumn<QStringList>("kept");
+        QTest::newRow("to nothing") << QByteArray() << QStringList();
+        QTest::newRow("to records that it never shows")
+            << staticText("one") + staticText("two")
+            << QStringList {QStringLiteral("0:one"), QStringLiteral("0:two")};
+    }
+
+    void aHostThatOnlyAdds()
+    {
+        QFETCH(QByteArray, own);
+        QFETCH(QStringList, kept);
+        const QString path = writeNamed(QStringLiteral("a"), own);
+        Unbuilt overlay;
+        QVERIFY(overlay.model.setCurrentProfileByIndex(0));
+        for (const char *text : {"added", "added later"}) {
+            overlay.manager.getElementListModel()->createStaticText(QString::fromLatin1(text));
+            overlay.model.saveCurrentProfile();
+            kept.append(QStringLiteral("0:") + QString::fromLatin1(text));
+            Profile again;
+            QVERIFY(again.load(path));
+            QCOMPARE(textsOf(again), kept + QStringList(QStringLiteral("7:")));
+            QVERIFY(!overlay.model.isCurrentProfileChanged());
+        }
+        takeLog();
+    }
+
+    void whatIsStillShownIsNotSavedIntoAnother()
+    {
+        writeThree();
+        Overlay overlay;
+        auto &model = overlay.model;
+        QVERIFY(model.setCurrentProfileByIndex(0));
+        disconnect(&model, &VideoOverlayProfilesModel::currentProfileChanged, &overlay, nullptr);
+        for (const char *name : {"b", "c"}) { // c has no records of its own
+            QVERIFY(model.setCurrentProfileByIndex(*name - 'a'));
+            const QString path = pathOf(QString::fromLatin1(name) + QStringLiteral(".xml"));
+            const QByteArray before = ProfileFolders::read(path);
+            takeLog();
+            model.saveCurrentProfile();
+            QCOMPARE(takeLog(),
+                     QStringList {
+                         error(QStringLiteral("Cannot save current profile. It was not loaded"))});
+            QCOMPARE(ProfileFolders::read(path), before);
+        }
+        // Nothing is lost when it fills a profile that holds nothing and is not current.
+        Profile empty;
+        QCOMPARE(model.applyChanges(&empty), &empty);
+        QCOMPARE(
+            textsOf(empty),
+            (QStringList {QStringLiteral("0:one"), QStringLiteral("0:two"), QStringLiteral("7:")}));
+        overlay.load(model.currentProfile());
+        model.saveCurrentProfile();
+        QCOMPARE(takeLog().last(), notice(QStringLiteral("Saving profile: c")));
+    }
+
     void applyChangesFollowsTheElements()
     {
         writeNamed(QStringLiteral("a"),
@@ -805,9 +976,6 @@ private Q_SLOTS:
         CVideoOverlayManager manager(control, capabilities);
         VideoOverlayProfilesModel model(manager);
         Profile profile;
-        ElementParam lost;
-        lost.insert(QStringLiteral("type"), 0);
-        profile.elements().append(lost);
 
         model.applyChanges(&profile);
 

@@ -404,8 +404,10 @@ void CVideoOverlayManager::silence(CVideoOverlayElement *element)
 bool CVideoOverlayManager::deleteElementFromModel(CVideoOverlayElement *element)
 {
     QMutexLocker lock(&m_mutex);
+    const QPointer<CVideoOverlayElement> removed(element);
     Q_EMIT beforeRemoveElement(element);
-    const int row = m_elements.indexOf(element);
+    // Not by an address, which a new element may have by now.
+    const int row = removed ? m_elements.indexOf(removed) : -1;
     return row >= 0 && m_elementListModel->remove(row);
 }
 
@@ -420,7 +422,15 @@ void CVideoOverlayManager::onChildDestroyed(CVideoOverlayElement *obj)
 void CVideoOverlayManager::removeElements()
 {
     QMutexLocker lock(&m_mutex);
+    QVector<QPointer<CVideoOverlayElement>> before;
+    for (CVideoOverlayElement *element : qAsConst(m_elements))
+        before.append(element);
     Q_EMIT beforeRemoveElements();
+    // A handler that began another load has removed them all; what is there now is to stay.
+    const auto isThere
+        = [this](CVideoOverlayElement *element) { return m_elements.contains(element); };
+    if (std::none_of(before.cbegin(), before.cend(), isThere))
+        return;
     forEachElement([this](CVideoOverlayElement &element) {
         const QPointer<CVideoOverlayElement> alive(&element);
         if (element.type() == CVideoOverlayElement::Watermark || deleteElementFromModel(&element))

@@ -183,11 +183,16 @@ bool VideoOverlayElementListModel::remove(int index)
 
 bool VideoOverlayElementListModel::removeAlways(int index)
 {
-    if (!m_manager.getElement(index))
+    const QPointer<CVideoOverlayElement> element(m_manager.getElement(index));
+    if (!element)
         return false;
     beginRemoveRows(QModelIndex(), index, index);
-    const bool deleted = m_manager.deleteElement(index);
+    // A handler that loaded another profile took it along, and another is in its row.
+    const bool isThere = element && m_manager.getElement(index) == element;
+    const bool deleted = isThere && m_manager.deleteElement(index);
     endRemoveRows();
+    if (!isThere)
+        reset();
     return deleted;
 }
 

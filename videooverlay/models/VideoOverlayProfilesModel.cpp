@@ -6,6 +6,7 @@
 #include "videooverlay/display/CVideoOverlayManager.h"
 #include "videooverlay/elements/ElementType_p.h"
 #include "videooverlay/models/SavedRecords_p.h"
+#include "videooverlay/models/ShownProfile_p.h"
 #include "videooverlay/osd/StandInRecord_p.h"
 #include "videooverlay/profiles/COsdSettings.h"
 #include "videooverlay/profiles/ProfilesManager.h"
@@ -40,16 +41,6 @@ void registerCaptions()
             [](const Profile *profile) { return profile ? profile->caption() : QString(); });
 }
 
-/// Whoever builds the overlay gives the records new ids. Those of an earlier overlay would say that
-/// an element which is not shown this time was deleted.
-void forgetIds(Profile &profile)
-{
-    for (ElementParam &record : profile.elements()) {
-        if (!isGeneral(record))
-            record.remove(idKey);
-    }
-}
-
 /// A change of the text alone, whichever element it is from.
 bool isTextOnly(const ElementParam &changes)
 {
@@ -61,6 +52,7 @@ bool isTextOnly(const ElementParam &changes)
 VideoOverlayProfilesModel::VideoOverlayProfilesModel(CVideoOverlayManager &manager)
     : m_manager(manager)
     , m_profiles(std::make_unique<ProfilesManager>())
+    , m_shown(std::make_unique<ShownProfile>(manager))
 {
     QQmlEngine::setObjectOwnership(this, QQmlEngine::CppOwnership);
     registerCaptions();
@@ -73,7 +65,7 @@ VideoOverlayProfilesModel::VideoOverlayProfilesModel(CVideoOverlayManager &manag
     connect(m_profiles.get(), &ProfilesManager::profileAdded, this,
             &VideoOverlayProfilesModel::endAdding);
     connect(this, &VideoOverlayProfilesModel::profileLoaded, this,
-            &VideoOverlayProfilesModel::rememberDifferences);
+            &VideoOverlayProfilesModel::onLoaded);
 }
 
 VideoOverlayProfilesModel::~VideoOverlayProfilesModel() = default;
@@ -134,7 +126,7 @@ bool VideoOverlayProfilesModel::remove(int index)
         setCurrentProfileByIndex(std::min(index, rowCount() - 1));
     } else {
         m_currentProfile = nullptr;
-        announceCurrentProfile();
+        announceCurrentProfile(Announced::Another);
     }
     return true;
 }
@@ -158,7 +150,7 @@ bool VideoOverlayProfilesModel::setCurrentProfile(Profile *profile)
     log(LogLevel::Info, QStringLiteral("Switch current profile to: ") + profile->name());
     m_currentProfile = profile;
     const QPointer<Profile> selected(profile);
-    announceCurrentProfile();
+    announceCurrentProfile(Announced::Another);
     // Handlers may have selected another profile, which is stored by then, or removed this one.
     if (selected && selected == m_currentProfile)
         COsdSettings::setDefaultProfile(selected->path());
@@ -179,6 +171,8 @@ void VideoOverlayProfilesModel::saveCurrentProfile(QString name)
         return;
     }
     Profile *target = m_currentProfile;
+    if (!maySave(*target, QStringLiteral("Cannot save current profile. %1"), QStringLiteral("It")))
+        return;
     if (target->readOnly()) {
         log(LogLevel::Info, QStringLiteral("Saving default profile with new name: ") + name);
         target = clone(target, name);
@@ -197,18 +191,16 @@ void VideoOverlayProfilesModel::revertCurrentProfile()
     if (!profile)
         return;
     log(LogLevel::Debug, QStringLiteral("Reverting current profile: ") + profile->name());
-    announceCurrentProfile();
+    announceCurrentProfile(Announced::TheSame);
 }
 
 Profile *VideoOverlayProfilesModel::applyChanges(Profile *profile)
 {
-    if (!profile)
+    if (!profile
+        || !maySave(*profile, QStringLiteral("Cannot apply changes. %1"),
+                    QStringLiteral("The profile")))
         return nullptr;
-    const QMutexLocker lock(m_manager.mutex());
-    const QList<CVideoOverlayElement *> elements = m_manager.getElementList();
-    const QList<ElementParam> reported = m_manager.getAllPropertiesWithChanges();
-    SavedRecords records(profile->elements(), elements, reported, 0);
-    profile->elements() = records.make(SavedRecords::Unshown::Dropped);
+    profile->elements() = recordsToSave(*profile);
     return profile;
 }
 
@@ -290,11 +282,29 @@ Profile *VideoOverlayProfilesModel::profileAt(int row) const
     return m_profiles->getProfiles().value(row);
 }
 
-void VideoOverlayProfilesModel::announceCurrentProfile()
+void VideoOverlayProfilesModel::announceCurrentProfile(Announced announced)
 {
-    if (m_currentProfile)
-        forgetIds(*m_currentProfile);
-    Q_EMIT currentProfileChanged(m_currentProfile);
+    {
+        const ShownProfile::Announcement announcement(*m_shown, m_currentProfile,
+                                                      announced == Announced::Another);
+        Q_EMIT currentProfileChanged(m_currentProfile);
+    }
+    rememberDifferences();
+}
+
+bool VideoOverlayProfilesModel::isAnnouncing(const Profile *profile) const
+{
+    return m_shown->isAnnouncing(profile);
+}
+
+bool VideoOverlayProfilesModel::isCurrent(const Profile *profile) const
+{
+    return m_currentProfile == profile;
+}
+
+void VideoOverlayProfilesModel::onLoaded()
+{
+    m_shown->setLoaded();
     rememberDifferences();
 }
 
@@ -319,11 +329,39 @@ void VideoOverlayProfilesModel::endAdding()
     endInsertRows();
 }
 
+/// Says in the log why not: @p message with the reason in it, which begins with @p subject.
+bool VideoOverlayProfilesModel::maySave(const Profile &profile, const QString &message,
+                                        const QString &subject) const
+{
+    switch (m_shown->state(profile, m_currentProfile)) {
+    case ShownProfile::State::Loading:
+        log(LogLevel::Error, message.arg(QStringLiteral("A profile is being loaded")));
+        return false;
+    case ShownProfile::State::NotShown:
+        log(LogLevel::Error, message.arg(subject + QStringLiteral(" was not loaded")));
+        return false;
+    case ShownProfile::State::Added:
+    case ShownProfile::State::Shown:
+        break;
+    }
+    return true;
+}
+
+QList<ElementParam> VideoOverlayProfilesModel::recordsToSave(const Profile &profile) const
+{
+    const QMutexLocker lock(m_manager.mutex());
+    const QList<CVideoOverlayElement *> elements = m_manager.getElementList();
+    const QList<ElementParam> reported = m_manager.getAllPropertiesWithChanges();
+    const bool isShown = m_shown->state(profile, m_currentProfile) == ShownProfile::State::Shown;
+    SavedRecords records(profile.elements(), elements, reported, m_shown->staleIds());
+    return records.make(isShown ? SavedRecords::Unshown::Dropped : SavedRecords::Unshown::Kept);
+}
+
 /// False when saving failed; the profile is then as it was.
 bool VideoOverlayProfilesModel::saveInto(Profile &profile)
 {
     const QList<ElementParam> before = profile.elements();
-    applyChanges(&profile);
+    profile.elements() = recordsToSave(profile);
     if (m_profiles->saveProfile(&profile))
         return true;
     profile.elements() = before;

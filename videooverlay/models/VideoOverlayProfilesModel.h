@@ -5,6 +5,7 @@
 #include "videooverlay/xqvideooverlay_export.h"
 
 #include <QAbstractListModel>
+#include <QList>
 #include <QPointer>
 #include <QSet>
 #include <QString>
@@ -15,6 +16,7 @@ namespace Velmar::VideoOverlay {
 
 class CVideoOverlayManager;
 class ProfilesManager;
+class ShownProfile;
 
 /// The profiles as a list for the screens, and the one that is current. Selects, saves, reverts,
 /// clones and removes. Whoever builds the overlay follows currentProfileChanged. For the GUI
@@ -68,12 +70,15 @@ public:
     Q_INVOKABLE Velmar::VideoOverlay::Profile *currentProfile() const;
     /// Saves what is on the display into the current profile. A read-only profile stays as it is
     /// and stays current; a copy of it named @p name is saved instead. When saving fails, which is
-    /// logged, the profile and what counts as changed stay as they were.
+    /// logged, the profile and what counts as changed stay as they were. So they do, with a line in
+    /// the log, while a profile is being loaded, and when the current one was not: what it holds
+    /// was not shown yet and would be lost. Handlers of profileLoaded() may save.
     Q_INVOKABLE void saveCurrentProfile(QString name = QString());
     /// Announces the current profile again, so that the display is built from it anew.
     Q_INVOKABLE void revertCurrentProfile();
     /// Makes the records of @p profile those of the live elements, in their order, followed by the
-    /// general settings. Saves nothing. Returns @p profile.
+    /// general settings. Saves nothing. Returns @p profile; null, with a line in the log, when it
+    /// may not be saved yet, see there.
     Q_INVOKABLE Velmar::VideoOverlay::Profile *applyChanges(Velmar::VideoOverlay::Profile *profile);
     /// Whether anything was edited, added or removed since the last load or save. What the operator
     /// typed into a free text does not count: no profile holds it. False, with a line in the log,
@@ -97,11 +102,20 @@ public Q_SLOTS:
     void forwardProfileLoaded(); ///< does nothing
 
 private:
+    friend class COsdBuilder; ///< asks what is still true of an announcement; says when it is done
+
+    enum class Announced { TheSame, Another }; ///< than was current before
+
     Profile *profileAt(int row) const; ///< null out of range
-    void announceCurrentProfile();
+    void announceCurrentProfile(Announced announced);
+    bool isAnnouncing(const Profile *profile) const;
+    bool isCurrent(const Profile *profile) const; ///< without a word in the log
+    void onLoaded();
     void onRenamed(Profile *profile);
     void beginAdding();
     void endAdding();
+    bool maySave(const Profile &profile, const QString &message, const QString &subject) const;
+    QList<ElementParam> recordsToSave(const Profile &profile) const;
     bool saveInto(Profile &profile);
     QSet<int> handMadeDifferences() const;
     void rememberDifferences();
@@ -109,7 +123,8 @@ private:
     CVideoOverlayManager &m_manager;
     std::unique_ptr<ProfilesManager> m_profiles;
     QPointer<Profile> m_currentProfile;
-    QSet<int> m_knownDifferences; ///< ids; those at the last load or save
+    QSet<int> m_knownDifferences; ///< those at the last load or save
+    std::unique_ptr<ShownProfile> m_shown;
 };
 
 } // namespace Velmar::VideoOverlay

@@ -13,6 +13,8 @@
 #include <QSharedPointer>
 #include <QString>
 
+#include <functional>
+
 namespace Velmar::CATManagement {
 class CTemplateManager;
 }
@@ -87,31 +89,50 @@ public:
                               QSet<QString> &keys);
 
 Q_SIGNALS:
-    void profileLoaded(); ///< once per load()
+    void profileLoaded(); ///< once per load() that was completed
 
 public Q_SLOTS:
     /// Replaces all elements but the watermark. @p profile receives the ids of its elements, and
     /// the manager's current profile what the template adds and removes. Null empties the overlay
-    /// and announces nothing.
+    /// and announces nothing. A load that begins while another is on its way ends that one, of
+    /// which nothing stays. Until profileLoaded() the profile cannot be saved.
     void load(Velmar::VideoOverlay::Profile *profile);
 
 private:
     friend class CAbstractOsdDatasourceFactory; // takes itself out when it is destroyed
+    friend class ShownProfile;                  // asks what is built, and whether it is complete
+
+    /// Handlers of what is emitted on the way may begin another load or bring another template,
+    /// which ends what was on its way: the newer one wins alone.
+    class Newest;
 
     COsdBuilder();
     ~COsdBuilder() override;
 
     void forgetFactory(CAbstractOsdDatasourceFactory *factory);
+    bool isOutdated(const Profile *profile) const;
+    bool build(CVideoOverlayManager &manager, Profile *profile);
+    /// Until @p isOver.
+    void createElements(CVideoOverlayManager &manager, QList<ElementParam> &records,
+                        const std::function<bool()> &isOver);
     void createElement(CVideoOverlayManager &manager, ElementParam &record);
-    /// Asks the factories. What none serves remembers the record that it stands for.
-    void serve(CVideoOverlayManager &manager, CVideoOverlayElement &element, ElementParam &record);
+    /// Asks the factories for what is to feed @p element, which may be null: gone again.
+    void serve(CVideoOverlayManager &manager, CVideoOverlayElement *element, ElementParam &record);
     void createFreeText(CVideoOverlayManager &manager, ElementParam &record);
     void createStaticText(CVideoOverlayManager &manager, ElementParam &record);
+    void followTemplate();
     void addInspectionText(const QString &key, Profile &profile);
 
     QSharedPointer<TemplateCaptionResolver> m_captionResolver;
     QPointer<CVideoOverlayManager> m_manager;
     QList<CAbstractOsdDatasourceFactory *> m_factories;
+    quint64 m_loads = 0;        ///< begun so far
+    quint64 m_looks = 0;        ///< at a template, begun so far
+    bool m_isLoading = false;   ///< the newest load is on its way
+    bool m_isLooking = false;   ///< so is a look at a template
+    bool m_textsFollow = false; ///< the load on its way has yet to look at the template
+    QPointer<CVideoOverlayManager> m_builtIn; ///< whose elements the last load made
+    QPointer<Profile> m_built;                ///< of which profile; null also when it was ended
 };
 
 } // namespace Velmar::VideoOverlay

@@ -7,19 +7,20 @@
 #include <QSet>
 #include <QString>
 
+namespace Velmar::Templates {
+class CCatalogTemplate;
+}
+
 namespace Velmar::VideoOverlay {
 
-/// What belongs to an observation and not to the inspection.
-bool isObservationTable(const QString &table);
+/// What a template offers, in terms of COsdBuilder::generateOsdColumnsKey().
+QSet<QString> inspectionKeysOf(const Templates::CCatalogTemplate &catalogTemplate);
 
-/// False for columns that nobody means to show, which includes every reference.
-bool isDisplayName(const QString &column);
-
-/// Whether a column of that name may be shown when it is in that table.
-bool isOfferedUnder(const QString &table, const QString &column);
-
-/// COsdBuilder::generateOsdColumnsKey() of a record; null when it is of no inspection text.
+/// The key of a record; null when it is of no inspection text.
 QString inspectionKeyOf(const ElementParam &record);
+
+/// The first record with that key that has no id yet; null when there is none.
+ElementParam *recordWithoutId(QList<ElementParam> &records, const QString &key);
 
 /// Takes every record with one of these keys out of the list.
 void eraseRecords(QList<ElementParam> &records, const QSet<QString> &keys);

@@ -341,7 +341,7 @@ void tst_LiveApplication::theme()
 {
     QQmlEngine engine;
     QQmlComponent component(&engine);
-    component.setData("import QtQuick 2.15\nimport \"qrc:/xqosd/screens\"\n"
+    component.setData("import QtQuick 2.15\nimport \"qrc:/xqosd/qml\"\n"
                       "QtObject { readonly property QtObject theme: Theme }",
                       QUrl());
     const std::unique_ptr<QObject> holder(component.create());
