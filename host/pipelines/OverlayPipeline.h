@@ -79,6 +79,7 @@ protected:
     virtual QString remains() const { return {}; }
 
     GstBin *bin() const;
+    PipelineBus &bus() { return m_bus; }
     GstElement *add(const char *factory, QString *error);
     /// Ends @p pad's stream, which goes into @p entry, where the range ends or when the recording
     /// is ended. Callable from every thread.

@@ -34,6 +34,14 @@ void PipelineBus::detach()
     gst_bus_set_sync_handler(bus.get(), nullptr, nullptr, nullptr);
     gst_object_unref(m_pipeline);
     m_pipeline = nullptr;
+    m_watched = nullptr;
+    m_hasFailed = nullptr;
+}
+
+void PipelineBus::watch(const GstElement *element, std::atomic<bool> *failed)
+{
+    m_watched = element;
+    m_hasFailed = failed;
 }
 
 QString PipelineBus::noVideoText(const QString &source) const
@@ -46,16 +54,18 @@ QString PipelineBus::noVideoText(const QString &source) const
 
 GstBusSyncReply PipelineBus::handleMessage(GstBus *, GstMessage *message, gpointer user)
 {
+    auto *self = static_cast<PipelineBus *>(user);
+    if (GST_MESSAGE_TYPE(message) == GST_MESSAGE_ERROR && self->m_hasFailed
+        && GST_MESSAGE_SRC(message) == GST_OBJECT_CAST(self->m_watched))
+        *self->m_hasFailed = true;
     switch (GST_MESSAGE_TYPE(message)) {
     case GST_MESSAGE_ERROR:
     case GST_MESSAGE_EOS:
-    case GST_MESSAGE_ELEMENT: {
-        auto *self = static_cast<PipelineBus *>(user);
+    case GST_MESSAGE_ELEMENT:
         QMetaObject::invokeMethod(
             self, [self, held = shareMessage(message)] { self->onMessage(held.get()); },
             Qt::QueuedConnection);
         break;
-    }
     default:
         break;
     }

@@ -7,6 +7,8 @@
 
 #include <gst/gst.h>
 
+#include <atomic>
+
 namespace Velmar::Host {
 
 /// What a pipeline has to say, brought from its threads to the one this lives in, whose event loop
@@ -24,6 +26,10 @@ public:
     /// threads have stopped.
     void detach();
 
+    /// Sets @p failed at once, in the thread that reports it, when @p element reports an error. To
+    /// be called before the pipeline starts; both must last until detach().
+    void watch(const GstElement *element, std::atomic<bool> *failed);
+
     /// Descriptions of the plugins that were asked for in vain, each once.
     const QStringList &missingPlugins() const { return m_missing; }
     /// Why no video came from @p source, in one line.
@@ -38,7 +44,9 @@ private:
 
     static GstBusSyncReply handleMessage(GstBus *bus, GstMessage *message, gpointer user);
 
-    GstElement *m_pipeline = nullptr; ///< a reference of ours; null: not attached
+    GstElement *m_pipeline = nullptr;         ///< a reference of ours; null: not attached
+    const GstElement *m_watched = nullptr;    ///< not owned
+    std::atomic<bool> *m_hasFailed = nullptr; ///< of that element; not owned
     QStringList m_missing;
 };
 

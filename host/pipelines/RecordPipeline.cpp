@@ -148,8 +148,19 @@ bool RecordPipeline::addOutput(GstElement *frames, QString *error)
     // At the end, an encoder may take long for what it has held back.
     const ObjectRef<GstPad> written(gst_element_get_static_pad(sink, "sink"));
     watch(written.get());
+    bus().watch(sink, &m_sinkFailed);
+    gst_pad_add_probe(written.get(), GstPadProbeType(GST_PAD_PROBE_TYPE_DATA_DOWNSTREAM), sinkProbe,
+                      this, nullptr);
     m_existedBefore = QFileInfo::exists(m_output.path);
     return true;
+}
+
+/// A container corrects its beginning in the end. After something could not be written this would
+/// spoil the rest, in which parts are missing.
+GstPadProbeReturn RecordPipeline::sinkProbe(GstPad *, GstPadProbeInfo *, gpointer user)
+{
+    return static_cast<RecordPipeline *>(user)->m_sinkFailed ? GST_PAD_PROBE_DROP
+                                                             : GST_PAD_PROBE_OK;
 }
 
 MiniObjectRef<GstCaps> RecordPipeline::audioCaps() const

@@ -5,6 +5,8 @@
 #include "host/pipelines/OverlayPipeline.h"
 #include "host/pipelines/WrittenFile.h"
 
+#include <atomic>
+
 namespace Velmar::Host {
 
 /// Records a source with its overlay into a Matroska or MP4 file; audio of a file is passed on.
@@ -41,6 +43,8 @@ protected:
 private:
     bool addAudio(GstPad *pad, const char *const *names, int count, QString *error);
 
+    static GstPadProbeReturn sinkProbe(GstPad *pad, GstPadProbeInfo *info, gpointer user);
+
     Output m_output;
     QString m_sourcePath;
     Container m_container = Container::Matroska;
@@ -48,7 +52,8 @@ private:
     GstElement *m_muxer = nullptr; ///< owned by the pipeline
     QString m_writtenPath;         ///< the output, or a file beside it while the output exists
     WrittenFile m_written;
-    bool m_existedBefore = false; ///< somebody else's file was there
+    bool m_existedBefore = false;           ///< somebody else's file was there
+    std::atomic<bool> m_sinkFailed {false}; ///< set and read in the streaming threads
 };
 
 } // namespace Velmar::Host
