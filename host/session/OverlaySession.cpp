@@ -162,11 +162,12 @@ bool OverlaySession::openProfiles(const QString &profile, QString *error)
     m_manager->setProfilesModel(m_profiles.get());
     connect(m_profiles.get(), &VideoOverlayProfilesModel::currentProfileChanged, builder,
             &COsdBuilder::load);
+    // First, because it sets the baseline: whoever hears of the load asks what was changed since.
+    connect(builder, &COsdBuilder::profileLoaded, this, &OverlaySession::onProfileLoaded);
     connect(builder, &COsdBuilder::profileLoaded, m_manager.get(),
             &CVideoOverlayManager::profileLoaded);
     connect(builder, &COsdBuilder::profileLoaded, m_profiles.get(),
             &VideoOverlayProfilesModel::profileLoaded);
-    connect(builder, &COsdBuilder::profileLoaded, this, &OverlaySession::onProfileLoaded);
     // Domain texts do not look again by themselves. After the library's own reactions.
     connect(AppState::instance(), &AppState::templateLoadCompleted, this,
             &OverlaySession::announceInspectionAgain);

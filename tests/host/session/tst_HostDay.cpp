@@ -141,6 +141,7 @@ private Q_SLOTS:
     void freeTextOfEveryOrigin();
     void templateComesLate();
     void loadingIsNoEdit();
+    void loadingIsNoEditForWhoeverHearsOfIt();
     void everyLoadIsTold();
     void recordsAreReleasedWithoutTexts();
     void timeoutsFollowTheVideo();
@@ -488,6 +489,46 @@ void tst_HostDay::loadingIsNoEdit()
     QCOMPARE(session.manager().elementsCount(), 1);
     session.manager().getElement(0)->setRow(5);
     QVERIFY(session.profiles()->isCurrentProfileChanged());
+    takeLog();
+}
+
+/// Screens hear of a load from the manager or from the list of profiles, and ask at once.
+void tst_HostDay::loadingIsNoEditForWhoeverHearsOfIt()
+{
+    // No general settings, and so no transparency either; general settings without one; nothing of
+    // what else a profile may name.
+    const QList<QPair<QString, QByteArray>> files {
+        {QStringLiteral("Bare"), QByteArray()},
+        {QStringLiteral("General"), QByteArrayLiteral("<GENERAL/>")},
+        {QStringLiteral("Texts"),
+         QByteArrayLiteral("<STATICTEXT/><SYSTEMTEXT/><FREETEXT/><INSPTEXT/><INSPSTATICTEXT/>")},
+        {QStringLiteral("Pictures"),
+         QByteArrayLiteral("<IMAGE/><IMAGE><SCREENSNIP>true</SCREENSNIP></IMAGE>")}};
+    for (const auto &[name, children] : files)
+        m_folders->writeProfile(
+            name + QLatin1String(".xml"),
+            Test::ProfileFolders::profileXml("name=\"" + name.toUtf8() + '"', children));
+    OverlaySession session(QSize(1280, 720));
+    QString error;
+    QVERIFY2(session.openProfiles(defaultProfile, &error), qPrintable(error));
+    VideoOverlayProfilesModel &profiles = *session.profiles();
+    QStringList changed;
+    int heard = 0;
+    const auto ask = [&] {
+        ++heard;
+        if (profiles.isCurrentProfileChanged())
+            changed.append(profiles.currentProfile()->caption());
+    };
+    connect(&session.manager(), &CVideoOverlayManager::profileLoaded, this, ask);
+    connect(&profiles, &VideoOverlayProfilesModel::profileLoaded, this, ask);
+    for (const auto &file : files) {
+        QVERIFY(profiles.setCurrentProfileByIndex(rowOf(profiles, file.first)));
+        QVERIFY(!profiles.isCurrentProfileChanged());
+        profiles.revertCurrentProfile();
+        QVERIFY(!profiles.isCurrentProfileChanged());
+    }
+    QCOMPARE(heard, 4 * files.size());
+    QCOMPARE(changed, QStringList());
     takeLog();
 }
 
