@@ -21,8 +21,8 @@ public:
     ~ProfilesLock();
 
     /// Waits @p waitMs at most. False, and a text in @p error, when another program still changes
-    /// profiles then, or the file cannot be made. Where nobody may write into the directory, nobody
-    /// is kept out, and that is no failure.
+    /// profiles then. Where the file cannot be made, because nobody may write into the directory or
+    /// the disk is full, nobody is kept out, and that is no failure: saving tells what it meets.
     bool take(QString *error, int waitMs = 5000);
 
 private:

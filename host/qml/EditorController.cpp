@@ -3,6 +3,7 @@
 
 #include "host/feed/SystemValues.h"
 #include "host/qml/LiveOverlay.h"
+#include "host/qml/LockedProfiles.h"
 #include "host/qml/Messages.h"
 #include "host/qml/UiTexts.h"
 #include "platform/shared/QmlStringListModel.h"
@@ -680,8 +681,13 @@ bool EditorController::save()
         m_messages.error(m_texts.text(QStringLiteral("errorReadOnly")));
         return false;
     }
-    if (!report(Messages::complaintsOf([this] { m_overlay.profiles().saveCurrentProfile(); })))
+    const bool isSaved = whileProfilesAreLocked(m_messages, m_texts, [this] {
+        return report(
+            Messages::complaintsOf([this] { m_overlay.profiles().saveCurrentProfile(); }));
+    });
+    if (!isSaved)
         return false;
+    m_overlay.profileStamps().note(manager().currentProfile()->path());
     m_history.clear();
     m_messages.notice(
         m_texts.text(QStringLiteral("saved")).arg(manager().currentProfile()->caption()));
@@ -695,16 +701,20 @@ bool EditorController::saveAs(const QString &name)
         return false;
     VideoOverlayProfilesModel &profiles = m_overlay.profiles();
     Profile *copy = nullptr;
-    bool isWritten = false;
-    const QStringList complaints = Messages::complaintsOf([&] {
-        copy = profiles.clone(current, name);
-        isWritten = copy && profiles.applyChanges(copy)->save();
+    const bool isSaved = whileProfilesAreLocked(m_messages, m_texts, [&] {
+        bool isWritten = false;
+        const QStringList complaints = Messages::complaintsOf([&] {
+            copy = profiles.clone(current, name);
+            isWritten = copy && profiles.applyChanges(copy)->save();
+        });
+        if (!isWritten)
+            report(complaints.isEmpty() ? QStringList(m_texts.text(QStringLiteral("errorNotSaved")))
+                                        : complaints);
+        return isWritten;
     });
-    if (!isWritten) {
-        report(complaints.isEmpty() ? QStringList(m_texts.text(QStringLiteral("errorNotSaved")))
-                                    : complaints);
+    if (!isSaved)
         return false;
-    }
+    m_overlay.profileStamps().note(copy->path());
     profiles.setCurrentProfile(copy);
     m_messages.notice(m_texts.text(QStringLiteral("saved")).arg(copy->caption()));
     return true;

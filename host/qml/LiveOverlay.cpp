@@ -2,6 +2,7 @@
 #include "host/qml/LiveOverlay.h"
 
 #include "host/profiles/FirstStart.h"
+#include "host/profiles/ProfilesLock.h"
 #include "host/qml/OverlayView.h"
 #include "platform/directories/CApplicationDirectories.h"
 
@@ -27,13 +28,23 @@ LiveOverlay::LiveOverlay(QSize pictureSize, QObject *parent)
     if (prepareProfiles(QDir(CApplicationDirectories::readonlyConfigDirectory())
                             .filePath(QStringLiteral("profiles")),
                         &m_startupError))
-        m_session->openProfiles(QString(), &m_startupError);
+        openProfiles();
     // After the session's own handling of it.
     connect(COsdBuilder::instance(), &COsdBuilder::profileLoaded, this,
             &LiveOverlay::profileLoaded);
 }
 
 LiveOverlay::~LiveOverlay() = default;
+
+void LiveOverlay::openProfiles()
+{
+    ProfilesLock lock; // what is noted must be what is read
+    if (!lock.take(&m_startupError))
+        return;
+    m_session->openProfiles(QString(), &m_startupError);
+    for (int row = 0; row < profiles().rowCount(); ++row)
+        m_profileStamps.note(profiles().data(profiles().index(row)).value<Profile *>()->path());
+}
 
 void LiveOverlay::setPictureSize(QSize size)
 {

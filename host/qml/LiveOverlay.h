@@ -2,6 +2,7 @@
 #pragma once
 
 #include "host/OverlaySession.h"
+#include "host/profiles/ProfileStamps.h"
 
 #include <QObject>
 #include <QSize>
@@ -35,7 +36,8 @@ public:
     VideoOverlay::CVideoOverlayManager &manager() const { return m_session->manager(); }
     VideoOverlay::VideoOverlayProfilesModel &profiles() const { return *m_session->profiles(); }
     ProjectSession &project() { return m_session->project(); }
-    QString startupError() const { return m_startupError; } ///< empty: a profile is loaded
+    QString startupError() const { return m_startupError; }    ///< empty: a profile is loaded
+    ProfileStamps &profileStamps() { return m_profileStamps; } ///< of what was read or saved here
 
     QSize pictureSize() const { return m_pictureSize; }
     /// Lays the overlay out for pictures of another size.
@@ -58,9 +60,12 @@ Q_SIGNALS:
     void valuesChanged();
 
 private:
+    void openProfiles();
+
     QSize m_pictureSize;
     TelemetryFile m_telemetry;
     QString m_startupError;
+    ProfileStamps m_profileStamps;
     qint64 m_clockSecond = -1; ///< that the texts show
     std::unique_ptr<OverlaySession> m_session;
 };

@@ -1,7 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/qml/ProfileActions.h"
 
+#include "host/check/ProfileProblem.h"
+#include "host/profiles/ProfileDirectory.h"
 #include "host/qml/LiveOverlay.h"
+#include "host/qml/LockedProfiles.h"
 #include "host/qml/Messages.h"
 #include "host/qml/UiTexts.h"
 
@@ -70,22 +73,49 @@ bool ProfileActions::tellIfUnreadable(int row)
     return true;
 }
 
+/// The library tells only the log when it could not store the profile to start with.
+bool ProfileActions::isStartStored() const
+{
+    const Profile *profile = profileAt(currentIndex());
+    return !profile || isStartProfile(profile->path());
+}
+
+QString ProfileActions::saveQuestion() const
+{
+    const Profile *profile = profileAt(currentIndex());
+    if (!profile)
+        return {};
+    const QString problem = profileProblem(*profile);
+    if (!problem.isEmpty())
+        return m_texts.text(QStringLiteral("overwriteDamaged")).arg(problem);
+    return m_overlay.profileStamps().isChanged(profile->path())
+        ? m_texts.text(QStringLiteral("overwriteChanged")).arg(profile->caption())
+        : QString();
+}
+
 bool ProfileActions::select(int row)
 {
-    bool done = false;
-    const QStringList complaints = Messages::complaintsOf(
-        [&] { done = m_overlay.profiles().setCurrentProfileByIndex(row); });
-    return report(done, complaints) && !tellIfUnreadable(row);
+    const bool done = whileProfilesAreLocked(m_messages, m_texts, [&] {
+        bool isSelected = false;
+        const QStringList complaints = Messages::complaintsOf(
+            [&] { isSelected = m_overlay.profiles().setCurrentProfileByIndex(row); });
+        return report(isSelected && isStartStored(), complaints);
+    });
+    return done && !tellIfUnreadable(row);
 }
 
 bool ProfileActions::clone(int row, const QString &name)
 {
-    bool done = false;
-    const QStringList complaints = Messages::complaintsOf([&] {
-        VideoOverlayProfilesModel &profiles = m_overlay.profiles();
-        done = profiles.clone(profileAt(row), name) != nullptr;
+    if (tellIfUnreadable(row))
+        return false; // its copy would be empty
+    return whileProfilesAreLocked(m_messages, m_texts, [&] {
+        const Profile *copy = nullptr;
+        const QStringList complaints = Messages::complaintsOf(
+            [&] { copy = m_overlay.profiles().clone(profileAt(row), name); });
+        if (copy)
+            m_overlay.profileStamps().note(copy->path());
+        return report(copy, complaints);
     });
-    return report(done, complaints);
 }
 
 bool ProfileActions::rename(int row, const QString &name)
@@ -94,14 +124,19 @@ bool ProfileActions::rename(int row, const QString &name)
     if (profile && profile->caption() == name.trimmed()
         && QFileInfo(profile->path()).completeBaseName() == name.trimmed())
         return report(true, {}); // left as it is
-    bool done = false;
-    const QStringList complaints = Messages::complaintsOf(
-        [&] { done = profile && !profile->readOnly() && profile->rename(name.trimmed()); });
-    if (!done && complaints.isEmpty()) {
-        m_messages.error(m_texts.text(QStringLiteral("errorNotRenamed")).arg(name));
-        return false;
-    }
-    return report(done, complaints);
+    return whileProfilesAreLocked(m_messages, m_texts, [&] {
+        const bool isChanged = profile && m_overlay.profileStamps().isChanged(profile->path());
+        bool done = false;
+        const QStringList complaints = Messages::complaintsOf(
+            [&] { done = profile && !profile->readOnly() && profile->rename(name.trimmed()); });
+        if (!done && complaints.isEmpty()) {
+            m_messages.error(m_texts.text(QStringLiteral("errorNotRenamed")).arg(name));
+            return false;
+        }
+        if (done && !isChanged) // what another has changed stays so
+            m_overlay.profileStamps().note(profile->path());
+        return report(done && isStartStored(), complaints);
+    });
 }
 
 bool ProfileActions::remove(int row)
@@ -113,8 +148,10 @@ bool ProfileActions::remove(int row)
         return false;
     }
     const QString path = profile->path();
-    const QStringList complaints = Messages::complaintsOf([&] { profiles.remove(row); });
-    return report(!QFile::exists(path), complaints);
+    return whileProfilesAreLocked(m_messages, m_texts, [&] {
+        const QStringList complaints = Messages::complaintsOf([&] { profiles.remove(row); });
+        return report(!QFile::exists(path) && isStartStored(), complaints);
+    });
 }
 
 } // namespace Velmar::Host

@@ -38,6 +38,10 @@ public:
     Q_INVOKABLE bool rename(int row, const QString &name);
     Q_INVOKABLE bool remove(int row);
 
+    /// What the operator is to be asked before the current profile is saved: its file could not be
+    /// read, or another program has changed it meanwhile. Empty when there is nothing to ask.
+    Q_INVOKABLE QString saveQuestion() const;
+
 Q_SIGNALS:
     void currentChanged();
 
@@ -45,6 +49,7 @@ private:
     /// The library shows what it could read of a file, and goes on without a word.
     bool tellIfUnreadable(int row);
     bool report(bool done, const QStringList &complaints);
+    bool isStartStored() const;
 
     LiveOverlay &m_overlay;
     Messages &m_messages;

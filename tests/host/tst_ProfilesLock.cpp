@@ -89,6 +89,20 @@ private Q_SLOTS:
         QVERIFY2(lock.take(&m_error, 1000), qPrintable(m_error));
     }
 
+    void unsignedAndNew()
+    {
+        ProfileFolders::write(m_file, "");
+        {
+            ProfilesLock lock;
+            QVERIFY(!lock.take(&m_error, 0));
+            QCOMPARE(m_error,
+                     m_folders->profiles()
+                         + QStringLiteral(": another program is changing the profiles; try again"));
+        }
+        ProfilesLock lock; // it may be waited for until it is old
+        QVERIFY2(lock.take(&m_error), qPrintable(m_error));
+    }
+
     /// Files in such a directory may be saved all the same.
     void directoryThatMayNotBeChanged()
     {
@@ -109,14 +123,19 @@ private Q_SLOTS:
         QVERIFY(!QFile::exists(m_file));
     }
 
+    /// The reason why it cannot be saved is a better one than that it cannot be locked.
+    void fullDisk()
+    {
+        const FullDisk full;
+        ProfilesLock lock;
+        QVERIFY(lock.take(&m_error, 0));
+    }
+
     void noDirectory()
     {
         QVERIFY(QDir(m_folders->profiles()).removeRecursively());
         ProfilesLock lock;
-        QVERIFY(!lock.take(&m_error, 0));
-        QCOMPARE(m_error,
-                 m_folders->profiles()
-                     + QStringLiteral(": cannot be locked against other programs"));
+        QVERIFY(lock.take(&m_error, 0));
     }
 
 private:

@@ -217,6 +217,10 @@ void tst_LiveApplication::start(const Change &change)
     QDir().mkpath(m_root->filePath(QStringLiteral("settings/osd")));
     if (!QFile::exists(profilePath(QStringLiteral("Bench")))) // not at a second start
         Test::ProfileFolders::write(profilePath(QStringLiteral("Bench")), profileOfTest());
+    // The other shipped ones were here and have been removed.
+    const QDir shipped(QStringLiteral(XQ_DATA_DIRECTORY "/profiles"));
+    Test::ProfileFolders::write(m_root->filePath(QStringLiteral("settings/osd/.delivered")),
+                                shipped.entryList(QDir::Files).join(QLatin1Char('\n')).toUtf8());
     QFile::copy(QStringLiteral(XQ_DATA_DIRECTORY "/profiles/%1.xml").arg(defaultProfile),
                 profilePath(defaultProfile));
     LiveApplication::Setup setup;

@@ -22,14 +22,23 @@ ApplicationWindow {
         unsaved.action = action
         unsaved.open()
     }
-    /// Saves, under a new name where the profile may not be written, and then goes on.
+    /// Saves, under a new name where the profile may not be written, and then goes on. Asks before
+    /// it saves over what is not on the screen.
     function saveAndThen(action) {
+        const question = editor.canSave() ? profileActions.saveQuestion() : ""
         if (!editor.canSave()) {
-            saveName.action = action
-            saveName.open()
+            saveAsAndThen(action)
+        } else if (question !== "") {
+            overwrite.action = action
+            overwrite.text = question
+            overwrite.open()
         } else if (editor.save()) {
             action()
         }
+    }
+    function saveAsAndThen(action) {
+        saveName.action = action
+        saveName.open()
     }
 
     objectName: "window"
@@ -158,10 +167,7 @@ ApplicationWindow {
                     objectName: "editorScreen"
                     onGuarded: window.guarded(action)
                     onSaveWanted: window.saveAndThen(function() { })
-                    onSaveAsWanted: {
-                        saveName.action = function() { }
-                        saveName.open()
-                    }
+                    onSaveAsWanted: window.saveAsAndThen(function() { })
                 }
                 ProfilesScreen {
                     objectName: "profilesScreen"
@@ -191,6 +197,21 @@ ApplicationWindow {
                 editor.revert()
                 action()
             }
+        }
+    }
+    QuestionCard {
+        id: overwrite
+
+        property var action: null
+
+        objectName: "overwrite"
+        title: texts.overwriteTitle
+        answers: [texts.save, texts.saveAs, texts.cancel]
+        onAnswered: {
+            if (index === 1)
+                window.saveAsAndThen(action)
+            else if (index === 0 && editor.save())
+                action()
         }
     }
     NameCard {
