@@ -181,7 +181,9 @@ private:
     {
         const QString path = m_profiles.filePath(defaultProfile);
         if (isThere(path)) {
-            if (isUsableDefault(path, m_shipped.filePath(defaultProfile)))
+            const QString shipped = m_shipped.filePath(defaultProfile);
+            // Twice: what fails once may be the disk, and not the file.
+            if (isUsableDefault(path, shipped) || isUsableDefault(path, shipped))
                 return true;
             if (!keepAside(path, error))
                 return false;

@@ -11,7 +11,7 @@ namespace Velmar::Host {
 namespace {
 
 /// Of one that does not say whose it is, because its program was killed while it wrote it.
-constexpr int StaleMs = 10000;
+constexpr int StaleMs = 4000; // less than others wait
 
 } // namespace
 
@@ -34,9 +34,11 @@ bool ProfilesLock::take(QString *error, int waitMs)
     m_file.reset();
     if (problem != QLockFile::LockFailedError)
         return true;
+    const QString who = program.isEmpty()
+        ? QStringLiteral("another program")
+        : QStringLiteral("another program (%1, process %2)").arg(program, QString::number(process));
     *error
-        = QStringLiteral("%1: another program (%2, process %3) is changing the profiles; try again")
-              .arg(directory.path(), program, QString::number(process));
+        = QStringLiteral("%1: %2 is changing the profiles; try again").arg(directory.path(), who);
     return false;
 }
 

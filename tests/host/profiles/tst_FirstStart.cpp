@@ -9,6 +9,7 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
+#include <cerrno>
 #include <fcntl.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
@@ -21,7 +22,11 @@ using Test::ProfileFolders;
 // The system calls of a first start, counted; the planned one ends the process.
 namespace {
 
-int plannedStep = 0; ///< 0: none
+const QString otherFile = QStringLiteral("Other.xml");
+const QString defaultFile = QStringLiteral("Halvo push camera system - default.xml");
+
+int readsThatFail = 0; ///< of the default profile in the settings
+int plannedStep = 0;   ///< 0: none
 int step = 0;
 constexpr int crashed = 77;
 
@@ -41,6 +46,17 @@ Q_DECL_EXPORT ssize_t write(int file, const void *bytes, size_t size)
     return ::syscall(SYS_write, file, bytes, size);
 }
 
+Q_DECL_EXPORT int open64(const char *path, int flags, ...)
+{
+    const bool isRead = (flags & O_ACCMODE) == O_RDONLY;
+    if (readsThatFail > 0 && isRead && QByteArray(path).endsWith("/osd/" + defaultFile.toUtf8())) {
+        --readsThatFail;
+        errno = EIO;
+        return -1;
+    }
+    return int(::syscall(SYS_openat, AT_FDCWD, path, flags, 0666));
+}
+
 Q_DECL_EXPORT int fsync(int file)
 {
     count();
@@ -55,13 +71,6 @@ Q_DECL_EXPORT int renameat2(int fromPlace, const char *from, int toPlace, const 
 }
 
 } // extern "C"
-
-namespace {
-
-const QString otherFile = QStringLiteral("Other.xml");
-const QString defaultFile = QStringLiteral("Halvo push camera system - default.xml");
-
-} // namespace
 
 class tst_FirstStart : public Test::LoggedTest
 {
@@ -106,6 +115,7 @@ private Q_SLOTS:
     void damagedDefaultIsPutBack_data();
     void damagedDefaultIsPutBack();
     void everyDamagedDefaultIsKept();
+    void defaultThatCannotBeReadOnce();
     void directoryThatCannotBeListed_data();
     void directoryThatCannotBeListed();
     void failuresAreTold();
@@ -258,6 +268,19 @@ void tst_FirstStart::everyDamagedDefaultIsKept()
     const QString kept = profile(defaultFile) + QStringLiteral(".damaged");
     QCOMPARE(ProfileFolders::read(kept), QByteArray("first"));
     QCOMPARE(ProfileFolders::read(kept + QStringLiteral(".2")), QByteArray("second"));
+}
+
+/// That is no reason to replace it.
+void tst_FirstStart::defaultThatCannotBeReadOnce()
+{
+    QString error;
+    QVERIFY(prepareProfiles(shipped(), &error));
+    readsThatFail = 1;
+    QVERIFY2(prepareProfiles(shipped(), &error), qPrintable(error));
+    QCOMPARE(readsThatFail, 0);
+    QCOMPARE(QDir(settings() + QLatin1String("/osd")).entryList(QDir::Files),
+             (QStringList {defaultFile, otherFile}));
+    takeLog();
 }
 
 void tst_FirstStart::directoryThatCannotBeListed_data()

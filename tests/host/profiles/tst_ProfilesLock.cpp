@@ -89,6 +89,20 @@ private Q_SLOTS:
         QVERIFY2(lock.take(&m_error, 1000), qPrintable(m_error));
     }
 
+    void unsignedAndNew()
+    {
+        ProfileFolders::write(m_file, "");
+        {
+            ProfilesLock lock;
+            QVERIFY(!lock.take(&m_error, 0));
+            QCOMPARE(m_error,
+                     m_folders->profiles()
+                         + QStringLiteral(": another program is changing the profiles; try again"));
+        }
+        ProfilesLock lock; // it may be waited for until it is old
+        QVERIFY2(lock.take(&m_error), qPrintable(m_error));
+    }
+
     /// Files in such a directory may be saved all the same.
     void directoryThatMayNotBeChanged()
     {
