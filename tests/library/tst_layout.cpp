@@ -153,7 +153,8 @@ private Q_SLOTS:
         QTest::newRow("profiles manager") << "ProfilesManager" << words("m_directory m_profiles");
         QTest::newRow("profiles model")
             << "VideoOverlayProfilesModel"
-            << words("m_manager m_profiles m_currentProfile m_knownDifferences m_shown");
+            << words("m_manager m_profiles m_currentProfile m_knownDifferences m_shown "
+                     "m_recordsOfCopy");
     }
 
     void fields()

@@ -609,6 +609,86 @@ private Q_SLOTS:
         QVERIFY(QFileInfo::exists(pathOf(QStringLiteral("Mine.xml"))));
     }
 
+    void aScreenThatSelectsTheCopyAtOnce()
+    {
+        writeNamed(QStringLiteral("a"), staticText("one", 1) + staticText("two"), "true");
+        Overlay overlay;
+        auto &model = overlay.model;
+        QVERIFY(model.setCurrentProfileByIndex(0));
+        overlay.element(0)->setRow(9);
+        overlay.addStaticText(QStringLiteral("new"));
+        QVERIFY(overlay.manager.deleteElement(1));
+        QVERIFY(model.isCurrentProfileChanged());
+        bool changed = true;
+        connect(&model, &QAbstractItemModel::rowsInserted, this, [&](const QModelIndex &, int row) {
+            changed = model.isCurrentProfileChanged(); // of what is saved by now
+            model.setCurrentProfileByIndex(row);
+        });
+
+        model.saveCurrentProfile(QStringLiteral("Mine"));
+
+        const QStringList texts {QStringLiteral("0:one"), QStringLiteral("0:new"),
+                                 QStringLiteral("7:")};
+        QVERIFY(!changed);
+        QCOMPARE(model.currentProfileIndex(), 1);
+        QCOMPARE(textsOf(*model.currentProfile()), texts);
+        Profile again;
+        QVERIFY(again.load(pathOf(QStringLiteral("Mine.xml"))));
+        QCOMPARE(textsOf(again), texts);
+        QCOMPARE(again.elements().first().value(QStringLiteral("row")).toInt(), 9);
+        QCOMPARE(overlay.manager.elementsCount(), 2);
+        QCOMPARE(overlay.element(0)->row(), 9);
+        QVERIFY(!model.isCurrentProfileChanged());
+        // The original is as it was.
+        QCOMPARE(textsOf(*model.index(0).data().value<Profile *>()),
+                 (QStringList {QStringLiteral("0:one"), QStringLiteral("0:two")}));
+        takeLog();
+    }
+
+    void aCopyThatCannotTakeTheEdits()
+    {
+        writeNamed(QStringLiteral("a"), staticText("one", 1), "true");
+        Overlay overlay;
+        auto &model = overlay.model;
+        QVERIFY(model.setCurrentProfileByIndex(0));
+        overlay.element(0)->setRow(9);
+        std::optional<FullDisk> full; // from when the copy is on disk
+        connect(&model, &QAbstractItemModel::rowsAboutToBeInserted, this, [&] { full.emplace(); });
+        connect(&model, &QAbstractItemModel::rowsInserted, this, [&] { full.reset(); });
+        takeLog();
+
+        model.saveCurrentProfile(QStringLiteral("Mine"));
+
+        QCOMPARE(takeLog().filter(QStringLiteral("1 ")),
+                 QStringList {error(QStringLiteral("Cannot open profile file for save:")
+                                    + pathOf(QStringLiteral("Mine.xml")))});
+        QVERIFY(model.isCurrentProfileChanged()); // still to be saved
+        QCOMPARE(overlay.element(0)->row(), 9);
+        // The copy is what its file says.
+        QCOMPARE(model.rowCount(), 2);
+        Profile again;
+        QVERIFY(again.load(pathOf(QStringLiteral("Mine.xml"))));
+        for (const Profile *copy : {&again, model.index(1).data().value<Profile *>()})
+            QCOMPARE(copy->elements().first().value(QStringLiteral("row")).toInt(), 1);
+        takeLog();
+    }
+
+    void theFileOfACopyIsThereWhenItsRowIsAnnounced()
+    {
+        // A copy that fails would otherwise have announced a row that never comes.
+        writeThree();
+        Overlay overlay;
+        QString found;
+        connect(&overlay.model, &QAbstractItemModel::rowsAboutToBeInserted, this, [&] {
+            found = QStringLiteral("%1 of %2 rows")
+                        .arg(QFileInfo::exists(pathOf(QStringLiteral("a(copy).xml"))))
+                        .arg(overlay.model.rowCount());
+        });
+        QCOMPARE(overlay.model.clone(0), 3);
+        QCOMPARE(found, QStringLiteral("1 of 3 rows"));
+        takeLog();
+    }
+
     void aFailedSaveChangesNothing_data()
     {
         QTest::addColumn<bool>("readOnly");

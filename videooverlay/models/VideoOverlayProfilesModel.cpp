@@ -18,6 +18,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <utility>
 
 namespace Velmar::VideoOverlay {
 
@@ -170,19 +171,18 @@ void VideoOverlayProfilesModel::saveCurrentProfile(QString name)
         log(LogLevel::Error, QStringLiteral("Cannot save current profile. Profile not set"));
         return;
     }
-    Profile *target = m_currentProfile;
-    if (!maySave(*target, QStringLiteral("Cannot save current profile. %1"), QStringLiteral("It")))
+    Profile &profile = *m_currentProfile;
+    if (!maySave(profile, QStringLiteral("Cannot save current profile. %1"), QStringLiteral("It")))
         return;
-    if (target->readOnly()) {
-        log(LogLevel::Info, QStringLiteral("Saving default profile with new name: ") + name);
-        target = clone(target, name);
-    } else {
-        log(LogLevel::Info, QStringLiteral("Saving profile: ") + target->name());
+    if (!profile.readOnly()) {
+        log(LogLevel::Info, QStringLiteral("Saving profile: ") + profile.name());
+        save(profile, recordsToSave(profile));
+        return;
     }
-    if (!target || !saveInto(*target))
-        return;
-    m_manager.resetChanges();
-    rememberDifferences();
+    log(LogLevel::Info, QStringLiteral("Saving default profile with new name: ") + name);
+    m_recordsOfCopy = std::make_unique<QList<ElementParam>>(recordsToSave(profile));
+    clone(&profile, name);
+    m_recordsOfCopy.reset();
 }
 
 void VideoOverlayProfilesModel::revertCurrentProfile()
@@ -326,6 +326,9 @@ void VideoOverlayProfilesModel::endAdding()
 {
     Profile *profile = m_profiles->getProfiles().last();
     connect(profile, &Profile::captionChanged, this, [this, profile] { onRenamed(profile); });
+    // Before anybody hears of it: a screen may select it at once, and then the overlay is another.
+    if (const auto records = std::move(m_recordsOfCopy))
+        save(*profile, *records);
     endInsertRows();
 }
 
@@ -357,15 +360,17 @@ QList<ElementParam> VideoOverlayProfilesModel::recordsToSave(const Profile &prof
     return records.make(isShown ? SavedRecords::Unshown::Dropped : SavedRecords::Unshown::Kept);
 }
 
-/// False when saving failed; the profile is then as it was.
-bool VideoOverlayProfilesModel::saveInto(Profile &profile)
+/// When saving fails, the profile is as it was, and so is what counts as changed.
+void VideoOverlayProfilesModel::save(Profile &profile, const QList<ElementParam> &records)
 {
     const QList<ElementParam> before = profile.elements();
-    profile.elements() = recordsToSave(profile);
-    if (m_profiles->saveProfile(&profile))
-        return true;
-    profile.elements() = before;
-    return false;
+    profile.elements() = records;
+    if (!m_profiles->saveProfile(&profile)) {
+        profile.elements() = before;
+        return;
+    }
+    m_manager.resetChanges();
+    rememberDifferences();
 }
 
 /// The ids of live elements without a record in the current profile, and of records whose element

@@ -116,7 +116,7 @@ private:
     void endAdding();
     bool maySave(const Profile &profile, const QString &message, const QString &subject) const;
     QList<ElementParam> recordsToSave(const Profile &profile) const;
-    bool saveInto(Profile &profile);
+    void save(Profile &profile, const QList<ElementParam> &records);
     QSet<int> handMadeDifferences() const;
     void rememberDifferences();
 
@@ -125,6 +125,7 @@ private:
     QPointer<Profile> m_currentProfile;
     QSet<int> m_knownDifferences; ///< those at the last load or save
     std::unique_ptr<ShownProfile> m_shown;
+    std::unique_ptr<QList<ElementParam>> m_recordsOfCopy; ///< while a read-only profile is saved
 };
 
 } // namespace Velmar::VideoOverlay
