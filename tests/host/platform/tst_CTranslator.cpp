@@ -291,7 +291,7 @@ private Q_SLOTS:
     {
         QFETCH(QString, code);
         TranslationStore &store = TranslationStore::instance();
-        store.setDirectory(QFINDTESTDATA("../../data/translations"));
+        store.setDirectory(QFINDTESTDATA("../../../data/translations"));
         QCOMPARE(store.availableLocales().size(), 9);
         const QLocale locale(QString::fromLatin1(QTest::currentDataTag()));
         QVERIFY(store.availableLocales().contains(locale));

@@ -172,7 +172,7 @@ private:
 
     static TemplatePointer shipped(const QString &id)
     {
-        store().setDirectory(QFINDTESTDATA("../../data/catalogs"));
+        store().setDirectory(QFINDTESTDATA("../../../data/catalogs"));
         return store().loadTemplate(id) ? store().getTemplateFromCache(id) : TemplatePointer();
     }
 
@@ -806,7 +806,7 @@ private Q_SLOTS:
     void shippedListsAreUsed()
     {
         // The files' own words: a list that no column names would not be seen through a template.
-        const QDir directory(QFINDTESTDATA("../../data/catalogs"));
+        const QDir directory(QFINDTESTDATA("../../../data/catalogs"));
         const QStringList names = directory.entryList({QStringLiteral("*.json")});
         QCOMPARE(names.size(), 3);
         for (const QString &name : names) {
