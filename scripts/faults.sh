@@ -63,6 +63,7 @@ trap 'exit 1' HUP INT TERM
 place=$work/place # where everything happens, so that paths are the same in every run
 mkdir "$work/home"
 export HOME="$work/home" XDG_CONFIG_HOME="$work/home" XDG_DATA_HOME="$work/home"
+# shellcheck disable=SC2031 # the subshell above only builds
 export QT_QPA_PLATFORM=offscreen LC_ALL=C.UTF-8 TZ=UTC
 # The sanitizer of the preset asan cannot look for leaks under a tracer.
 export ASAN_OPTIONS="${ASAN_OPTIONS:+$ASAN_OPTIONS:}detect_leaks=0"
