@@ -110,8 +110,9 @@ void tst_VideoController::videoThatEnds()
     QCOMPARE(facts.problem, QString());
     QVERIFY(facts.seekable);
     const int recorded = readFrames(path).size();
-    QVERIFY2(recorded > 30 && recorded <= Frames, qPrintable(QString::number(recorded)));
-    QVERIFY2(qAbs(facts.seconds - recorded / 25.0) < 0.05,
+    QVERIFY2(recorded > 10 && recorded <= Frames, qPrintable(QString::number(recorded)));
+    // Frames that came too late are left out, but not their time.
+    QVERIFY2(facts.seconds > recorded / 25.0 - 0.05 && facts.seconds < Frames / 25.0 + 0.25,
              qPrintable(QString::number(facts.seconds)));
     QTRY_VERIFY_WITH_TIMEOUT(live.video.isRunning(), LimitMs); // from the start again
     takeLog();
@@ -154,8 +155,9 @@ void tst_VideoController::cameraThatBreaks()
     QCOMPARE(facts.problem, QString());
     QVERIFY(facts.seekable);
     const int recorded = readFrames(path).size();
-    QVERIFY2(recorded > 30 && recorded <= Frames, qPrintable(QString::number(recorded)));
-    QVERIFY2(qAbs(facts.seconds - recorded / 25.0) < 0.05,
+    QVERIFY2(recorded > 10 && recorded <= Frames, qPrintable(QString::number(recorded)));
+    // Frames that came too late are left out, but not their time.
+    QVERIFY2(facts.seconds > recorded / 25.0 - 0.05 && facts.seconds < Frames / 25.0 + 0.25,
              qPrintable(QString::number(facts.seconds)));
     takeLog();
 }
@@ -170,7 +172,7 @@ void tst_VideoController::cameraThatComesBack()
         QTRY_VERIFY_WITH_TIMEOUT(live.video.isRunning(), LimitMs);
         live.video.startRecording();
         QTRY_COMPARE_WITH_TIMEOUT(finished.count(), i, LimitMs);
-        QVERIFY(readFrames(live.video.recordingPath()).size() > 30);
+        QVERIFY(readFrames(live.video.recordingPath()).size() > 10);
     }
     QVERIFY(finished.at(0) != finished.at(1));
     takeLog();
