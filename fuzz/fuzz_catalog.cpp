@@ -4,6 +4,7 @@
 #include "fuzz/ScratchFile.h"
 #include "host/platform/CatalogDescriptor.h"
 #include "host/platform/CatalogFile.h"
+#include "host/platform/CatalogTemplate.h"
 #include "platform/templates/CCatalogTemplate.h"
 #include "platform/templates/CProgramView.h"
 #include "platform/templates/CTemplateColumn.h"
