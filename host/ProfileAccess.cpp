@@ -3,6 +3,7 @@
 
 #include "host/check/ProfileProblem.h"
 #include "host/platform/LogRouter.h"
+#include "host/profiles/ProfileDirectory.h"
 
 #include <platform/logging/CLogger.h>
 #include <videooverlay/models/VideoOverlayProfilesModel.h>
@@ -91,6 +92,8 @@ bool selectProfile(VideoOverlayProfilesModel &profiles, const QString &name, QSt
         *error = profileProblem(*profile);
         return error->isEmpty() && profiles.setCurrentProfile(profile);
     }
+    if (!holdsAllProfiles(profiles, error))
+        return false;
     *error = QStringLiteral("There is no profile \"%1\"; there are: %2")
                  .arg(name, captions.join(QStringLiteral(", ")));
     return false;
