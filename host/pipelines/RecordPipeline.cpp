@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/pipelines/RecordPipeline.h"
 
+#include "host/pipelines/Mp4Rescue.h"
 #include "host/pipelines/VideoErrors.h"
 
 #include <QDir>
@@ -249,6 +250,8 @@ void RecordPipeline::cleanUp()
     const bool ours = !m_existedBefore || m_writtenPath != m_output.path;
     if (ours && frameCount() == 0 && info.isFile() && !info.isSymLink())
         QFile::remove(m_writtenPath);
+    else if (ours && m_container == Container::Mp4 && info.isFile())
+        restoreFirstList(m_writtenPath);
 }
 
 void RecordPipeline::outputOpened()

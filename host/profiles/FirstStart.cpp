@@ -15,6 +15,9 @@
 #include <QFile>
 #include <QRegularExpression>
 
+#include <filesystem>
+#include <system_error>
+
 namespace Velmar::Host {
 
 using VideoOverlay::Profile;
@@ -38,6 +41,14 @@ bool readAll(const QString &path, QByteArray *content, QString *error)
     return file.error() == QFileDevice::NoError || fail(error, path, file.errorString());
 }
 
+/// Whether there is a file at @p path. False, and a text in @p error, when that cannot be told.
+bool exists(const QString &path, bool *answer, QString *error)
+{
+    std::error_code code;
+    *answer = std::filesystem::exists(QFile::encodeName(path).toStdString(), code);
+    return !code || fail(error, path, qt_error_string(code.value()));
+}
+
 /// What comes meanwhile stays.
 bool writeNew(const QString &path, const QByteArray &content, QString *error)
 {
@@ -56,7 +67,12 @@ bool takePictures(QByteArray *profile, const QDir &shipped, const QDir &settings
     while (matches.hasNext()) {
         const QString named = matches.next().captured(1);
         const QString source = shipped.filePath(named);
-        if (named.isEmpty() || QDir::isAbsolutePath(named) || !QFile::exists(source))
+        bool isShipped = false;
+        if (named.isEmpty() || QDir::isAbsolutePath(named))
+            continue;
+        if (!exists(source, &isShipped, error))
+            return false;
+        if (!isShipped)
             continue;
         const QString target = settings.absoluteFilePath(QFileInfo(source).fileName());
         QByteArray picture;
@@ -88,7 +104,8 @@ public:
     bool read(QString *error)
     {
         QByteArray content;
-        if (QFile::exists(m_path) && !readAll(m_path, &content, error))
+        bool isThere = false;
+        if (!exists(m_path, &isThere, error) || (isThere && !readAll(m_path, &content, error)))
             return false;
         m_names = QString::fromUtf8(content).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
         return true;

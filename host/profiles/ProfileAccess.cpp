@@ -3,6 +3,7 @@
 
 #include "host/check/ProfileProblem.h"
 #include "host/platform/LogRouter.h"
+#include "host/profiles/ProfileDirectory.h"
 #include "host/profiles/ProfileNames.h"
 
 #include <platform/logging/CLogger.h>
@@ -89,6 +90,8 @@ bool selectProfile(VideoOverlayProfilesModel &profiles, const QString &name, QSt
         *error = profileProblem(*profile);
         return error->isEmpty() && profiles.setCurrentProfile(profile);
     }
+    if (!holdsAllProfiles(profiles, error))
+        return false;
     QStringList captions;
     for (int row = 0; row < profiles.rowCount(); ++row)
         captions.append(profileAt(profiles, row)->caption());

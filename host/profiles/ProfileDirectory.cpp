@@ -10,12 +10,26 @@
 
 #include <QDir>
 #include <QFile>
-#include <QFileInfo>
 
 #include <filesystem>
 #include <system_error>
 
 namespace Velmar::Host {
+
+namespace {
+
+/// False, with the reason in @p code, when that cannot be told. A link that leads nowhere, or in a
+/// circle, leads to no file.
+bool isFile(const std::filesystem::directory_entry &entry, bool *answer, std::error_code *code)
+{
+    const std::filesystem::file_status status = entry.status(*code);
+    if (std::filesystem::status_known(status) || *code == std::errc::too_many_symbolic_link_levels)
+        code->clear();
+    *answer = std::filesystem::is_regular_file(status);
+    return !*code;
+}
+
+} // namespace
 
 bool listProfileFiles(const QString &directory, QStringList *names, QString *error)
 {
@@ -23,16 +37,21 @@ bool listProfileFiles(const QString &directory, QStringList *names, QString *err
     std::error_code code;
     std::filesystem::directory_iterator entry(QFile::encodeName(directory).toStdString(), code);
     for (; !code && entry != std::filesystem::directory_iterator(); entry.increment(code)) {
-        const QString path = QFile::decodeName(entry->path().c_str());
-        const QFileInfo file(path);
+        const QString name = QFile::decodeName(entry->path().filename().c_str());
         // As the library does: letter case does not count.
-        if (!file.isHidden() && file.isFile()
-            && file.fileName().endsWith(QLatin1String(".xml"), Qt::CaseInsensitive))
-            names->append(file.fileName());
+        if (name.startsWith(QLatin1Char('.'))
+            || !name.endsWith(QLatin1String(".xml"), Qt::CaseInsensitive))
+            continue;
+        bool isProfile = false;
+        if (!isFile(*entry, &isProfile, &code))
+            break;
+        if (isProfile)
+            names->append(name);
     }
     names->sort();
     if (!code)
         return true;
+    names->clear();
     *error = QStringLiteral("%1: %2").arg(directory, qt_error_string(code.value()));
     return false;
 }

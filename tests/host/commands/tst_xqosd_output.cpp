@@ -45,6 +45,8 @@ private Q_SLOTS:
     void recordingIsReplacedByAnotherFile();
     void diskThatIsFull_data();
     void diskThatIsFull();
+    void diskThatIsFullAtTheVeryEnd_data();
+    void diskThatIsFullAtTheVeryEnd();
     void pictureOnAFullDisk_data();
     void pictureOnAFullDisk();
     void pictureReplacesAnother_data();
@@ -244,6 +246,35 @@ void tst_xqosd_output::diskThatIsFull()
     if (overAnother)
         QCOMPARE(read(output), earlierContent);
     QVERIFY(readFrames(written).size() > 50);
+}
+
+void tst_xqosd_output::diskThatIsFullAtTheVeryEnd_data()
+{
+    QTest::addColumn<QString>("output");
+    QTest::newRow("Matroska") << path("end.mkv");
+    QTest::newRow("MP4") << path("end.mp4");
+}
+
+/// Only what stands at the end of a file finds no room.
+void tst_xqosd_output::diskThatIsFullAtTheVeryEnd()
+{
+    QFETCH(QString, output);
+    const QStringList arguments
+        = recording(output, {QStringLiteral("--duration"), QStringLiteral("4")});
+    QCOMPARE(run(arguments).status, 0);
+    const int frames = readFrames(output).size();
+    const qint64 size = QFileInfo(output).size();
+    QVERIFY(QFile::remove(output));
+    QProcess program;
+    program.start(
+        QStringLiteral("prlimit"),
+        QStringList {QStringLiteral("--fsize=%1").arg(size - 10), QStringLiteral(XQOSD_PROGRAM)}
+            + arguments);
+    const Outcome outcome = outcomeOf(program);
+    QCOMPARE(outcome.status, 1);
+    QVERIFY2(outcome.err.contains(output), qPrintable(outcome.err));
+    const int left = readFrames(output).size();
+    QVERIFY2(left >= frames - 25, qPrintable(QString::number(left))); // but for a second
 }
 
 void tst_xqosd_output::pictureOnAFullDisk_data()

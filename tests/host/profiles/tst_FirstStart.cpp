@@ -119,6 +119,7 @@ private Q_SLOTS:
     void directoryThatCannotBeListed_data();
     void directoryThatCannotBeListed();
     void failuresAreTold();
+    void pictureThatCannotBeLookedFor();
     void shippedProfilesAreCopiedWithTheirPictures();
 
 private:
@@ -317,6 +318,17 @@ void tst_FirstStart::failuresAreTold()
     QVERIFY(!prepareProfiles(shipped(), &error));
     QVERIFY(error.startsWith(shipped(defaultFile) + QLatin1String(": ")));
     QCOMPARE(profiles(), QStringList(otherFile)); // the rest is copied
+}
+
+/// One that is not shipped is left out. But where nobody can tell, the profile would lose it.
+void tst_FirstStart::pictureThatCannotBeLookedFor()
+{
+    const QString picture = shipped(QStringLiteral("pictures/none.png"));
+    QVERIFY(QFile::link(QStringLiteral("none.png"), picture)); // to itself
+    QString error;
+    QVERIFY(!prepareProfiles(shipped(), &error));
+    QVERIFY2(error.startsWith(picture + QLatin1String(": ")), qPrintable(error));
+    QCOMPARE(profiles(), QStringList());
 }
 
 void tst_FirstStart::shippedProfilesAreCopiedWithTheirPictures()

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/profiles/ProfileDirectory.h"
 
+#include "host/profiles/ProfileAccess.h"
 #include "tests/support/LoggedTest.h"
 #include "tests/support/ProfileFolders.h"
 
@@ -18,6 +19,7 @@
 #include <dlfcn.h>
 #include <fcntl.h>
 #include <optional>
+#include <sys/stat.h>
 #include <sys/syscall.h>
 #include <unistd.h>
 
@@ -28,10 +30,7 @@ using Velmar::Test::ProfileFolders;
 namespace {
 
 int listingsThatFail = 0;
-
-} // namespace
-
-namespace {
+int filesThatFail = 0;
 
 bool fails(const char *path)
 {
@@ -60,6 +59,17 @@ Q_DECL_EXPORT int openat(int place, const char *path, int flags, ...)
         : int(::syscall(SYS_openat, place, path, flags, 0666));
 }
 
+Q_DECL_EXPORT int stat(const char *path, struct stat *status)
+{
+    static const auto real
+        = reinterpret_cast<int (*)(const char *, struct stat *)>(::dlsym(RTLD_NEXT, "stat"));
+    if (filesThatFail == 0 || !QByteArray(path).contains("/osd/"))
+        return real(path, status);
+    --filesThatFail;
+    errno = EIO;
+    return -1;
+}
+
 } // extern "C"
 
 class tst_ProfileDirectory : public Velmar::Test::LoggedTest
@@ -83,6 +93,25 @@ private Q_SLOTS:
         QVERIFY(!listProfileFiles(m_folders->profiles(), &names, &error));
         QCOMPARE(names, QStringList());
         QCOMPARE(error, m_folders->profiles() + QStringLiteral(": Input/output error"));
+
+        error.clear();
+        filesThatFail = 1;
+        QVERIFY(!listProfileFiles(m_folders->profiles(), &names, &error));
+        QCOMPARE(names, QStringList());
+        QCOMPARE(error, m_folders->profiles() + QStringLiteral(": Input/output error"));
+    }
+
+    /// Neither is a file, and nothing is wrong with the directory.
+    void linksThatLeadNowhere()
+    {
+        const QDir directory(m_folders->profiles());
+        m_folders->writeProfile(QStringLiteral("a.xml"), "<PROFILE/>");
+        QVERIFY(QFile::link(QStringLiteral("none"), directory.filePath(QStringLiteral("b.xml"))));
+        QVERIFY(QFile::link(QStringLiteral("c.xml"), directory.filePath(QStringLiteral("c.xml"))));
+        QStringList names;
+        QString error;
+        QVERIFY2(listProfileFiles(directory.path(), &names, &error), qPrintable(error));
+        QCOMPARE(names, QStringList(QStringLiteral("a.xml")));
     }
 
     /// To the library, such a directory is an empty one.
@@ -98,6 +127,12 @@ private Q_SLOTS:
         QVERIFY(holdsAllProfiles(VideoOverlayProfilesModel(manager), &error));
         listingsThatFail = 1;
         QVERIFY(!holdsAllProfiles(VideoOverlayProfilesModel(manager), &error));
+        QCOMPARE(error, m_folders->profiles() + QStringLiteral(": could not be read"));
+
+        listingsThatFail = 1;
+        VideoOverlayProfilesModel unread(manager);
+        error.clear();
+        QVERIFY(!selectProfile(unread, QStringLiteral("a"), &error)); // not: there is none
         QCOMPARE(error, m_folders->profiles() + QStringLiteral(": could not be read"));
     }
 
@@ -117,6 +152,7 @@ private:
     void prepare() override
     {
         listingsThatFail = 0;
+        filesThatFail = 0;
         m_folders.emplace();
     }
 
